@@ -1,0 +1,26 @@
+# Two interface targets: what every translation unit of the module needs so that its results are the same bits
+# everywhere, and what developers add to it.
+
+# Reproducible numbers: no contraction of a*b+c, no reassociation. errno and floating-point traps are never
+# read, so the compiler may inline sqrt and vectorise; neither changes a result.
+add_library(velquad_number_rules INTERFACE)
+target_compile_options(velquad_number_rules INTERFACE
+    -ffp-contract=off -fno-math-errno -fno-trapping-math)
+
+add_library(velquad_developer_options INTERFACE)
+target_link_libraries(velquad_developer_options INTERFACE velquad_number_rules)
+target_compile_options(velquad_developer_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wcast-align
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wdouble-promotion -Wnull-dereference -Wformat=2 -Wundef)
+if(VELQUAD_WARNINGS_AS_ERRORS)
+    target_compile_options(velquad_developer_options INTERFACE -Werror)
+endif()
+if(VELQUAD_SANITIZE)
+    target_compile_options(velquad_number_rules INTERFACE
+        -fsanitize=${VELQUAD_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+    target_link_options(velquad_number_rules INTERFACE -fsanitize=${VELQUAD_SANITIZE})
+endif()
+if(VELQUAD_COVERAGE)
+    target_compile_options(velquad_number_rules INTERFACE --coverage -O0 -g)
+    target_link_options(velquad_number_rules INTERFACE --coverage)
+endif()

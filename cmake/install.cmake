@@ -1,0 +1,20 @@
+# Installed form: headers, module, CMake package and pkg-config file. The package is relocatable.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS VELQUAD EXPORT VELQUADTargets
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY include/velquad DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/velquad)
+
+set(velquadPackageDir ${CMAKE_INSTALL_LIBDIR}/cmake/VELQUAD)
+install(EXPORT VELQUADTargets NAMESPACE VELQUAD:: DESTINATION ${velquadPackageDir})
+configure_package_config_file(cmake/VELQUADConfig.cmake.in VELQUADConfig.cmake
+    INSTALL_DESTINATION ${velquadPackageDir})
+write_basic_package_version_file(VELQUADConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/VELQUADConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/VELQUADConfigVersion.cmake
+    DESTINATION ${velquadPackageDir})
+
+configure_file(cmake/velquad.pc.in velquad.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/velquad.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,83 @@
+/// @file
+/// The records that cross the boundary of the library, and the values that stand for "nothing there".
+///
+/// Records stand at global scope with their tags, fields and layout; callers may walk them by hand. y grows
+/// downwards in images, while orientation tests are written in mathematical axes and no function corrects for
+/// that.
+#ifndef VELQUAD_TYPES_H
+#define VELQUAD_TYPES_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "velquad/platform.h"
+
+/// A point of the plane.
+struct tagPOINT2D {
+    double x;
+    double y;
+};
+
+/// A point of space.
+struct tagPOINT3D {
+    double x;
+    double y;
+    double z;
+};
+
+/// A rectangle of the plane, all four sides inclusive.
+struct tagMAT_RECT2D {
+    double left;
+    double top;
+    double right;
+    double bottom;
+};
+
+/// A polygon as it stands in a movable block: the number of points, then the points without a gap.
+///
+///     offset 0       4        8        12       16
+///            +-------+--------+--------+--------+----
+///            | count | x[0]   | y[0]   | x[1]   | ...       8 * count + 4 bytes
+///            +-------+--------+--------+--------+----
+///
+/// Points have 4-byte alignment. A closed polygon stores its first point once more behind the last one and
+/// counts it.
+struct tagPOLY {
+    DWORD count;         ///< Points that the record holds, a closing point included.
+    tagPOINT points[1];  ///< `count` points; the array is as long as the block allows.
+};
+
+/// A place on an outline: `fraction` 0 is the vertex `index`, 1 the vertex behind it.
+struct tagPOLY_POSITION {
+    DWORD index;
+    double fraction;
+};
+
+/// The running record of the shortest and the longest of many point pairs; see `matInitDistance`.
+struct tagMAT_DISTANCE {
+    tagPOINT shortestFrom;    ///< First point of the shortest pair; 0x7fffffff twice while there is none.
+    tagPOINT shortestTo;      ///< Second point of the shortest pair.
+    double shortestDistance;  ///< Its distance; the largest double while there is none.
+    double shortestAngle;     ///< Its direction in degrees, [0, 179.9999999), after `matCompleteDistance`.
+    tagPOINT longestFrom;     ///< First point of the longest pair.
+    tagPOINT longestTo;       ///< Second point of the longest pair.
+    double longestDistance;   ///< Its distance.
+    double longestAngle;      ///< Its direction in degrees, after `matCompleteDistance`.
+    double meanDistance;      ///< Sum of all distances; their mean after `matCompleteDistance`.
+    DWORD count;              ///< Pairs compared.
+    double scaleX;            ///< Width of a pixel in units of measurement.
+    double scaleY;            ///< Height of a pixel in units of measurement.
+};
+
+namespace velquad {
+
+/// The largest double: a distance, a parameter or a coordinate that does not exist.
+inline constexpr double kNoValue = 1.7976931348623157e308;
+/// The largest float: an extent that is not set yet.
+inline constexpr double kExtentNotSet = 3.4028234663852886e38;
+/// A pixel coordinate that is not set.
+inline constexpr int kCoordinateNotSet = 0x7fffffff;
+
+}  // namespace velquad
+
+#endif  // VELQUAD_TYPES_H

@@ -1,0 +1,14 @@
+/// @file
+/// All public headers of the library.
+#ifndef VELQUAD_VELQUAD_H
+#define VELQUAD_VELQUAD_H
+
+#include "velquad/curves.h"
+#include "velquad/frame.h"
+#include "velquad/framework.h"
+#include "velquad/geometry.h"
+#include "velquad/platform.h"
+#include "velquad/polygon.h"
+#include "velquad/types.h"
+
+#endif  // VELQUAD_VELQUAD_H

@@ -1,0 +1,136 @@
+#include "tests/support/allocation_failure.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <new>
+
+#include "velquad/platform.h"
+
+namespace {
+
+thread_local std::size_t countdown = 0;
+thread_local bool hasFailed = false;
+thread_local std::ptrdiff_t liveCount = 0;
+thread_local std::size_t totalCount = 0;
+
+bool mustFail() {
+    if (countdown == 0 || --countdown != 0) return false;
+    hasFailed = true;
+    return true;
+}
+
+void* counted(void* block) {
+    if (block != nullptr) {
+        ++liveCount;
+        ++totalCount;
+    }
+    return block;
+}
+
+}  // namespace
+
+extern "C" {
+
+// The names are the linker's: --wrap sends each call of malloc to __wrap_malloc and offers the original as
+// __real_malloc.
+void* __real_malloc(std::size_t size);
+void* __real_calloc(std::size_t count, std::size_t size);
+void* __real_realloc(void* block, std::size_t size);
+void __real_free(void* block);
+void* __wrap_malloc(std::size_t size);
+void* __wrap_calloc(std::size_t count, std::size_t size);
+void* __wrap_realloc(void* block, std::size_t size);
+void __wrap_free(void* block);
+
+void* __wrap_malloc(std::size_t size) {
+    return mustFail() ? nullptr : counted(__real_malloc(size));
+}
+
+void* __wrap_calloc(std::size_t count, std::size_t size) {
+    return mustFail() ? nullptr : counted(__real_calloc(count, size));
+}
+
+void* __wrap_realloc(void* block, std::size_t size) {
+    if (mustFail()) return nullptr;
+    void* moved = __real_realloc(block, size);
+    return block == nullptr ? counted(moved) : moved;
+}
+
+void __wrap_free(void* block) {
+    if (block != nullptr) --liveCount;
+    __real_free(block);
+}
+
+}  // extern "C"
+
+void* operator new(std::size_t size) {
+    void* block = std::malloc(size == 0 ? 1 : size);
+    if (block == nullptr) throw std::bad_alloc();
+    return block;
+}
+void* operator new[](std::size_t size) {
+    return operator new(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return std::malloc(size == 0 ? 1 : size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return std::malloc(size == 0 ? 1 : size);
+}
+void operator delete(void* block) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, std::size_t) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block, std::size_t) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, const std::nothrow_t&) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block, const std::nothrow_t&) noexcept {
+    std::free(block);
+}
+
+namespace velquad::test {
+
+void failAllocation(std::size_t number) {
+    countdown = number;
+    hasFailed = false;
+}
+
+bool hasAllocationFailed() {
+    return hasFailed;
+}
+
+std::ptrdiff_t liveAllocations() {
+    return liveCount;
+}
+
+std::size_t allocationCount() {
+    return totalCount;
+}
+
+std::size_t forEachFailingAllocation(const std::function<bool()>& call) {
+    constexpr std::size_t kMostAllocations = 100000;
+    EXPECT_FALSE(call()) << "the call must succeed while no allocation fails";
+    for (std::size_t number = 1; number < kMostAllocations; ++number) {
+        const std::ptrdiff_t before = liveCount;
+        failAllocation(number);
+        const bool reported = call();
+        const bool happened = hasFailed;
+        failAllocation(0);
+        EXPECT_EQ(liveCount, before) << "allocation " << number << " failed and something was lost";
+        EXPECT_EQ(reported, happened) << "allocation " << number;
+        if (!happened) return number - 1;
+    }
+    ADD_FAILURE() << "more allocations than expected";
+    return kMostAllocations;
+}
+
+}  // namespace velquad::test
