@@ -3,10 +3,9 @@
 #ifndef VELQUAD_FRAME_CONVERT_H
 #define VELQUAD_FRAME_CONVERT_H
 
-#include <emmintrin.h>
-
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 namespace velquad::frame {
 
