@@ -48,7 +48,8 @@ TEST(PolyAlloc, GivesAnUnlockedZeroedBlockForTheCount) {
     EXPECT_EQ(GlobalFlags(handle) & GMEM_LOCKCOUNT, 0U);
     const auto* bytes = static_cast<const unsigned char*>(GlobalLock(handle));
     ASSERT_NE(bytes, nullptr);
-    for (int i = 0; i < 44; ++i) EXPECT_EQ(bytes[i], 0) << "byte " << i;
+    for (int i = 0; i < 44; ++i)
+        EXPECT_EQ(bytes[i], 0) << "byte " << i;
     GlobalUnlock(handle);
     EXPECT_EQ(polyFree(handle), 1);
 }
@@ -166,7 +167,8 @@ TEST(PolyCopy, CopiesAsItIsWithoutTheCloseFlag) {
 }
 
 TEST(PolyCopy, AddsTheClosingPointForEveryNonZeroFlag) {
-    for (const int close : {1, 2, -1}) EXPECT_EQ(copyOf(kOpenSquare, close), kClosedSquare) << close;
+    for (const int close : {1, 2, -1})
+        EXPECT_EQ(copyOf(kOpenSquare, close), kClosedSquare) << close;
     EXPECT_EQ(copyOf({{3, 4}, {5, 6}}, 1), (Coordinates{{3, 4}, {5, 6}, {3, 4}}));
 }
 
@@ -267,7 +269,8 @@ TEST(PolygonRecord, IsFilledThroughItsHandle) {
     void* handle = polyAlloc(3);
     auto* record = static_cast<tagPOLY*>(GlobalLock(handle));
     ASSERT_NE(record, nullptr);
-    for (LONG i = 0; i < 3; ++i) record->points[i] = {i, -i};
+    for (LONG i = 0; i < 3; ++i)
+        record->points[i] = {i, -i};
     record->count = 3;
     GlobalUnlock(handle);
     EXPECT_EQ(readPolygon(handle), (Coordinates{{0, 0}, {1, -1}, {2, -2}}));

@@ -19,13 +19,15 @@ using Coordinates = std::vector<std::pair<int, int>>;
 
 inline Coordinates coordinatesOf(const tagPOINT* points, DWORD count) {
     Coordinates result;
-    for (DWORD i = 0; i < count; ++i) result.emplace_back(points[i].x, points[i].y);
+    for (DWORD i = 0; i < count; ++i)
+        result.emplace_back(points[i].x, points[i].y);
     return result;
 }
 
 inline std::vector<tagPOINT> outlineOf(const Coordinates& coordinates) {
     std::vector<tagPOINT> points;
-    for (const auto& [x, y] : coordinates) points.push_back({x, y});
+    for (const auto& [x, y] : coordinates)
+        points.push_back({x, y});
     return points;
 }
 
