@@ -2,6 +2,7 @@
 // tail for each of them.
 #include <benchmark/benchmark.h>
 
+#include <random>
 #include <vector>
 
 #include "polygon/double_points_impl.h"
@@ -9,11 +10,15 @@
 
 namespace {
 
-/// A staircase on which each corner stands `repeats` times.
-std::vector<tagPOINT> staircase(std::int64_t count, int repeats) {
+/// A traced outline: a staircase that stands still at a place for `repeats` points on average.
+std::vector<tagPOINT> staircase(std::int64_t count, unsigned repeats) {
+    std::mt19937 random(20210);
     std::vector<tagPOINT> points;
-    for (LONG i = 0; i < count; ++i)
-        points.push_back({i / repeats, i / (2 * repeats)});
+    tagPOINT point{0, 0};
+    while (static_cast<std::int64_t>(points.size()) < count) {
+        if (random() % repeats == 0) (points.size() % 2 == 0 ? point.x : point.y) += 1;
+        points.push_back(point);
+    }
     return points;
 }
 
@@ -43,7 +48,7 @@ BENCHMARK(copyAndFree)->Arg(10)->Arg(1000)->Arg(100000);
 
 template <DWORD (*Remove)(tagPOINT*, DWORD)>
 void removeDoublePoints(benchmark::State& state) {
-    const auto points = staircase(state.range(0), static_cast<int>(state.range(1)));
+    const auto points = staircase(state.range(0), static_cast<unsigned>(state.range(1)));
     std::vector<tagPOINT> work(points.size());
     for (auto _ : state) {
         work.assign(points.begin(), points.end());
