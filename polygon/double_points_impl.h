@@ -22,8 +22,8 @@ DWORD countBeforeRepeat(const Point* points, DWORD count, IsRepeat isRepeat) {
     return i;
 }
 
-/// Keeps the first point and each point for which `isRepeat(survivor, point)` is false, where `survivor` is the
-/// last point kept. The kept points stand at the front, in order; what stands behind them is unspecified.
+/// Keeps the first point and each point for which `isRepeat(survivor, point)` is false, where `survivor` is
+/// the last point kept. The kept points stand at the front, in order; what stands behind them is unspecified.
 /// @return the number of points kept.
 template <class Point, class IsRepeat>
 DWORD removeRepeats(Point* points, DWORD count, IsRepeat isRepeat) {
@@ -35,8 +35,8 @@ DWORD removeRepeats(Point* points, DWORD count, IsRepeat isRepeat) {
 }
 
 /// `removeRepeats` for an exact equality, where a point can be compared with the one before it instead of the
-/// survivor, as the two are equal. That frees the loop from branches: each point is stored, and the next one is
-/// stored over it when it was a repeat.
+/// survivor, as the two are equal. That frees the loop from branches: each point is stored, and the next one
+/// is stored over it when it was a repeat.
 template <class Point>
 DWORD removeExactRepeats(Point* points, DWORD count) {
     using Traits = PointTraits<Point>;
@@ -52,8 +52,8 @@ DWORD removeExactRepeats(Point* points, DWORD count) {
     return kept;
 }
 
-/// The walk that moves `PointTraits::kMovedBytesPerPoint` bytes for each point behind a removed one. For traits
-/// that move less than a point the result depends on every single move.
+/// The walk that moves `PointTraits::kMovedBytesPerPoint` bytes for each point behind a removed one. For
+/// traits that move less than a point the result depends on every single move.
 template <class Point>
 DWORD removeDoublePointsByTailMoves(Point* points, DWORD count) {
     using Traits = PointTraits<Point>;

@@ -1,5 +1,5 @@
-// What the integer and the double outlines differ in. An algorithm that both families share is a template over
-// the point type, and asks these traits for everything that is not the same.
+// What the integer and the double outlines differ in. An algorithm that both families share is a template
+// over the point type, and asks these traits for everything that is not the same.
 #ifndef VELQUAD_POLYGON_POINT_TRAITS_H
 #define VELQUAD_POLYGON_POINT_TRAITS_H
 

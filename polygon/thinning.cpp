@@ -1,5 +1,5 @@
-// Thinning of an outline by step, and removal of points that repeat their predecessor. All in place and in one
-// pass.
+// Thinning of an outline by step, and removal of points that repeat their predecessor. All in place and in
+// one pass.
 #include "frame/convert.h"
 #include "frame/global_block.h"
 #include "geometry/distance.h"

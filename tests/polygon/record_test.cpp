@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <cstddef>
+#include <utility>
 
 #include "polygon/record.h"
 #include "tests/support/allocation_failure.h"

@@ -1,5 +1,5 @@
-// Outlines in tests: point lists that can be compared and printed, and reading a polygon through its handle as a
-// caller does who walks the record by hand.
+// Outlines in tests: point lists that can be compared and printed, and reading a polygon through its handle
+// as a caller does who walks the record by hand.
 #ifndef VELQUAD_TESTS_SUPPORT_OUTLINE_H
 #define VELQUAD_TESTS_SUPPORT_OUTLINE_H
 
@@ -31,8 +31,8 @@ inline std::vector<tagPOINT> outlineOf(const Coordinates& coordinates) {
     return points;
 }
 
-/// Reads the polygon of an unlocked handle byte by byte, checks that it is unlocked before and after, and that
-/// its block has the size of its points.
+/// Reads the polygon of an unlocked handle byte by byte, checks that it is unlocked before and after, and
+/// that its block has the size of its points.
 inline Coordinates readPolygon(void* handle) {
     EXPECT_NE(handle, nullptr);
     if (handle == nullptr) return {};

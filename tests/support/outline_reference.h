@@ -3,7 +3,6 @@
 #define VELQUAD_TESTS_SUPPORT_OUTLINE_REFERENCE_H
 
 #include <cstddef>
-#include <cstring>
 #include <vector>
 
 #include "velquad/types.h"
@@ -24,8 +23,9 @@ std::vector<tagPOINT> removeRepeatsOneByOne(std::vector<tagPOINT> points, IsRepe
     return points;
 }
 
-/// The walk over doubles laid out as x, y, x, y, ...: a removed point is overwritten by moving as many doubles as
-/// there are points behind it, half of the tail. All doubles stay in the list; `*count` is the number of points.
+/// The walk over doubles laid out as x, y, x, y, ...: a removed point is overwritten by moving as many
+/// doubles as there are points behind it, half of the tail. All doubles stay in the list; `*count` is the
+/// number of points.
 inline std::vector<double> removeDoublePointsMovingHalfTails(std::vector<double> values, std::size_t* count) {
     const auto isNear = [](double a, double b) { return a - b < 1e-7 && b - a < 1e-7; };
     std::size_t i = 1;
