@@ -3,10 +3,9 @@
 #ifndef VELQUAD_FRAME_CONVERT_H
 #define VELQUAD_FRAME_CONVERT_H
 
-#include <emmintrin.h>
-
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 namespace velquad::frame {
 
@@ -35,14 +34,17 @@ constexpr Int32 wrapAbs(Int32 a) {
 }
 
 /// Truncation towards zero; -2147483648 for a value beyond 32 bits, an infinity or a not-a-number.
-inline Int32 truncToInt32(double value) {
-    return _mm_cvttsd_si32(_mm_set_sd(value));
+constexpr Int32 truncToInt32(double value) {
+    if (!(value > -2147483649.0 && value < 2147483648.0)) return std::numeric_limits<Int32>::min();
+    return static_cast<Int32>(value);
 }
 
 /// Truncation towards zero; the smallest 64-bit integer for a value beyond 64 bits, an infinity or a
 /// not-a-number.
-inline std::int64_t truncToInt64(double value) {
-    return _mm_cvttsd_si64(_mm_set_sd(value));
+constexpr std::int64_t truncToInt64(double value) {
+    constexpr double kTwoTo63 = 9223372036854775808.0;
+    if (!(value >= -kTwoTo63 && value < kTwoTo63)) return std::numeric_limits<std::int64_t>::min();
+    return static_cast<std::int64_t>(value);
 }
 
 /// Rounding with halves away from zero, narrowed to the low 32 bits of the 64-bit result; 0 for a value beyond

@@ -1,0 +1,58 @@
+# Compares the dynamic symbols of the module with the list of exports, in both directions and kind by kind.
+#   cmake -DMODULE=<file> -DNM=<nm> -DCXXFILT=<c++filt> -DMANIFEST=<list> [-DSYSTEM=windows] -P check_exports.cmake
+#
+# A line of the list: kind, header, name. `plain` names stand in the symbol table as they are; `decorated` names
+# are C++ and compared as the demangler prints them. Rows of the header `platform` hold where the system has no
+# such functions itself.
+foreach(variable MODULE NM CXXFILT MANIFEST)
+    if(NOT DEFINED ${variable})
+        message(FATAL_ERROR "${variable} is missing")
+    endif()
+endforeach()
+
+set(expected "")
+file(STRINGS ${MANIFEST} rows REGEX "^(plain|decorated)\t")
+foreach(row IN LISTS rows)
+    string(REGEX MATCH "^([a-z]+)\t([a-z]+)\t(.*)$" matched "${row}")
+    list(APPEND expected "${CMAKE_MATCH_1} ${CMAKE_MATCH_3}")
+endforeach()
+
+execute_process(COMMAND ${NM} -D --defined-only --format=posix ${MODULE} OUTPUT_VARIABLE table COMMAND_ERROR_IS_FATAL ANY)
+string(REPLACE "\n" ";" lines "${table}")
+set(actual "")
+foreach(line IN LISTS lines)
+    if(line STREQUAL "")
+        continue()
+    endif()
+    string(REGEX REPLACE "^([^ ]+) .*$" "\\1" symbol "${line}")
+    string(REGEX REPLACE "^[^ ]+ (.).*$" "\\1" type "${line}")
+    if(symbol MATCHES "^_Z")
+        execute_process(COMMAND ${CXXFILT} ${symbol} OUTPUT_VARIABLE name OUTPUT_STRIP_TRAILING_WHITESPACE)
+        list(APPEND actual "decorated ${name}")
+    else()
+        if(NOT type STREQUAL "T")
+            message(SEND_ERROR "${symbol} is plain but no function (${type})")
+        endif()
+        list(APPEND actual "plain ${symbol}")
+    endif()
+endforeach()
+# Both variants of a constructor or destructor print alike.
+list(REMOVE_DUPLICATES actual)
+list(LENGTH expected expectedCount)
+list(REMOVE_DUPLICATES expected)
+list(LENGTH expected uniqueCount)
+if(NOT expectedCount EQUAL uniqueCount)
+    message(SEND_ERROR "the list of exports names something twice")
+endif()
+
+set(missing ${expected})
+list(REMOVE_ITEM missing ${actual})
+set(extra ${actual})
+list(REMOVE_ITEM extra ${expected})
+foreach(name IN LISTS missing)
+    message(SEND_ERROR "not exported: ${name}")
+endforeach()
+foreach(name IN LISTS extra)
+    message(SEND_ERROR "exported but not listed: ${name}")
+endforeach()
+message(STATUS "${uniqueCount} exports agree")
