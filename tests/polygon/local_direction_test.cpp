@@ -54,11 +54,11 @@ TEST(LocalRegressionLine, FitsXOverYOtherwise) {
 }
 
 TEST(LocalRegressionLine, SelectionPicksThePointsBeforeAtAndBehind) {
-    expectLine(regression(kBend, 4, 2, 1), 0.5, 1.0, 1);  // (4, 3), (6, 4)
-    expectLine(regression(kBend, 4, 2, 4), 0.0, 8.0, 0);  // (8, 9), (8, 13)
-    expectLine(regression(kBend, 4, 1, 3), 0.5, 1.0, 1);  // (6, 4), (8, 5)
-    expectLine(regression(kBend, 4, 1, 6), 0.0, 8.0, 0);  // (8, 5), (8, 9)
-    expectLine(regression(kBend, 4, 1, 5), 0.4, 5.4, 0);  // (6, 4), (8, 9): x = 6 + (y - 4) * 0.4 - 1.2 ...
+    expectLine(regression(kBend, 4, 2, 1), 0.5, 1.0, 1);         // (4, 3), (6, 4)
+    expectLine(regression(kBend, 4, 2, 4), 0.0, 8.0, 0);         // (8, 9), (8, 13)
+    expectLine(regression(kBend, 4, 1, 3), 0.5, 1.0, 1);         // (6, 4), (8, 5)
+    expectLine(regression(kBend, 4, 1, 6), 0.0, 8.0, 0);         // (8, 5), (8, 9)
+    expectLine(regression(kBend, 4, 1, 5), 0.4, 4.4, 0);         // (6, 4), (8, 9)
     expectLine(regression(kBend, 2, 1, kAll | 8), 0.5, 1.0, 1);  // further bits mean nothing
     expectNothing(regression(kBend, 4, 2, 2));                   // the vertex alone
     expectNothing(regression(kBend, 4, 2, 0));

@@ -92,10 +92,10 @@ TEST(PolyCalcDistance, OutputsAreOptional) {
 }
 
 TEST(PolyCalcDistance, FootWithinTheToleranceBeyondAnEndKeepsItsPlace) {
-    // The squared length of the edge is 10004570, that of the shorter one 9998245, and the foot lies 1 / squared
+    // The squared length of the first edge is 10004570, that of the shorter one 9998245, and the foot lies 1 / squared
     // length beyond an end: 9.995e-8 and 1.0002e-7.
-    expectNearest(distance({{0, 0}, {1, 3163}}, 0, {-1, 0}, 1), 1.0, {-1.0 / 10004570, -3163.0 / 10004570}, 0,
-                  -1.0 / 10004570);
+    expectNearest(distance({{0, 0}, {1, 3163}}, 0, {-1, 0}, 1), 1.0 - 1.0 / 10004570,
+                  {-1.0 / 10004570, -3163.0 / 10004570}, 0, -1.0 / 10004570);
     expectNearest(distance({{0, 0}, {1, 3162}}, 0, {-1, 0}, 1), 1.0, {0.0, 0.0}, 0, 0.0);
     EXPECT_GT(distance({{0, 0}, {1, 3163}}, 0, {2, 3163}, 1).fraction, 1.0);
     expectNearest(distance({{0, 0}, {1, 3162}}, 0, {2, 3162}, 1), 1.0, {1.0, 3162.0}, 0, 1.0);
