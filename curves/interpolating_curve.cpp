@@ -46,7 +46,7 @@ unsigned int writeSegments(const SplineSegmentSet& set, const double* knots, dou
     double first[3];
     double* const firstRow = first;
     for (Index i = 0; i < set.m; ++i) {
-        const double h = set.len[i] < step ? set.len[i] : step;
+        const double h = step < set.len[i] ? step : set.len[i];
         Index lastIndex = -1;
         const int code = sampleSegments(set, knots, knots[i], knots[i + 1], h, rows - 1, samples, lastIndex);
         // Lengths that are not numbers, or vanish beside the parameter, give no sample at all.

@@ -38,11 +38,11 @@ class Turns {
 
     /// Computes the chords up to i anew.
     void moveTo(Index i) {
-        double far[kMostCoordinates];
-        unitVector(chords_[i - 2], far, d_);
+        double before[kMostCoordinates];
+        unitVector(chords_[i - 2], before, d_);
         unitVector(chords_[i - 1], arriving_, d_);
         unitVector(chords_[i], leaving_, d_);
-        left_ = sinOfAngle(far, arriving_, d_);
+        left_ = sinOfAngle(before, arriving_, d_);
         middle_ = sinOfAngle(arriving_, leaving_, d_);
     }
 
