@@ -5,6 +5,8 @@
 #include <new>
 #include <utility>
 
+#include "platform/spin_lock.h"
+
 namespace velquad::platform {
 
 namespace {
@@ -18,7 +20,7 @@ struct LibraryRecord {
 // What the module knows of run-time classes. Constant-initialised: it is in use before static objects are
 // constructed and after they are destroyed.
 struct ModuleState {
-    std::mutex mutex;
+    SpinLock mutex;
     CRuntimeClass* classes = nullptr;  // registered, and not taken over by a module
     CRuntimeClass* setAside = nullptr;
     LibraryRecord* libraries = nullptr;

@@ -197,9 +197,6 @@ TEST(BlockLockGuard, HoldsNothingForARefusedHandle) {
     EXPECT_EQ(lock.as<char>(), nullptr);
 }
 
-// The test program's allocations fail one by one, which the system's own movable memory does not take part in.
-#if !defined(_WIN32)
-
 TEST(GlobalAllocLocked, LosesNothingWhenAllocationsFail) {
     const std::size_t allocations = forEachFailingAllocation([] {
         void* contents = matGlobalAllocLocked(kZeroedMovable, 100);
@@ -219,7 +216,7 @@ TEST(GlobalReAllocLocked, KeepsTheOldBlockWhenTheAllocationFails) {
     velquad::test::failAllocation(0);
     const HGLOBAL handle = GlobalHandle(contents);
     EXPECT_EQ(lockCount(handle), 1u);
-    EXPECT_EQ(GlobalSize(handle), 100u);
+    EXPECT_GE(GlobalSize(handle), 100u);
     EXPECT_TRUE(isFilledWith(contents, 0, 100, 0x5C));
     matGlobalFreeLocked(contents);
 }
@@ -232,10 +229,9 @@ TEST(ShrinkToHandle, KeepsTheLargerBlockWhenShrinkingFails) {
     velquad::test::failAllocation(0);
     ASSERT_NE(handle, nullptr);
     EXPECT_EQ(lockCount(handle), 0u);
-    EXPECT_EQ(GlobalSize(handle), 1000u);
+    EXPECT_GE(GlobalSize(handle), 1000u);
     EXPECT_EQ(GlobalFree(handle), nullptr);
 }
 
-#endif
 
 }  // namespace

@@ -136,7 +136,6 @@ TEST(PolyApplyPointDistance, ReturnsNullForNull) {
     EXPECT_EQ(polyApplyPointDistance(nullptr, 0.0), nullptr);
 }
 
-#if !defined(_WIN32)
 TEST(PolyApplyPointDistance, FreesAPolygonThatCannotBeLocked) {
     const std::ptrdiff_t before = liveAllocations();
     void* handle = numberedPolygon(8);
@@ -153,7 +152,7 @@ TEST(PolyApplyPointDistance, LeavesTheThinnedPolygonWhenTheBlockCannotBeCut) {
     EXPECT_EQ(velquad::test::lastBlockSize(), 36U);
     EXPECT_EQ(velquad::test::lastBlockFlags(), 2U);
     EXPECT_EQ(GlobalFlags(handle) & GMEM_LOCKCOUNT, 0U);
-    EXPECT_EQ(GlobalSize(handle), 68U);
+    EXPECT_GE(GlobalSize(handle), 68U);
     const auto* record = static_cast<const tagPOLY*>(GlobalLock(handle));
     ASSERT_NE(record, nullptr);
     EXPECT_EQ(record->count, 4U);
@@ -161,6 +160,5 @@ TEST(PolyApplyPointDistance, LeavesTheThinnedPolygonWhenTheBlockCannotBeCut) {
     GlobalUnlock(handle);
     EXPECT_EQ(polyFree(handle), 1);
 }
-#endif
 
 }  // namespace

@@ -5,28 +5,11 @@
 #include <cstdlib>
 #include <new>
 
-#include "velquad/platform.h"
+#include "tests/support/allocation_counters.h"
 
 namespace {
 
-thread_local std::size_t countdown = 0;
-thread_local bool hasFailed = false;
-thread_local std::ptrdiff_t liveCount = 0;
-thread_local std::size_t totalCount = 0;
-
-bool mustFail() {
-    if (countdown == 0 || --countdown != 0) return false;
-    hasFailed = true;
-    return true;
-}
-
-void* counted(void* block) {
-    if (block != nullptr) {
-        ++liveCount;
-        ++totalCount;
-    }
-    return block;
-}
+using velquad::test::allocationCounters;
 
 }  // namespace
 
@@ -44,21 +27,22 @@ void* __wrap_realloc(void* block, std::size_t size);
 void __wrap_free(void* block);
 
 void* __wrap_malloc(std::size_t size) {
-    return mustFail() ? nullptr : counted(__real_malloc(size));
+    return allocationCounters().mustFail() ? nullptr : allocationCounters().counted(__real_malloc(size));
 }
 
 void* __wrap_calloc(std::size_t count, std::size_t size) {
-    return mustFail() ? nullptr : counted(__real_calloc(count, size));
+    return allocationCounters().mustFail() ? nullptr
+                                           : allocationCounters().counted(__real_calloc(count, size));
 }
 
 void* __wrap_realloc(void* block, std::size_t size) {
-    if (mustFail()) return nullptr;
+    if (allocationCounters().mustFail()) return nullptr;
     void* moved = __real_realloc(block, size);
-    return block == nullptr ? counted(moved) : moved;
+    return block == nullptr ? allocationCounters().counted(moved) : moved;
 }
 
 void __wrap_free(void* block) {
-    if (block != nullptr) --liveCount;
+    if (block != nullptr) --allocationCounters().liveCount;
     __real_free(block);
 }
 
@@ -100,32 +84,32 @@ void operator delete[](void* block, const std::nothrow_t&) noexcept {
 namespace velquad::test {
 
 void failAllocation(std::size_t number) {
-    countdown = number;
-    hasFailed = false;
+    allocationCounters().countdown = number;
+    allocationCounters().hasFailed = false;
 }
 
 bool hasAllocationFailed() {
-    return hasFailed;
+    return allocationCounters().hasFailed;
 }
 
 std::ptrdiff_t liveAllocations() {
-    return liveCount;
+    return allocationCounters().liveCount;
 }
 
 std::size_t allocationCount() {
-    return totalCount;
+    return allocationCounters().totalCount;
 }
 
 std::size_t forEachFailingAllocation(const std::function<bool()>& call) {
     constexpr std::size_t kMostAllocations = 100000;
     EXPECT_FALSE(call()) << "the call must succeed while no allocation fails";
     for (std::size_t number = 1; number < kMostAllocations; ++number) {
-        const std::ptrdiff_t before = liveCount;
+        const std::ptrdiff_t before = liveAllocations();
         failAllocation(number);
         const bool reported = call();
-        const bool happened = hasFailed;
+        const bool happened = hasAllocationFailed();
         failAllocation(0);
-        EXPECT_EQ(liveCount, before) << "allocation " << number << " failed and something was lost";
+        EXPECT_EQ(liveAllocations(), before) << "allocation " << number << " failed and something was lost";
         EXPECT_EQ(reported, happened) << "allocation " << number;
         if (!happened) return number - 1;
     }

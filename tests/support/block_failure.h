@@ -1,6 +1,6 @@
 // Makes single calls of the movable-block functions fail, where failing allocations cannot reach: a lock, a
 // reallocation that could be done in place, a block of any size. Only for test programs that wrap
-// GlobalAlloc, GlobalLock and GlobalReAlloc at link time; not available on Windows.
+// GlobalAlloc, GlobalLock and GlobalReAlloc at link time; on Windows every test program has them.
 #ifndef VELQUAD_TESTS_SUPPORT_BLOCK_FAILURE_H
 #define VELQUAD_TESTS_SUPPORT_BLOCK_FAILURE_H
 
