@@ -29,6 +29,8 @@ start() {
     setsid "$server" -p </dev/null >/dev/null 2>&1 || true
     [ -e "$WINEPREFIX/.made" ] && return
     timeout -k 5 180 "$wine" wineboot -i </dev/null >/dev/null 2>&1
+    # Without a display, looking for one again and again would take seconds.
+    timeout -k 5 60 "$wine" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f </dev/null >/dev/null 2>&1
     touch "$WINEPREFIX/.made"
 }
 
@@ -42,6 +44,12 @@ case "${1:-}" in
         flock 9
         start 9>&-
         exec 9>&-
-        exec timeout -k 5 "$time_limit" "$wine" "$@" </dev/null
+        # Processes of the system that the program is the first to need inherit its output too, so that is a file.
+        output=$(mktemp)
+        trap 'rm -f "$output"' EXIT
+        status=0
+        timeout -k 5 "$time_limit" "$wine" "$@" </dev/null >"$output" 2>&1 || status=$?
+        cat "$output"
+        exit "$status"
         ;;
 esac
