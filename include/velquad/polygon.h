@@ -164,6 +164,158 @@ VELQUAD_API DWORD polyRemoveDoublePoints(tagPOINT* points, DWORD count);
 VELQUAD_API DWORD polyRemoveDoublePointsEx(tagPOINT* points, DWORD count, double tolerance);
 /// @}
 
+/// @name Membership
+/// @{
+
+/// Tells whether a point lies inside an outline. The outline counts as closed, whether or not closing points are
+/// stored; any number of them is left out.
+///   (1) On the outline, vertices included, the answer is -1. Every non-zero answer thus means "not outside".
+///   (2) By the even-odd rule a point that the outline winds round twice is outside.
+///   (3) A flat outline, whose vertices lie on one line with the point, has no inside: -1 at a vertex, 0 between two
+///       vertices as anywhere else.
+///   (4) Reversing the order of the points or starting at another vertex changes nothing while no product of
+///       coordinate differences leaves 32 bits; products wrap around.
+/// Distances along the ray and along an edge are compared with a tolerance of 1e-7, relative to their length.
+/// @param point  the point asked about. Not null unless `count` is 0.
+/// @return 1 inside, 0 outside or for a count of 0, -1 on the outline.
+/// @par Cost    O(count), no allocation.
+/// @par Source  Crossing count: M. Shimrat, Algorithm 112, Communications of the ACM 5, 1962.
+VELQUAD_API int polyIsPointInside(const tagPOINT* points, DWORD count, const tagPOINT* point);
+
+/// Tells how two outlines lie to one another.
+///   (1) Outlines meet when a segment of one has contact with a segment of the other; touching is enough. Edges
+///       without length are left out, so a stored closing point does no harm.
+///   (2) Otherwise one outline lies inside the other when its first point does; only a closed outline has an inside.
+///       Where both hold, B inside A is reported.
+///   (3) Exchanging A and B exchanges the results 2 and 3.
+/// @param closedA, closedB  non-zero: an edge leads from the last point to the first. 0: an open chain.
+/// @return 0 apart, 1 the outlines meet, 2 B lies inside A, 3 A lies inside B. An outline without points is apart
+///         from everything.
+/// @par Cost  O(n log n) for outlines of n points in all that lie apart, are nested or run side by side; O(n^2) when
+///            the boxes of most edges overlap. No allocation.
+VELQUAD_API int polyGetRelativePosition(const tagPOINT* pointsA, DWORD countA, int closedA,
+                                        const tagPOINT* pointsB, DWORD countB, int closedB);
+/// @}
+
+/// @name Measures
+/// @{
+
+/// The distance of a point from an outline. The foot on an edge may lie beyond its ends by 1e-7 of its length.
+/// Coordinate differences and their products wrap around at 32 bits.
+/// @param closed     non-zero: the edge from the last point to the first counts too, unless the two are equal.
+/// @param point      the point asked about. Not null unless `count` is 0.
+/// @param isSquared  non-zero: the result is the squared distance.
+/// @param nearest    optional; receives the nearest point of the outline.
+/// @param index      optional; receives the first point of the nearest edge, the lowest one among equal distances.
+/// @param fraction   optional; receives the place on that edge, 0 at its start.
+/// @return the distance. A single point is measured to itself, with index and fraction 0. Without any point the
+///         result and both coordinates of `nearest` are the largest double, index and fraction 0.
+/// @par Cost  O(count), no allocation.
+VELQUAD_API double polyCalcDistance(const tagPOINT* points, DWORD count, int closed, const tagPOINT* point,
+                                    int isSquared, tagPOINT2D* nearest, DWORD* index, double* fraction);
+
+/// The centre of gravity of the area of an outline, always taken as closed.
+/// The outline is fanned out from its first point, and the centre of each triangle is truncated to integers before it
+/// is weighted with the triangle's area, so the result is off by up to a pixel. Sums of three coordinates and the
+/// products of the triangle areas wrap around at 32 bits.
+/// @param out  optional. For a count of 1 it receives the point and for a count of 2 the midpoint, truncated to
+///             integers, although the result is 0. It is left alone when there is no area.
+/// @return 1 when the outline has an area; 0 for fewer than three points and for an area below 1e-40.
+VELQUAD_API int polyCalcCenterOfGravity(const tagPOINT* points, DWORD count, tagPOINT2D* out);
+
+/// The signed area of an outline, always taken as closed: positive for counter-clockwise in mathematical axes.
+/// Reversing the order of the points changes the sign and nothing else. The triangles are fanned out from the rounded
+/// mean of the points, so that their 32-bit products wrap around only for outlines beyond some 20 000 pixels.
+/// @return the area in square pixels, a multiple of 0.5; 0 for fewer than two points.
+VELQUAD_API double polyCalcAreaExact(const tagPOINT* points, DWORD count);
+
+/// The length of an outline: the sum of the lengths of its edges, in order.
+/// @param closed     non-zero: the edge from the last point to the first is added, whatever it measures; a stored
+///                   closing point makes it 0.
+/// @param isSquared  non-zero: the squares of the edge lengths are summed.
+/// @return the length; 0 for fewer than two points.
+VELQUAD_API double polyCalcLength(const tagPOINT* points, DWORD count, int closed, int isSquared);
+/// @}
+
+/// @name Direction
+/// @{
+
+/// Fits a least-squares line through the points around a vertex. A stored closing point is left out when there are
+/// more than two points, and the neighbourhood wraps round.
+/// The coordinate with the greater variance becomes the independent one, x only when its variance is strictly greater.
+/// @param index        the vertex; taken modulo the number of points.
+/// @param halfWidth    how many points on each side belong to the neighbourhood; at most the number of points for
+///                     those before the vertex. A point counts as often as the neighbourhood meets it.
+/// @param selection    which points enter: bit 0 those before the vertex, bit 1 the vertex, bit 2 those behind it.
+/// @param slope        optional; receives the slope of dependent over independent coordinate.
+/// @param intercept    optional; receives the dependent coordinate at 0.
+/// @param orientation  optional; receives 1 for y over x, 0 for x over y.
+/// @return 1. 0, with nothing stored, for fewer than two selected points or when all of them coincide.
+VELQUAD_API int polyCalcLocalRegressionLine(const tagPOINT* points, DWORD count, DWORD index, DWORD halfWidth,
+                                            DWORD selection, double* slope, double* intercept,
+                                            DWORD* orientation);
+
+/// The direction in which an outline follows the line of `polyCalcLocalRegressionLine` around a vertex: from the
+/// extreme point of the independent coordinate that the outline meets first to the one that it meets later, both put
+/// onto the line. It is not normalised.
+/// @param halfWidth  how many points on each side are looked at; a negative one gives the null vector.
+/// @param xAxis      the orientation of the line: non-zero for y over x.
+/// @param out        receives the vector; the null vector when there are no points.
+/// @return 1 always.
+VELQUAD_API int polyCalcLocalDirection(const tagPOINT* points, DWORD count, DWORD index, int halfWidth,
+                                       double slope, double intercept, int xAxis, tagPOINT2D* out);
+
+/// Tells whether an outline, always taken as closed, runs counter-clockwise in mathematical axes: its turning angles
+/// sum up to more than 0. Repeated points are left out; a reversal turns by half a turn to the left.
+/// @return 1 or 0; 0 also for a null pointer, a count of 0 or 0xFFFFFFFF, and when there is no memory.
+/// @par Cost  O(count), one block of memory for a closed copy.
+VELQUAD_API int polyIsCCW(const tagPOINT* points, DWORD count);
+
+/// Gives an outline the wanted sense of rotation, as `polyIsCCW` tells it, by reversing the points where needed.
+/// @param wanted  non-zero for counter-clockwise, 0 for the other sense.
+/// @return 1 always.
+VELQUAD_API int polyMakeCCW(tagPOINT* points, DWORD count, int wanted);
+
+/// Reverses the order of the points in place; a closing point takes part.
+/// @return 1, or 0 for a null pointer.
+VELQUAD_API int polyReverseOrder(tagPOINT* points, DWORD count);
+
+/// Tells whether two outlines, given as locked records, run the same way. Closed ones do when `polyIsCCW` says the
+/// same of both. Open ones do when each begins strictly nearer to the other's beginning than to the other's end.
+/// @return 1 or 0; 0 also for a null record, and for an open chain without points.
+VELQUAD_API int polyCompareDirections(const tagPOLY* a, const tagPOLY* b, int closed);
+/// @}
+
+/// @name Lists of positions
+/// @{
+
+/// Compares two positions: by index, then by fraction.
+/// @return -1 when the first comes first, 1 when the second does, 0 for one index and fractions nearer than 1e-7.
+///         Equality is not transitive. 1 at one index when a fraction is not a number.
+VELQUAD_API int polyComparePositions(DWORD index1, double fraction1, DWORD index2, double fraction2);
+
+/// Sorts positions in place into ascending order of `polyComparePositions`, by a bubble sort whose steps are part of
+/// the result, as equality is not transitive.
+/// @param removeEqual  non-zero: of two neighbours that compare equal on the way, the first is removed.
+/// @return the new count; `count` itself without removal. What stands behind it is unspecified.
+/// @par Cost  O(count^2), fast when the positions are nearly sorted.
+VELQUAD_API DWORD polySortPositions(tagPOLY_POSITION* positions, DWORD count, int removeEqual);
+
+/// Finds the first position that lies at a point. The point of each position is rounded as by `polyMakeInt` before it
+/// is compared; a position that does not exist lies at (-2147483648, -2147483648). The square of the distance wraps
+/// around at 32 bits, and a negative one matches nothing.
+/// @param closed     non-zero for a closed outline that stores its closing point; see `polyCalcPoint`.
+/// @param tolerance  a point up to `tolerance` + 1e-7 away matches.
+/// @return its place in the array; 0xFFFFFFFF when there is none.
+VELQUAD_API DWORD polyFindPosition(const tagPOINT* points, DWORD count, int closed, double tolerance,
+                                   const tagPOLY_POSITION* positions, DWORD positionCount, tagPOINT point);
+
+/// Removes all positions that `polyFindPosition` would find, in place; the others keep their order.
+/// @return the number of positions left.
+VELQUAD_API DWORD polyRemovePosition(const tagPOINT* points, DWORD count, int closed, double tolerance,
+                                     tagPOLY_POSITION* positions, DWORD positionCount, tagPOINT point);
+/// @}
+
 }  // extern "C"
 
 #endif  // VELQUAD_POLYGON_H

@@ -1,0 +1,117 @@
+// Finds the edges of an outline that can matter to a crossing count, and passes over the others four at a time.
+#ifndef VELQUAD_POLYGON_EDGE_FILTER_H
+#define VELQUAD_POLYGON_EDGE_FILTER_H
+
+#include <emmintrin.h>
+
+#include "frame/convert.h"
+#include "velquad/types.h"
+
+namespace velquad::polygon {
+
+/// The filter that passes every edge on, for points without a better one.
+template <class Point>
+class EdgeFilter {
+  public:
+    EdgeFilter(const Point& /*test*/, const Point& /*target*/) {}
+
+    /// @return the first edge in [first, last) that may change the count, edge i being points[i] to
+    ///         points[i + 1]; `last` when there is none.
+    DWORD firstRelevantEdge(const Point* /*points*/, DWORD first, DWORD last) const {
+        return first < last ? first : last;
+    }
+};
+
+/// For integer points: an edge with both ends clearly on one side of the ray's line is never counted.
+///
+/// Let d be the ray, p the current and q the next vertex as seen from the test point, and c = p x d, n = q x d
+/// their sides. The count forms t = (p x q) / (n - c) on the ray and from it u = c / (c - n) on the edge, and
+/// ignores the edge when n = c or when u lies outside [-1e-7, 1.0000001]. The filter acts only when
+///   - all components of d, p and q fit 16 bits, so that every product, sum and difference above is below 2^31
+///     and nothing wraps (c and n have one sign, p x q is a single cross product);
+///   - the test point lies within 2^20 of the origin, so that u, computed through absolute coordinates, is off
+///     by less than 3e-10 + 1e-15 |u|;
+///   - c and n have one sign and are at least `margin_` > 2e-7 |d| 2^16 >= 2e-7 |n - c| in magnitude, so that
+///     the exact u misses [0, 1] by 2e-7 or more, twice the tolerance.
+/// Then the computed u is outside the tolerated range too, and the edge changes nothing.
+template <>
+class EdgeFilter<tagPOINT> {
+  public:
+    EdgeFilter(const tagPOINT& test, const tagPOINT& target)
+        : testX_(test.x),
+          testY_(test.y),
+          dx_(frame::wrapSub(target.x, test.x)),
+          dy_(frame::wrapSub(target.y, test.y)),
+          isEnabled_(isWithin(testX_, kLargestTestCoordinate) && isWithin(testY_, kLargestTestCoordinate) &&
+                     isWithin(dx_, kLargestComponent) && isWithin(dy_, kLargestComponent)) {
+        if (isEnabled_) {
+            const double length = static_cast<double>((dx_ < 0 ? -dx_ : dx_) + (dy_ < 0 ? -dy_ : dy_));
+            margin_ = 1 + static_cast<frame::Int32>(2e-7 * 65536.0 * length);
+        }
+    }
+
+    DWORD firstRelevantEdge(const tagPOINT* points, DWORD first, DWORD last) const {
+        if (!isEnabled_ || first >= last) return first < last ? first : last;
+        if (isClearlyOn(1, points[first])) return endOfRun(1, points, first + 1, last) - 1;
+        if (isClearlyOn(-1, points[first])) return endOfRun(-1, points, first + 1, last) - 1;
+        return first;
+    }
+
+  private:
+    static constexpr frame::Int32 kLargestTestCoordinate = 1 << 20;
+    static constexpr frame::Int32 kLargestComponent = 32767;
+
+    static constexpr bool isWithin(frame::Int32 value, frame::Int32 bound) {
+        return -bound <= value && value <= bound;
+    }
+    static constexpr bool fits16Bits(frame::Int32 value) { return -32768 <= value && value <= 32767; }
+
+    /// @param sign  1 for the side where c is positive, -1 for the other one.
+    bool isClearlyOn(frame::Int32 sign, const tagPOINT& point) const {
+        const frame::Int32 x = frame::wrapSub(point.x, testX_);
+        const frame::Int32 y = frame::wrapSub(point.y, testY_);
+        return fits16Bits(x) && fits16Bits(y) && sign * (x * dy_ - y * dx_) >= margin_;
+    }
+
+    /// The same for four points at once. The sides come out of one multiply-add of 16-bit components.
+    bool areFourClearlyOn(frame::Int32 sign, const tagPOINT* points) const {
+        const __m128i test = _mm_set_epi32(testY_, testX_, testY_, testX_);
+        const __m128i half = _mm_set1_epi32(32768);
+        const __m128i lowPair =
+            _mm_sub_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(points)), test);
+        const __m128i highPair =
+            _mm_sub_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(points + 2)), test);
+        const __m128i excess =
+            _mm_srli_epi32(_mm_or_si128(_mm_add_epi32(lowPair, half), _mm_add_epi32(highPair, half)), 16);
+        const __m128i components = _mm_packs_epi32(lowPair, highPair);
+        const auto factorX = static_cast<short>(sign * dy_);
+        const auto factorY = static_cast<short>(-sign * dx_);
+        const __m128i factors =
+            _mm_set_epi16(factorY, factorX, factorY, factorX, factorY, factorX, factorY, factorX);
+        const __m128i sides = _mm_madd_epi16(components, factors);
+        const __m128i isClear = _mm_cmpgt_epi32(sides, _mm_set1_epi32(margin_ - 1));
+        const __m128i fits = _mm_cmpeq_epi32(excess, _mm_setzero_si128());
+        return _mm_movemask_epi8(_mm_and_si128(isClear, fits)) == 0xFFFF;
+    }
+
+    /// @return the first point in [first, last] that is not clearly on a side; last + 1 when all are.
+    DWORD endOfRun(frame::Int32 sign, const tagPOINT* points, DWORD first, DWORD last) const {
+        DWORD i = first;
+        while (last - i >= 4 && areFourClearlyOn(sign, points + i))
+            i += 4;
+        while (i <= last && isClearlyOn(sign, points[i]))
+            ++i;
+        return i;
+    }
+
+    frame::Int32 testX_;
+    frame::Int32 testY_;
+    frame::Int32 dx_;
+    frame::Int32 dy_;
+    frame::Int32 margin_ = 0;
+    bool isEnabled_;
+};
+
+}  // namespace velquad::polygon
+
+#endif  // VELQUAD_POLYGON_EDGE_FILTER_H
