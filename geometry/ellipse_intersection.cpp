@@ -21,7 +21,7 @@ constexpr double kRootProductMargin = 5e-8;
 /// A discriminant below this belongs to a tangent.
 constexpr double kTangent = 1e-7;
 
-struct Ellipse {
+struct UprightEllipse {
     tagPOINT2D center;
     double semiAxisX;
     double semiAxisY;
@@ -55,8 +55,8 @@ double distanceSquared(const tagPOINT2D& a, const tagPOINT2D& b) {
     return dx * dx + dy * dy;
 }
 
-int intersectLine(const Ellipse& ellipse, const tagPOINT2D& p0, const tagPOINT2D& p1, tagPOINT2D* first,
-                  tagPOINT2D* second) {
+int intersectLine(const UprightEllipse& ellipse, const tagPOINT2D& p0, const tagPOINT2D& p1,
+                  tagPOINT2D* first, tagPOINT2D* second) {
     if (isSmaller(kNoDirection, p0.x - p1.x) && isSmaller(kNoDirection, p0.y - p1.y)) return 0;
     const tagPOINT2D& center = ellipse.center;
     const tagPOINT2D u{p0.x - center.x, p0.y - center.y};
@@ -92,9 +92,9 @@ int intersectLine(const Ellipse& ellipse, const tagPOINT2D& p0, const tagPOINT2D
 
 int intersectLineAndRect(const tagMAT_RECT2D& rect, const tagPOINT2D& p0, const tagPOINT2D& p1,
                          tagPOINT2D* first, tagPOINT2D* second) {
-    const Ellipse ellipse{{(rect.left + rect.right) * 0.5, (rect.top + rect.bottom) * 0.5},
-                          (rect.right - rect.left) * 0.5,
-                          (rect.bottom - rect.top) * 0.5};
+    const UprightEllipse ellipse{{(rect.left + rect.right) * 0.5, (rect.top + rect.bottom) * 0.5},
+                                 (rect.right - rect.left) * 0.5,
+                                 (rect.bottom - rect.top) * 0.5};
     return intersectLine(ellipse, p0, p1, first, second);
 }
 
@@ -116,7 +116,7 @@ extern "C" int matIntersectLineAndEllipse(const int* rect, const tagPOINT2D* p0,
     const Int32 right = rect[2];
     const Int32 bottom = rect[3];
     // Kept: whole quotients, so that an odd width or height loses its half pixel.
-    const Ellipse ellipse{
+    const UprightEllipse ellipse{
         {static_cast<double>(wrapAdd(left, right) / 2), static_cast<double>(wrapAdd(top, bottom) / 2)},
         static_cast<double>(wrapSub(right, left) / 2),
         static_cast<double>(wrapSub(bottom, top) / 2)};
