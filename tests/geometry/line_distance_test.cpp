@@ -152,7 +152,7 @@ TEST(MatCalcDistanceToLine2L, WrapsDifferencesAtTheEndsOfTheRange) {
     EXPECT_EQ(foot.distance, 5.0);
 }
 
-TEST(MatCalcDistanceToLine2L, AgreesWithTheLiteralSteps) {
+TEST(MatCalcDistanceToLine2L, AgreesWithTheReference) {
     std::mt19937 random(4108);
     int failed = 0;
     for (int i = 0; i < 30000; ++i) {
@@ -231,7 +231,7 @@ TEST(MatCalcDistanceToLine3D, TakesAPointWithinToleranceForAPointOfTheLine) {
     EXPECT_EQ(off.parameter, 0.25);
 }
 
-TEST(MatCalcDistanceToLine3D, AgreesWithTheLiteralSteps) {
+TEST(MatCalcDistanceToLine3D, AgreesWithTheReference) {
     std::mt19937 random(4109);
     // Whole numbers meet the line often; the largest numbers miss it by rounding.
     const double ranges[4] = {3.0, 50.0, 1e5, 1e9};

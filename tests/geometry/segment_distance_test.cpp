@@ -145,7 +145,7 @@ TEST(MatCalcDistanceToSegment2D, AllowsTheFootToOverwriteThePoint) {
     EXPECT_EQ(point.y, 0.0);
 }
 
-TEST(MatCalcDistanceToSegment2D, AgreesWithTheLiteralSteps) {
+TEST(MatCalcDistanceToSegment2D, AgreesWithTheReference) {
     std::mt19937 random(4102);
     for (int i = 0; i < 60000; ++i) {
         // Whole numbers of a small range meet the ends and degenerate segments often.
@@ -264,7 +264,7 @@ TEST(MatCalcDistanceToSegment2L, AgreesWithWideIntegersWhereNothingWraps) {
     }
 }
 
-TEST(MatCalcDistanceToSegment2L, WrapsLikeTheLiteralSteps) {
+TEST(MatCalcDistanceToSegment2L, WrapsLikeTheReference) {
     std::mt19937 random(4105);
     for (int i = 0; i < 60000; ++i) {
         // Full 32 bits, the ends of the range, and small outlines.
@@ -348,7 +348,7 @@ TEST(MatCalcDistanceToSegment3D, TakesNullOutputs) {
     EXPECT_EQ(matCalcDistanceToSegment3D(&a, &b, &point, 1, nullptr, nullptr), 25.0);
 }
 
-TEST(MatCalcDistanceToSegment3D, AgreesWithTheLiteralSteps) {
+TEST(MatCalcDistanceToSegment3D, AgreesWithTheReference) {
     std::mt19937 random(4106);
     // Whole numbers meet lines and ends often; the largest numbers miss the line by rounding.
     const double ranges[4] = {3.0, 50.0, 1e5, 1e9};
