@@ -48,6 +48,14 @@ double distance(const Point& a, const Point& b, bool isSquared = false) {
     return rootUnless(isSquared, distanceSquared(a, b));
 }
 
+/// See `matCalcPixelScaledDist`.
+inline double pixelScaledDistance(const tagPOINT& a, const tagPOINT& b, double scaleX, double scaleY,
+                                  bool isSquared = false) {
+    const double dx = frame::wrapSub(b.x, a.x) * scaleX;
+    const double dy = frame::wrapSub(b.y, a.y) * scaleY;
+    return rootUnless(isSquared, squaredLength(dx, dy));
+}
+
 /// The point of a segment or line that is nearest to a point.
 template <class ClosestPoint>
 struct LinearFoot {
@@ -57,6 +65,17 @@ struct LinearFoot {
 };
 
 using SegmentFoot = LinearFoot<tagPOINT2D>;
+
+/// Hands a foot to a caller's optional outputs.
+/// @return its distance; `kNoValue`, with nothing stored, when there is none.
+template <class ClosestPoint>
+double storeFoot(const std::optional<LinearFoot<ClosestPoint>>& foot, ClosestPoint* closest,
+                 double* parameter) {
+    if (!foot) return kNoValue;
+    if (parameter != nullptr) *parameter = foot->parameter;
+    if (closest != nullptr) *closest = foot->closest;
+    return foot->distance;
+}
 
 /// Where segments and lines of integer and of double points differ, on purpose.
 template <class Point>

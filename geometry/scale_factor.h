@@ -11,11 +11,11 @@
 
 namespace velquad::geometry {
 
-inline double magnitude(double value) {
+inline double axisLength(double value) {
     return std::fabs(value);
 }
 /// The smallest integer stays negative, so that an axis of that length never dominates.
-constexpr frame::Int32 magnitude(frame::Int32 value) {
+constexpr frame::Int32 axisLength(frame::Int32 value) {
     return frame::wrapAbs(value);
 }
 
@@ -48,8 +48,8 @@ double scaleFactor(const LinePoint& a, const LinePoint& b, const TestPoint& poin
             frame::isSmaller(pointTolerance, offsetX) && frame::isSmaller(pointTolerance, offsetY);
         return isAtPoint ? 0.0 : kNoValue;
     }
-    return magnitude(dx) > magnitude(dy) ? offsetX / static_cast<double>(dx)
-                                         : offsetY / static_cast<double>(dy);
+    return axisLength(dx) > axisLength(dy) ? offsetX / static_cast<double>(dx)
+                                           : offsetY / static_cast<double>(dy);
 }
 
 /// A double below this is nothing; for a difference of integers the test is equality.

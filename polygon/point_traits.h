@@ -1,5 +1,5 @@
-// What the integer and the double outlines differ in. An algorithm that both families share is a template over
-// the point type, and asks these traits for everything that is not the same.
+// What the integer and the double outlines differ in. An algorithm that both families share is a template
+// over the point type, and asks these traits for everything that is not the same.
 #ifndef VELQUAD_POLYGON_POINT_TRAITS_H
 #define VELQUAD_POLYGON_POINT_TRAITS_H
 
@@ -23,13 +23,6 @@ struct PointTraits<tagPOINT> {
 
     /// Both coordinates are the same integers.
     static constexpr bool equal(const tagPOINT& a, const tagPOINT& b) { return frame::samePoint(a, b); }
-
-    /// Differences wrap around at 32 bits; squares and their sum are doubles.
-    static double distanceSquared(const tagPOINT& a, const tagPOINT& b) {
-        const double dx = static_cast<double>(frame::wrapSub(b.x, a.x));
-        const double dy = static_cast<double>(frame::wrapSub(b.y, a.y));
-        return dx * dx + dy * dy;
-    }
 };
 
 template <>
@@ -46,12 +39,6 @@ struct PointTraits<tagPOINT2D> {
 
     static bool equal(const tagPOINT2D& a, const tagPOINT2D& b) {
         return frame::isSmaller(kEqualTolerance, b.x - a.x) && frame::isSmaller(kEqualTolerance, b.y - a.y);
-    }
-
-    static double distanceSquared(const tagPOINT2D& a, const tagPOINT2D& b) {
-        const double dx = b.x - a.x;
-        const double dy = b.y - a.y;
-        return dx * dx + dy * dy;
     }
 };
 

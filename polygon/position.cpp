@@ -1,18 +1,13 @@
 // Positions on an outline: the point at one, and snapping to a vertex.
 #include "polygon/position.h"
 
-#include <cmath>
-
-#include "polygon/point_traits.h"
+#include "geometry/distance.h"
 #include "velquad/polygon.h"
 
+using velquad::geometry::distance;
 using velquad::polygon::calcPoint;
 
 namespace {
-
-double distance(const tagPOINT2D& a, const tagPOINT2D& b) {
-    return std::sqrt(velquad::polygon::PointTraits<tagPOINT2D>::distanceSquared(a, b));
-}
 
 /// Moves a position between the points `start` and `end` of its edge onto the one that is near enough.
 bool snapToVertex(DWORD count, bool closed, const tagPOINT2D& start, const tagPOINT2D& end,

@@ -1,10 +1,9 @@
-// Thinning of an outline by step, and removal of points that repeat their predecessor. All in place and in one
-// pass.
+// Thinning of an outline by step, and removal of points that repeat their predecessor. All in place and in
+// one pass.
 #include "frame/convert.h"
 #include "frame/global_block.h"
+#include "geometry/distance.h"
 #include "polygon/double_points_impl.h"
-#include "polygon/point_traits.h"
-#include "polygon/record.h"
 #include "velquad/polygon.h"
 
 extern "C" DWORD polyElapsePoints(tagPOINT* points, DWORD count, DWORD step) {
@@ -43,10 +42,9 @@ extern "C" DWORD polyRemoveDoublePoints(tagPOINT* points, DWORD count) {
 
 extern "C" DWORD polyRemoveDoublePointsEx(tagPOINT* points, DWORD count, double tolerance) {
     if (points == nullptr) return count;
-    using Traits = velquad::polygon::PointTraits<tagPOINT>;
     const double toleranceSquared = tolerance * tolerance;
     return velquad::polygon::removeRepeats(
         points, count, [=](const tagPOINT& survivor, const tagPOINT& point) {
-            return toleranceSquared > Traits::distanceSquared(survivor, point);
+            return toleranceSquared > velquad::geometry::distanceSquared(survivor, point);
         });
 }
