@@ -27,10 +27,11 @@ class FarRunFilter {
 
 /// For integer points: the box around a run is farther away than `reach`.
 ///
-/// The filter acts only when all points of the run lie within 16383 pixels of the test point in x and y, and the
-/// test point within 2^20 of the origin. Then nothing wraps around in the computation of an edge's foot, which
-/// lies beyond the edge by at most 1e-7 of its length, less than 0.005 pixels, rounding included. The computed
-/// distance falls short of that of the box by no more than this.
+/// The filter acts only when all points of the run lie within 32766 pixels of the test point in x and y, and the
+/// test point within 2^20 of the origin. The foot on an edge is computed from a parameter whose products may wrap
+/// around. Whatever parameter comes out, it is held within 1e-7 of [0, 1], so the foot lies on the edge or beyond it
+/// by less than 0.01 pixels. The computed distance thus falls short of that of the box by no more than this; the
+/// slack is twice as much, for rounding.
 template <>
 class FarRunFilter<tagPOINT> {
   public:
@@ -43,7 +44,7 @@ class FarRunFilter<tagPOINT> {
     }
 
     bool isFarther(const tagPOINT* points, double reach) const {
-        constexpr double kSlack = 0.01;
+        constexpr double kSlack = 0.02;
         const Box box = boxAround(points);
         if (box.left < -kLargestOffset || box.top < -kLargestOffset || box.right > kLargestOffset ||
             box.bottom > kLargestOffset) {
@@ -56,7 +57,7 @@ class FarRunFilter<tagPOINT> {
 
   private:
     static constexpr frame::Int32 kLargestTestCoordinate = 1 << 20;
-    static constexpr frame::Int32 kLargestOffset = 16383;
+    static constexpr frame::Int32 kLargestOffset = 32766;
 
     /// Relative to the test point.
     struct Box {
