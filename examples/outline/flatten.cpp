@@ -21,7 +21,8 @@ Terms termsAt(const GreyImage& image, int x, int y) {
 
 double valueOf(const Terms& surface, const Terms& terms) {
     double sum = 0.0;
-    for (std::size_t i = 0; i < kTerms; ++i) sum += surface[i] * terms[i];
+    for (std::size_t i = 0; i < kTerms; ++i)
+        sum += surface[i] * terms[i];
     return sum;
 }
 
@@ -41,11 +42,13 @@ std::optional<Terms> solve(Equations equations) {
         for (std::size_t row = 0; row < kTerms; ++row) {
             if (row == column) continue;
             const double factor = equations[row][column] / equations[column][column];
-            for (std::size_t i = column; i <= kTerms; ++i) equations[row][i] -= factor * equations[column][i];
+            for (std::size_t i = column; i <= kTerms; ++i)
+                equations[row][i] -= factor * equations[column][i];
         }
     }
     Terms solution{};
-    for (std::size_t i = 0; i < kTerms; ++i) solution[i] = equations[i][kTerms] / equations[i][i];
+    for (std::size_t i = 0; i < kTerms; ++i)
+        solution[i] = equations[i][kTerms] / equations[i][i];
     return solution;
 }
 
@@ -56,7 +59,8 @@ std::optional<Terms> fitSurface(const GreyImage& image, const Mask& objects) {
             if (objects.at(x, y) != 0) continue;
             const Terms terms = termsAt(image, x, y);
             for (std::size_t row = 0; row < kTerms; ++row) {
-                for (std::size_t i = 0; i < kTerms; ++i) equations[row][i] += terms[row] * terms[i];
+                for (std::size_t i = 0; i < kTerms; ++i)
+                    equations[row][i] += terms[row] * terms[i];
                 equations[row][kTerms] += terms[row] * image.at(x, y);
             }
         }
@@ -68,7 +72,8 @@ std::optional<Terms> fitSurface(const GreyImage& image, const Mask& objects) {
 double meanOf(const Terms& surface, const GreyImage& image) {
     double sum = 0.0;
     for (int y = 0; y < image.height; ++y) {
-        for (int x = 0; x < image.width; ++x) sum += valueOf(surface, termsAt(image, x, y));
+        for (int x = 0; x < image.width; ++x)
+            sum += valueOf(surface, termsAt(image, x, y));
     }
     return sum / static_cast<double>(image.pixels.size());
 }

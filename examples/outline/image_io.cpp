@@ -47,9 +47,10 @@ class Session {
     enum class Direction { kRead, kWrite };
 
     Session(File file, Direction direction) : file_(std::move(file)), direction_(direction) {
-        png_ = direction == Direction::kRead
-                   ? png_create_read_struct(PNG_LIBPNG_VER_STRING, &message_, keepMessageAndJump, ignoreWarning)
-                   : png_create_write_struct(PNG_LIBPNG_VER_STRING, &message_, keepMessageAndJump, ignoreWarning);
+        png_ = direction == Direction::kRead ? png_create_read_struct(PNG_LIBPNG_VER_STRING, &message_,
+                                                                      keepMessageAndJump, ignoreWarning)
+                                             : png_create_write_struct(PNG_LIBPNG_VER_STRING, &message_,
+                                                                       keepMessageAndJump, ignoreWarning);
         if (png_ != nullptr) info_ = png_create_info_struct(png_);
         if (info_ == nullptr) {
             destroy();
@@ -109,12 +110,12 @@ bool readRows(png_structp png, png_bytepp rows) {
     return true;
 }
 
-bool writeAll(png_structp png, png_infop info, std::FILE* file, png_uint_32 width, png_uint_32 height, int depth,
-              int colourType, png_bytepp rows) {
+bool writeAll(png_structp png, png_infop info, std::FILE* file, png_uint_32 width, png_uint_32 height,
+              int depth, int colourType, png_bytepp rows) {
     if (setjmp(png_jmpbuf(png)) != 0) return false;
     png_init_io(png, file);
-    png_set_IHDR(png, info, width, height, depth, colourType, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
-                 PNG_FILTER_TYPE_DEFAULT);
+    png_set_IHDR(png, info, width, height, depth, colourType, PNG_INTERLACE_NONE,
+                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_write_info(png, info);
     png_write_image(png, rows);
     png_write_end(png, info);
@@ -124,7 +125,8 @@ bool writeAll(png_structp png, png_infop info, std::FILE* file, png_uint_32 widt
 /// Addresses of the rows of a gapless block.
 std::vector<png_bytep> rowsOf(std::uint8_t* bytes, std::size_t rowSize, std::size_t height) {
     std::vector<png_bytep> rows(height);
-    for (std::size_t y = 0; y < height; ++y) rows[y] = bytes + y * rowSize;
+    for (std::size_t y = 0; y < height; ++y)
+        rows[y] = bytes + y * rowSize;
     return rows;
 }
 
@@ -180,8 +182,8 @@ GreyImage readPng(const std::string& path) {
         throw Failure("cannot read '" + path + "': " + session.message());
     }
     if (static_cast<long long>(width) * static_cast<long long>(height) > kMaximalPixels) {
-        throw Failure("'" + path + "' is too large: " + std::to_string(width) + " x " + std::to_string(height) +
-                      " pixels");
+        throw Failure("'" + path + "' is too large: " + std::to_string(width) + " x " +
+                      std::to_string(height) + " pixels");
     }
 
     constexpr std::size_t kBytesPerPixel = 4;
@@ -202,7 +204,8 @@ GreyImage readPng(const std::string& path) {
 void writePng(const std::string& path, const ColourImage& image) {
     std::vector<std::uint8_t> bytes;
     bytes.reserve(image.pixels.size() * sizeof(Rgb));
-    for (const Rgb& pixel : image.pixels) bytes.insert(bytes.end(), {pixel.red, pixel.green, pixel.blue});
+    for (const Rgb& pixel : image.pixels)
+        bytes.insert(bytes.end(), {pixel.red, pixel.green, pixel.blue});
     writeRows(path, image.width, image.height, 8, PNG_COLOR_TYPE_RGB,
               rowsOf(bytes.data(), static_cast<std::size_t>(image.width) * sizeof(Rgb),
                      static_cast<std::size_t>(image.height)));
@@ -212,7 +215,8 @@ void writePng(const std::string& path, const GreyImage& image) {
     std::vector<std::uint8_t> bytes;
     bytes.reserve(image.pixels.size() * 2);
     for (const unsigned int grey : image.pixels) {
-        bytes.insert(bytes.end(), {static_cast<std::uint8_t>(grey >> 8U), static_cast<std::uint8_t>(grey & 0xffU)});
+        bytes.insert(bytes.end(),
+                     {static_cast<std::uint8_t>(grey >> 8U), static_cast<std::uint8_t>(grey & 0xffU)});
     }
     writeRows(path, image.width, image.height, 16, PNG_COLOR_TYPE_GRAY,
               rowsOf(bytes.data(), static_cast<std::size_t>(image.width) * 2,

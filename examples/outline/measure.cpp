@@ -22,7 +22,8 @@ int subpixelsFor(int width, int height) {
     constexpr int kWanted = 16;
     constexpr int kLargestCoordinate = 32000;
     int subpixels = kWanted;
-    while (subpixels > 1 && subpixels * std::max(width, height) > kLargestCoordinate) subpixels /= 2;
+    while (subpixels > 1 && subpixels * std::max(width, height) > kLargestCoordinate)
+        subpixels /= 2;
     return subpixels;
 }
 
@@ -52,7 +53,8 @@ RECT boundsOf(const Polygon& polygon, int subpixels) {
     const LockedPolygon locked(polygon);
     RECT bounds{};
     polyGetBoundingRect(locked.points(), locked.count(), &bounds);
-    return {bounds.left / subpixels, bounds.top / subpixels, bounds.right / subpixels, bounds.bottom / subpixels};
+    return {bounds.left / subpixels, bounds.top / subpixels, bounds.right / subpixels,
+            bounds.bottom / subpixels};
 }
 
 /// Centre of gravity of the enclosed area, and whether it lies on the object: that of a crescent does not.
@@ -122,7 +124,8 @@ void smooth(MeasuredObject& object, int subpixels) {
 }
 
 /// The object whose outline comes nearest to the centre of object `index`, and how the two lie.
-std::optional<Neighbour> neighbourOf(const std::vector<MeasuredObject>& objects, std::size_t index, int subpixels) {
+std::optional<Neighbour> neighbourOf(const std::vector<MeasuredObject>& objects, std::size_t index,
+                                     int subpixels) {
     const MeasuredObject& object = objects[index];
     const LockedPolygon outline(object.raw);
     tagPOINT from = *outline.begin();

@@ -38,11 +38,11 @@ struct MeasuredObject {
     Polygon interpolated;  ///< Curve through every few points of it; none for a tiny object.
     Polygon fitted;        ///< Curve near these points; none for a tiny object.
 
-    RECT bounds{};                       ///< In pixels; all four sides belong to the object.
+    RECT bounds{};  ///< In pixels; all four sides belong to the object.
     Extent rawExtent;
     std::optional<Extent> interpolatedExtent;
     std::optional<Extent> fittedExtent;
-    std::optional<tagPOINT2D> centre;    ///< In pixels; none for an object without area.
+    std::optional<tagPOINT2D> centre;  ///< In pixels; none for an object without area.
     bool isCentreInside = false;
     std::optional<Neighbour> neighbour;  ///< None for an object that is alone.
 };

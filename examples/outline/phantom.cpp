@@ -18,7 +18,9 @@ struct Offset {
     double radius() const { return std::sqrt(x * x + y * y); }
 };
 
-bool isInDisc(Offset p, double radius) { return p.radius() <= radius; }
+bool isInDisc(Offset p, double radius) {
+    return p.radius() <= radius;
+}
 
 bool isInEllipse(Offset p, double a, double b, double angle) {
     const double u = p.x * std::cos(angle) + p.y * std::sin(angle);
@@ -26,13 +28,21 @@ bool isInEllipse(Offset p, double a, double b, double angle) {
     return (u * u) / (a * a) + (v * v) / (b * b) <= 1.0;
 }
 
-bool isInSquare(Offset p, double side) { return std::max(std::abs(p.x), std::abs(p.y)) <= side / 2.0; }
+bool isInSquare(Offset p, double side) {
+    return std::max(std::abs(p.x), std::abs(p.y)) <= side / 2.0;
+}
 
-bool isInRing(Offset p, double outer, double inner) { return p.radius() <= outer && p.radius() >= inner; }
+bool isInRing(Offset p, double outer, double inner) {
+    return p.radius() <= outer && p.radius() >= inner;
+}
 
-bool isInCrescent(Offset p) { return isInDisc(p, 55.0) && !isInDisc({p.x - 24.0, p.y}, 46.0); }
+bool isInCrescent(Offset p) {
+    return isInDisc(p, 55.0) && !isInDisc({p.x - 24.0, p.y}, 46.0);
+}
 
-bool isInFlower(Offset p) { return p.radius() <= 42.0 + 11.0 * std::cos(5.0 * std::atan2(p.y, p.x)); }
+bool isInFlower(Offset p) {
+    return p.radius() <= 42.0 + 11.0 * std::cos(5.0 * std::atan2(p.y, p.x));
+}
 
 bool isObject(double x, double y) {
     const auto from = [x, y](double cx, double cy) { return Offset{x - cx, y - cy}; };

@@ -157,7 +157,8 @@ Objects findObjects(const Mask& mask, std::int64_t smallestObject, std::int64_t 
         region.label = label;
         kept.push_back(region);
     }
-    for (std::int32_t& label : objects.labels.pixels) label = newLabels[static_cast<std::size_t>(label)];
+    for (std::int32_t& label : objects.labels.pixels)
+        label = newLabels[static_cast<std::size_t>(label)];
     objects.regions = std::move(kept);
     return objects;
 }

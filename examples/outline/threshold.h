@@ -45,16 +45,16 @@ Mask thresholded(const GreyImage& image, double threshold, ObjectsAre objectsAre
 
 /// One connected object.
 struct Region {
-    std::int32_t label = 0;        ///< Its value in `Objects::labels`.
-    int firstX = 0;                ///< Its first pixel in reading order: nothing of it lies above, and nothing
-    int firstY = 0;                ///< to the left in the same row.
+    std::int32_t label = 0;  ///< Its value in `Objects::labels`.
+    int firstX = 0;          ///< Its first pixel in reading order: nothing of it lies above, and nothing
+    int firstY = 0;          ///< to the left in the same row.
     std::int64_t pixelCount = 0;
     bool touchesBorder = false;
 };
 
 struct Objects {
-    Image<std::int32_t> labels;    ///< 0 on the ground.
-    std::vector<Region> regions;   ///< In reading order of their first pixels.
+    Image<std::int32_t> labels;   ///< 0 on the ground.
+    std::vector<Region> regions;  ///< In reading order of their first pixels.
 };
 
 /// Fills holes of at most `largestHole` pixels, then numbers the objects of `smallestObject` pixels and more;
