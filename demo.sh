@@ -113,7 +113,7 @@ fetchPicture() {
     dpkg-deb -x "$work/$picturePackage"_*.deb "$work" >>"$log" 2>&1 || return 1
     found=$(find "$work" -path '*/skimage/data/coins.png' -print -quit)
     [ -n "$found" ] || return 1
-    mv "$found" "$picture"
+    mv "$found" "$picture" || return 1
     rm -rf "$work"
 }
 
