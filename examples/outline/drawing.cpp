@@ -56,7 +56,7 @@ ColourImage enlarged(const GreyImage& image, int zoom) {
 
 /// Large enough for curves to show between the pixels, small enough for a screen.
 int zoomFor(const GreyImage& image) {
-    constexpr int kWantedSide = 1600;
+    constexpr int kWantedSide = 2000;
     constexpr int kLargest = 8;
     return std::clamp(kWantedSide / std::max(image.width, image.height), 1, kLargest);
 }
@@ -134,19 +134,20 @@ ColourImage drawOverlay(const GreyImage& image, const Measurement& measurement) 
         }
         blend(overlay, layer, colour);
     };
-    const double thin = zoom > 2 ? 1.2 : 1.0;
-    const double thick = zoom > 2 ? 2.0 : 1.0;
-    drawAll(&MeasuredObject::raw, false, thin, kRawColour);
-    drawAll(&MeasuredObject::interpolated, true, thick, kInterpolatedColour);
-    drawAll(&MeasuredObject::fitted, true, thick, kFittedColour);
+    // The lines lie over each other for the most part; each is narrower than the one below.
+    const double wide = zoom > 2 ? 3.0 : 1.5;
+    drawAll(&MeasuredObject::interpolated, true, wide, kInterpolatedColour);
+    drawAll(&MeasuredObject::fitted, true, 0.6 * wide, kFittedColour);
+    drawAll(&MeasuredObject::raw, false, 0.4 * wide, kRawColour);
 
     InkLayer halo(overlay.width, overlay.height);
     InkLayer numbers(overlay.width, overlay.height);
     constexpr double kNumberHeight = 18.0;
     for (std::size_t i = 0; i < measurement.objects.size(); ++i) {
-        const std::optional<tagPOINT2D>& centre = measurement.objects[i].centre;
-        if (!centre) continue;
-        const tagPOINT2D at = enlarged({*centre}, zoom).front();
+        const Region& region = measurement.objects[i].region;
+        const tagPOINT2D pixel{static_cast<double>(region.innermostX),
+                               static_cast<double>(region.innermostY)};
+        const tagPOINT2D at = enlarged({pixel}, zoom).front();
         halo.number(i + 1, at.x, at.y, kNumberHeight, 6.0);
         numbers.number(i + 1, at.x, at.y, kNumberHeight, 2.5);
     }

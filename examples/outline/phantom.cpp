@@ -47,7 +47,7 @@ bool isInFlower(Offset p) {
 bool isObject(double x, double y) {
     const auto from = [x, y](double cx, double cy) { return Offset{x - cx, y - cy}; };
     return isInDisc(from(80, 85), 40.0) || isInEllipse(from(235, 85), 60.0, 30.0, 0.5) ||
-           isInSquare(from(390, 85), 70.0) || isInRing(from(85, 245), 55.0, 38.0) ||
+           isInSquare(from(390, 85), 71.0) || isInRing(from(85, 245), 55.0, 38.0) ||
            isInDisc(from(85, 245), 14.0) || isInCrescent(from(245, 245)) || isInFlower(from(390, 245));
 }
 

@@ -240,7 +240,7 @@ std::string svgOf(const RunSummary& run, const Measurement& measurement) {
         << ".raw path { fill: #fdf0dc; stroke: #e07a00; stroke-width: 0.35; }\n"
         << ".interpolated path { stroke: #0077cc; stroke-width: 0.45; }\n"
         << ".fitted path { stroke: #c2185b; stroke-width: 0.45; }\n"
-        << "text { font: 9px sans-serif; fill: #333; text-anchor: middle; dominant-baseline: central; }\n"
+        << "text { font: 9px sans-serif; fill: #333; text-anchor: middle; }\n"
         << "</style>\n"
         << "<rect x=\"-0.5\" y=\"-0.5\" width=\"" << run.width << "\" height=\"" << run.height
         << "\" fill=\"#ffffff\"/>\n";
@@ -248,9 +248,9 @@ std::string svgOf(const RunSummary& run, const Measurement& measurement) {
     writePaths(svg, measurement, "interpolated", &MeasuredObject::interpolated, true);
     writePaths(svg, measurement, "fitted", &MeasuredObject::fitted, true);
     for (std::size_t i = 0; i < measurement.objects.size(); ++i) {
-        const std::optional<tagPOINT2D>& centre = measurement.objects[i].centre;
-        if (centre)
-            svg << "<text x=\"" << centre->x << "\" y=\"" << centre->y << "\">" << i + 1 << "</text>\n";
+        const Region& region = measurement.objects[i].region;
+        svg << "<text x=\"" << region.innermostX << "\" y=\"" << region.innermostY << "\" dy=\"0.35em\">"
+            << i + 1 << "</text>\n";
     }
     svg << "</svg>\n";
     return svg.str();

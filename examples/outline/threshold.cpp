@@ -58,6 +58,47 @@ Objects connectedParts(const Mask& mask, std::uint8_t value, const Steps& steps)
     return result;
 }
 
+/// Finds the innermost pixel of each object: the first one with the greatest distance to what is not the object,
+/// counted in steps over sides and corners. What lies beyond the picture's border is not the object.
+///
+/// Source: two passes over the picture (A. Rosenfeld, J. L. Pfaltz, "Sequential operations in digital picture
+/// processing", Journal of the ACM 13, 1966).
+void findInnermostPixels(Objects& objects) {
+    const Image<std::int32_t>& labels = objects.labels;
+    Image<std::int32_t> depth(labels.width, labels.height);
+    const auto depthBeside = [&](int x, int y, Step step) {
+        const int neighbourX = x + step.dx;
+        const int neighbourY = y + step.dy;
+        const bool isSame =
+            labels.contains(neighbourX, neighbourY) && labels.at(neighbourX, neighbourY) == labels.at(x, y);
+        return isSame ? depth.at(neighbourX, neighbourY) : 0;
+    };
+    constexpr std::array<Step, 4> kPassed{{{-1, -1}, {0, -1}, {1, -1}, {-1, 0}}};
+    for (int y = 0; y < labels.height; ++y) {
+        for (int x = 0; x < labels.width; ++x) {
+            std::int32_t least = depthBeside(x, y, kPassed[0]);
+            for (const Step step : kPassed)
+                least = std::min(least, depthBeside(x, y, step));
+            depth.at(x, y) = least + 1;
+        }
+    }
+
+    std::vector<std::int32_t> deepest(objects.regions.size(), 0);
+    for (int y = labels.height - 1; y >= 0; --y) {
+        for (int x = labels.width - 1; x >= 0; --x) {
+            for (const Step step : kPassed) {
+                depth.at(x, y) = std::min(depth.at(x, y), depthBeside(x, y, {-step.dx, -step.dy}) + 1);
+            }
+            if (labels.at(x, y) == 0) continue;
+            const auto index = static_cast<std::size_t>(labels.at(x, y)) - 1;
+            if (depth.at(x, y) < deepest[index]) continue;
+            deepest[index] = depth.at(x, y);
+            objects.regions[index].innermostX = x;
+            objects.regions[index].innermostY = y;
+        }
+    }
+}
+
 /// Whether most of the outermost pixels are brighter than the threshold.
 bool isBorderBright(const GreyImage& image, double threshold) {
     std::int64_t balance = 0;
@@ -160,6 +201,7 @@ Objects findObjects(const Mask& mask, std::int64_t smallestObject, std::int64_t 
     for (std::int32_t& label : objects.labels.pixels)
         label = newLabels[static_cast<std::size_t>(label)];
     objects.regions = std::move(kept);
+    findInnermostPixels(objects);
     return objects;
 }
 

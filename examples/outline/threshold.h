@@ -50,6 +50,8 @@ struct Region {
     int firstY = 0;          ///< to the left in the same row.
     std::int64_t pixelCount = 0;
     bool touchesBorder = false;
+    int innermostX = 0;  ///< A pixel as far from the object's edge as any: a place for its number.
+    int innermostY = 0;
 };
 
 struct Objects {
