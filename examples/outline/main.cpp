@@ -121,7 +121,8 @@ void run(const Options& options) {
     // A picture, as grey values.
     const GreyImage picture = options.picture.empty() ? drawPhantom() : readPng(options.picture);
 
-    // Objects: smooth away the noise, level the light, part the grey values in two classes, number the pieces.
+    // Objects: smooth away the noise, level the light, part the grey values in two classes, mend the clefts,
+    // number the pieces.
     GreyImage prepared = smoothed(picture);
     if (options.flatten) prepared = flattened(prepared, options.objectsAre);
     RunSummary summary;
@@ -130,8 +131,8 @@ void run(const Options& options) {
         throw Failure("no objects found: the picture has one grey value only");
     summary.threshold = otsuThreshold(summary.histogram);
     const std::int64_t smallestObject = smallestObjectFor(options, picture);
-    const Objects objects = findObjects(thresholded(prepared, summary.threshold, options.objectsAre),
-                                        smallestObject, 4 * smallestObject);
+    const Mask mask = closed(thresholded(prepared, summary.threshold, options.objectsAre));
+    const Objects objects = findObjects(mask, smallestObject, 4 * smallestObject);
     if (objects.regions.empty()) {
         throw Failure("no objects found of " + std::to_string(smallestObject) + " or more pixels");
     }

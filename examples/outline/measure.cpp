@@ -77,17 +77,21 @@ void findCentre(MeasuredObject& object, int subpixels) {
 ///
 /// A curve through every pixel of a staircase is a rounded staircase, so only every few points are kept. The
 /// first and the last one always stay. A step that leaves a short remainder would put two kept points side by
-/// side at the seam, and the curve would bulge there; such steps are passed over.
+/// side at the seam, and the curve would bulge there; of a few steps the one that leaves the fullest last chord wins.
 DWORD thinningStep(DWORD count) {
-    constexpr DWORD kWanted = 7;
-    constexpr DWORD kFewestPoints = 12;
+    constexpr DWORD kWanted = 5;
+    constexpr DWORD kFewestPoints = 16;
     const DWORD edges = count - 1;
     const DWORD wanted = std::clamp(edges / kFewestPoints, DWORD{1}, kWanted);
-    for (DWORD step = wanted; step < 2 * wanted; ++step) {
-        const DWORD remainder = edges % step;
-        if (remainder == 0 || 2 * remainder >= step) return step;
+    DWORD best = wanted;
+    double bestRemainder = 0.0;  // The last chord as a part of the others.
+    for (DWORD step = std::max(wanted - 1, DWORD{1}); step <= wanted + 2; ++step) {
+        const DWORD remainder = edges % step == 0 ? step : edges % step;
+        if (static_cast<double>(remainder) / step <= bestRemainder) continue;
+        bestRemainder = static_cast<double>(remainder) / step;
+        best = step;
     }
-    return wanted;
+    return best;
 }
 
 /// Every few points of an outline; nothing for an outline that is too short to be smoothed.

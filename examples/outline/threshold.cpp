@@ -99,6 +99,21 @@ void findInnermostPixels(Objects& objects) {
     }
 }
 
+/// Gives `value` to each pixel that has it already or has a neighbour with it.
+Mask spread(const Mask& mask, std::uint8_t value) {
+    Mask result = mask;
+    for (int y = 0; y < mask.height; ++y) {
+        for (int x = 0; x < mask.width; ++x) {
+            for (const Step step : kSidesAndCorners) {
+                if (mask.contains(x + step.dx, y + step.dy) && mask.at(x + step.dx, y + step.dy) == value) {
+                    result.at(x, y) = value;
+                }
+            }
+        }
+    }
+    return result;
+}
+
 /// Whether most of the outermost pixels are brighter than the threshold.
 bool isBorderBright(const GreyImage& image, double threshold) {
     std::int64_t balance = 0;
@@ -176,6 +191,10 @@ Mask thresholded(const GreyImage& image, double threshold, ObjectsAre objectsAre
         mask.pixels[i] = (image.pixels[i] > threshold) == areBright ? 1 : 0;
     }
     return mask;
+}
+
+Mask closed(const Mask& mask) {
+    return spread(spread(mask, 1), 0);
 }
 
 Objects findObjects(const Mask& mask, std::int64_t smallestObject, std::int64_t largestHole) {

@@ -43,6 +43,11 @@ using Mask = Image<std::uint8_t>;
 
 Mask thresholded(const GreyImage& image, double threshold, ObjectsAre objectsAre);
 
+/// Closes clefts that are one or two pixels wide: each object grows by a pixel on all sides and shrinks again
+/// (J. Serra, "Image Analysis and Mathematical Morphology", 1982). What lies beyond the border counts as what it
+/// borders on.
+Mask closed(const Mask& mask);
+
 /// One connected object.
 struct Region {
     std::int32_t label = 0;  ///< Its value in `Objects::labels`.
