@@ -40,10 +40,12 @@ std::uint8_t mixed(std::uint8_t below, std::uint8_t above, unsigned int coverage
     return static_cast<std::uint8_t>((below * (255U - coverage) + above * coverage + 127U) / 255U);
 }
 
-/// Each pixel becomes a square of `zoom` by `zoom`, in 8 bits and stretched to the full range.
+/// Each pixel becomes a square of `zoom` by `zoom`. The grey values are stretched to the darker three quarters of
+/// the screen's range, on which all colours of the lines stand out.
 ColourImage enlarged(const GreyImage& image, int zoom) {
     const auto [low, high] = std::minmax_element(image.pixels.begin(), image.pixels.end());
-    const double scale = *high > *low ? 255.0 / (*high - *low) : 0.0;
+    constexpr double kBrightest = 190.0;
+    const double scale = *high > *low ? kBrightest / (*high - *low) : 0.0;
     ColourImage result(image.width * zoom, image.height * zoom);
     for (int y = 0; y < result.height; ++y) {
         for (int x = 0; x < result.width; ++x) {
@@ -135,10 +137,10 @@ ColourImage drawOverlay(const GreyImage& image, const Measurement& measurement) 
         blend(overlay, layer, colour);
     };
     // The lines lie over each other for the most part; each is narrower than the one below.
-    const double wide = zoom > 2 ? 3.0 : 1.5;
+    const double wide = zoom > 2 ? 5.0 : 2.0;
     drawAll(&MeasuredObject::interpolated, true, wide, kInterpolatedColour);
-    drawAll(&MeasuredObject::fitted, true, 0.6 * wide, kFittedColour);
-    drawAll(&MeasuredObject::raw, false, 0.4 * wide, kRawColour);
+    drawAll(&MeasuredObject::fitted, true, 0.55 * wide, kFittedColour);
+    drawAll(&MeasuredObject::raw, false, 0.25 * wide, kRawColour);
 
     InkLayer halo(overlay.width, overlay.height);
     InkLayer numbers(overlay.width, overlay.height);

@@ -13,9 +13,9 @@
 namespace outline {
 
 /// Colours of the three outlines on a grey picture, and of the numbers.
-inline constexpr Rgb kRawColour{255, 160, 40};
-inline constexpr Rgb kInterpolatedColour{60, 200, 255};
-inline constexpr Rgb kFittedColour{255, 90, 190};
+inline constexpr Rgb kRawColour{255, 176, 0};
+inline constexpr Rgb kInterpolatedColour{0, 200, 255};
+inline constexpr Rgb kFittedColour{255, 40, 150};
 inline constexpr Rgb kNumberColour{255, 255, 255};
 
 /// Lines that are drawn together in one colour. Each pixel keeps the greatest part that one of the lines covers,

@@ -20,20 +20,25 @@ using File = std::unique_ptr<std::FILE, FileCloser>;
 
 constexpr std::size_t kSignatureSize = 8;
 
-/// What libpng said last. It lives in the Session, outside of every jump.
+/// What libpng said: the error, and the first warning before it, which often tells more. It lives in the Session,
+/// outside of every jump.
 struct Message {
-    char text[200] = "";
+    char error[200] = "";
+    char warning[200] = "";
 };
 
 extern "C" {
 
 [[noreturn]] static void keepMessageAndJump(png_structp png, png_const_charp text) {
     auto* message = static_cast<Message*>(png_get_error_ptr(png));
-    std::snprintf(message->text, sizeof message->text, "%s", text);
+    std::snprintf(message->error, sizeof message->error, "%s", text);
     png_longjmp(png, 1);
 }
 
-static void ignoreWarning(png_structp /*png*/, png_const_charp /*text*/) {}
+static void keepFirstWarning(png_structp png, png_const_charp text) {
+    auto* message = static_cast<Message*>(png_get_error_ptr(png));
+    if (message->warning[0] == '\0') std::snprintf(message->warning, sizeof message->warning, "%s", text);
+}
 
 static void readExactly(png_structp png, png_bytep bytes, png_size_t count) {
     auto* file = static_cast<std::FILE*>(png_get_io_ptr(png));
@@ -48,9 +53,9 @@ class Session {
 
     Session(File file, Direction direction) : file_(std::move(file)), direction_(direction) {
         png_ = direction == Direction::kRead ? png_create_read_struct(PNG_LIBPNG_VER_STRING, &message_,
-                                                                      keepMessageAndJump, ignoreWarning)
+                                                                      keepMessageAndJump, keepFirstWarning)
                                              : png_create_write_struct(PNG_LIBPNG_VER_STRING, &message_,
-                                                                       keepMessageAndJump, ignoreWarning);
+                                                                       keepMessageAndJump, keepFirstWarning);
         if (png_ != nullptr) info_ = png_create_info_struct(png_);
         if (info_ == nullptr) {
             destroy();
@@ -64,7 +69,10 @@ class Session {
     png_structp png() const { return png_; }
     png_infop info() const { return info_; }
     std::FILE* file() const { return file_.get(); }
-    const char* message() const { return message_.text; }
+    std::string message() const {
+        const std::string warning = message_.warning;
+        return message_.error + (warning.empty() ? "" : " (" + warning + ")");
+    }
 
   private:
     void destroy() {

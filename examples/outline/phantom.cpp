@@ -37,7 +37,7 @@ bool isInRing(Offset p, double outer, double inner) {
 }
 
 bool isInCrescent(Offset p) {
-    return isInDisc(p, 55.0) && !isInDisc({p.x - 24.0, p.y}, 46.0);
+    return isInDisc(p, 55.0) && !isInDisc({p.x - 12.0, p.y}, 46.0);
 }
 
 bool isInFlower(Offset p) {

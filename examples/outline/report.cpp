@@ -144,14 +144,26 @@ std::string pathOf(const Polygon& polygon, int subpixels, bool isCurve) {
     return path.str();
 }
 
-void writePaths(std::ostream& svg, const Measurement& measurement, const char* className,
-                const Polygon MeasuredObject::*which, bool isCurve) {
-    svg << "<g class=\"" << className << "\">\n";
-    for (const MeasuredObject& object : measurement.objects) {
-        if (!(object.*which)) continue;
-        svg << "<path d=\"" << pathOf(object.*which, measurement.subpixels, isCurve) << "\"/>\n";
-    }
-    svg << "</g>\n";
+/// The colours of the lines on a white page.
+constexpr const char* kRawInk = "#e07a00";
+constexpr const char* kRawFill = "#fdf0dc";
+constexpr const char* kInterpolatedInk = "#0077cc";
+constexpr const char* kFittedInk = "#c2185b";
+
+/// The outlines of the objects from `first` to before `last`, each kind over all of the one before.
+void writePaths(std::ostream& svg, const Measurement& measurement, std::size_t first, std::size_t last) {
+    const auto writeKind = [&](const char* ink, const char* fill, const Polygon MeasuredObject::*which,
+                               bool isCurve) {
+        svg << "<g fill=\"" << fill << "\" stroke=\"" << ink << "\" stroke-linejoin=\"round\">\n";
+        for (std::size_t i = first; i < last; ++i) {
+            const Polygon& polygon = measurement.objects[i].*which;
+            if (polygon) svg << "<path d=\"" << pathOf(polygon, measurement.subpixels, isCurve) << "\"/>\n";
+        }
+        svg << "</g>\n";
+    };
+    writeKind(kRawInk, kRawFill, &MeasuredObject::raw, false);
+    writeKind(kInterpolatedInk, "none", &MeasuredObject::interpolated, true);
+    writeKind(kFittedInk, "none", &MeasuredObject::fitted, true);
 }
 
 /// The object that the page shows enlarged: the one of most pixels that has curves, or else the first.
@@ -165,6 +177,21 @@ std::size_t showpieceOf(const Measurement& measurement) {
         most = object.region.pixelCount;
     }
     return best;
+}
+
+/// One object with its outlines, large.
+std::string detailSvg(const Measurement& measurement, std::size_t index) {
+    constexpr int kMargin = 3;
+    const RECT& bounds = measurement.objects[index].bounds;
+    std::ostringstream svg = plainStream(2);
+    svg << "<svg class=\"detail\" role=\"img\" aria-label=\"One object enlarged\" stroke-width=\"0.2\" "
+           "viewBox=\""
+        << bounds.left - kMargin << ' ' << bounds.top - kMargin << ' '
+        << bounds.right - bounds.left + 2 * kMargin << ' ' << bounds.bottom - bounds.top + 2 * kMargin
+        << "\">\n";
+    writePaths(svg, measurement, index, index + 1);
+    svg << "</svg>\n";
+    return svg.str();
 }
 
 /// The grey values of the picture as bars, the threshold as a line.
@@ -195,9 +222,9 @@ constexpr const char* kStyle = R"(
 body { font: 15px/1.5 system-ui, sans-serif; color: #1d232a; background: #f4f5f7; margin: 2rem auto; max-width: 1200px; padding: 0 1rem; }
 h1 { font-size: 1.6rem; margin-bottom: 0; } h2 { font-size: 1.15rem; margin: 2rem 0 .5rem; }
 figure { margin: 0; } figcaption { color: #55606c; font-size: .9rem; margin: .4rem 0; }
-img, .histogram { display: block; width: 100%; background: #fff; border: 1px solid #d5d9de; }
+img, svg { display: block; width: 100%; background: #fff; border: 1px solid #d5d9de; }
 .histogram { height: 110px; max-width: 640px; }
-.detail { max-width: 720px; }
+.detail { max-width: 760px; }
 .key span { display: inline-block; width: 1.6em; height: .35em; margin: 0 .4em .15em 1em; }
 .table { overflow-x: auto; } table { border-collapse: collapse; background: #fff; font-variant-numeric: tabular-nums; font-size: .85rem; }
 th, td { border: 1px solid #d5d9de; padding: .25rem .5rem; text-align: right; white-space: nowrap; }
@@ -208,6 +235,15 @@ std::string colourOf(Rgb colour) {
     char text[8];
     std::snprintf(text, sizeof text, "#%02x%02x%02x", colour.red, colour.green, colour.blue);
     return text;
+}
+
+/// What the colours of the lines mean.
+std::string keyOf(const std::string& raw, const std::string& interpolated, const std::string& fitted) {
+    const auto entry = [](const std::string& colour, const char* meaning) {
+        return "<span style=\"background:" + colour + "\"></span>" + meaning;
+    };
+    return "<figcaption class=\"key\">" + entry(raw, "raw, from pixel to pixel") +
+           entry(interpolated, "interpolating curve") + entry(fitted, "fitting curve") + "</figcaption>\n";
 }
 
 }  // namespace
@@ -235,24 +271,17 @@ std::string svgOf(const RunSummary& run, const Measurement& measurement) {
     // Whole coordinates are pixel centres, so that the picture reaches half a pixel further on all sides.
     svg << "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"-0.5 -0.5 " << run.width << ' ' << run.height
         << "\" width=\"" << run.width * 3 << "\" height=\"" << run.height * 3 << "\">\n"
-        << "<style>\n"
-        << "path { fill: none; stroke-linejoin: round; }\n"
-        << ".raw path { fill: #fdf0dc; stroke: #e07a00; stroke-width: 0.35; }\n"
-        << ".interpolated path { stroke: #0077cc; stroke-width: 0.45; }\n"
-        << ".fitted path { stroke: #c2185b; stroke-width: 0.45; }\n"
-        << "text { font: 9px sans-serif; fill: #333; text-anchor: middle; }\n"
-        << "</style>\n"
         << "<rect x=\"-0.5\" y=\"-0.5\" width=\"" << run.width << "\" height=\"" << run.height
-        << "\" fill=\"#ffffff\"/>\n";
-    writePaths(svg, measurement, "raw", &MeasuredObject::raw, false);
-    writePaths(svg, measurement, "interpolated", &MeasuredObject::interpolated, true);
-    writePaths(svg, measurement, "fitted", &MeasuredObject::fitted, true);
+        << "\" fill=\"#ffffff\"/>\n<g stroke-width=\"0.4\">\n";
+    writePaths(svg, measurement, 0, measurement.objects.size());
+    svg << "</g>\n";
+    svg << "<g font-family=\"sans-serif\" font-size=\"9\" fill=\"#333333\" text-anchor=\"middle\">\n";
     for (std::size_t i = 0; i < measurement.objects.size(); ++i) {
         const Region& region = measurement.objects[i].region;
         svg << "<text x=\"" << region.innermostX << "\" y=\"" << region.innermostY << "\" dy=\"0.35em\">"
             << i + 1 << "</text>\n";
     }
-    svg << "</svg>\n";
+    svg << "</g>\n</svg>\n";
     return svg.str();
 }
 
@@ -268,24 +297,15 @@ std::string htmlOf(const RunSummary& run, const Measurement& measurement) {
          << "<a href=\"measures.csv\">measures.csv</a> holds the table below.</p>\n";
 
     html << "<h2>The picture and its outlines</h2>\n<figure>\n"
-         << "<img src=\"overlay.png\" alt=\"The picture with all outlines\">\n<figcaption class=\"key\">"
-         << "<span style=\"background:" << colourOf(kRawColour) << "\"></span>raw, from pixel to pixel"
-         << "<span style=\"background:" << colourOf(kInterpolatedColour) << "\"></span>interpolating curve"
-         << "<span style=\"background:" << colourOf(kFittedColour) << "\"></span>fitting curve"
-         << "</figcaption>\n</figure>\n";
+         << "<img src=\"overlay.png\" alt=\"The picture with all outlines\">\n"
+         << keyOf(colourOf(kRawColour), colourOf(kInterpolatedColour), colourOf(kFittedColour))
+         << "</figure>\n";
 
     const std::size_t showpiece = showpieceOf(measurement);
-    const RECT& bounds = measurement.objects[showpiece].bounds;
-    constexpr int kMargin = 4;
     html << "<h2>Raw and smoothed outlines</h2>\n<figure>\n"
-         << "<img src=\"outlines.svg\" alt=\"All outlines over each other\">\n<figcaption class=\"key\">"
-         << "<span style=\"background:#e07a00\"></span>raw"
-         << "<span style=\"background:#0077cc\"></span>interpolating curve"
-         << "<span style=\"background:#c2185b\"></span>fitting curve</figcaption>\n</figure>\n"
-         << "<figure class=\"detail\">\n<img src=\"outlines.svg#svgView(viewBox(" << bounds.left - kMargin
-         << ',' << bounds.top - kMargin << ',' << bounds.right - bounds.left + 2 * kMargin << ','
-         << bounds.bottom - bounds.top + 2 * kMargin
-         << "))\" alt=\"One object enlarged\">\n<figcaption>Object " << showpiece + 1
+         << "<img src=\"outlines.svg\" alt=\"All outlines over each other\">\n"
+         << keyOf(kRawInk, kInterpolatedInk, kFittedInk) << "</figure>\n<figure>\n"
+         << detailSvg(measurement, showpiece) << "<figcaption>Object " << showpiece + 1
          << " enlarged.</figcaption>\n</figure>\n";
 
     html << "<h2>Threshold</h2>\n<figure>\n"

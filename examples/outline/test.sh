@@ -64,6 +64,7 @@ expectObject crescent 'value("centre_inside") == "no" && value("circularity") < 
 expectObject flower 'near("pixels", 5732, 3) && near("centre_x", 390, 1) && near("centre_y", 245, 1)'
 
 # Every kind of PNG holds the same picture.
+"$outline" "$work/good_grey8.png" --out "$work/good_grey8" >"$work/stdout"
 for picture in "$work"/good_*.png; do
     name=$(basename "$picture" .png)
     "$outline" "$picture" --out "$work/$name" >"$work/stdout"

@@ -146,11 +146,14 @@ unsigned int crc32Of(const std::string& bytes) {
     return crc ^ 0xffffffffU;
 }
 
-/// A file that claims any size and has no pixels: signature, IHDR with a right checksum, nothing more.
-std::string headerOnly(unsigned int width, unsigned int height) {
-    const std::string chunk =
-        "IHDR" + bigEndian(width) + bigEndian(height) + std::string("\x08\x00\x00\x00\x00", 5);
-    return std::string("\x89PNG\r\n\x1a\n") + bigEndian(13) + chunk + bigEndian(crc32Of(chunk));
+std::string chunk(const std::string& name, const std::string& data) {
+    return bigEndian(static_cast<unsigned int>(data.size())) + name + data + bigEndian(crc32Of(name + data));
+}
+
+/// A file that claims any size and has no pixels, with right checksums.
+std::string withoutPixels(unsigned int width, unsigned int height) {
+    const std::string header = bigEndian(width) + bigEndian(height) + std::string("\x08\x00\x00\x00\x00", 5);
+    return "\x89PNG\r\n\x1a\n" + chunk("IHDR", header) + chunk("IDAT", "") + chunk("IEND", "");
 }
 
 void writeAllPictures(const std::filesystem::path& directory) {
@@ -188,11 +191,12 @@ void writeAllPictures(const std::filesystem::path& directory) {
     std::string flipped = good;
     flipped[good.size() / 2] = static_cast<char>(flipped[good.size() / 2] ^ 0x10);
     writeBytes(path("bad_flipped_bit"), flipped);
-    writeBytes(path("bad_no_width"), headerOnly(0, 100));
-    writeBytes(path("bad_huge_width"), headerOnly(0x7fffffff, 1));
-    writeBytes(path("bad_huge_sides"), headerOnly(0x7fffffff, 0x7fffffff));
-    writeBytes(path("bad_negative_side"), headerOnly(0x80000001, 10));
-    writeBytes(path("bad_many_pixels"), headerOnly(16384, 16384));
+    writeBytes(path("bad_no_width"), withoutPixels(0, 100));
+    writeBytes(path("bad_huge_width"), withoutPixels(0x7fffffff, 1));
+    writeBytes(path("bad_huge_sides"), withoutPixels(0x7fffffff, 0x7fffffff));
+    writeBytes(path("bad_negative_side"), withoutPixels(0x80000001, 10));
+    writeBytes(path("bad_no_pixels"), withoutPixels(100, 100));
+    writeBytes(path("bad_many_pixels"), withoutPixels(16384, 16384));
 }
 
 }  // namespace
