@@ -28,15 +28,11 @@ quietly() {
 
 aptOptions=(-o Acquire::Retries=1 -o Acquire::http::Timeout=20)
 
-# The caller's way to root rights: none needed, sudo, or not at all.
 asRoot() {
     if [ "$(id -u)" -eq 0 ]; then
         env DEBIAN_FRONTEND=noninteractive "$@"
-    elif command -v sudo >/dev/null; then
-        sudo env DEBIAN_FRONTEND=noninteractive "$@"
     else
-        say "demo: this needs root rights, and there is no sudo: $*" >&2
-        return 1
+        sudo env DEBIAN_FRONTEND=noninteractive "$@"
     fi
 }
 
@@ -69,6 +65,10 @@ installMissingTools() {
     [ "${#missing[@]}" -gt 0 ] || return 0
     if ! command -v apt-get >/dev/null; then
         say "demo: please install what these packages hold: ${missing[*]}" >&2
+        exit 1
+    fi
+    if [ "$(id -u)" -ne 0 ] && ! command -v sudo >/dev/null; then
+        say "demo: please have these packages installed: ${missing[*]}" >&2
         exit 1
     fi
     say "Installing ${missing[*]} ..."
