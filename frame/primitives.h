@@ -16,6 +16,7 @@ struct Arithmetic {
     static constexpr Coordinate add(Coordinate a, Coordinate b) { return a + b; }
     static constexpr Coordinate sub(Coordinate a, Coordinate b) { return a - b; }
     static constexpr Coordinate mul(Coordinate a, Coordinate b) { return a * b; }
+    static constexpr Coordinate neg(Coordinate a) { return -a; }
 };
 
 template <>
@@ -23,6 +24,7 @@ struct Arithmetic<Int32> {
     static constexpr Int32 add(Int32 a, Int32 b) { return wrapAdd(a, b); }
     static constexpr Int32 sub(Int32 a, Int32 b) { return wrapSub(a, b); }
     static constexpr Int32 mul(Int32 a, Int32 b) { return wrapMul(a, b); }
+    static constexpr Int32 neg(Int32 a) { return wrapNeg(a); }
 };
 
 /// The coordinate type and arithmetic of a point type.

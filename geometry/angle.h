@@ -50,7 +50,8 @@ inline double turningAngle(const tagPOINT2D& p0, const tagPOINT2D& p1, const tag
     if (kNullLength > lengthU || kNullLength > lengthV) return 0.0;
     const double reciprocalU = 1.0 / lengthU;
     const double reciprocalV = 1.0 / lengthV;
-    const double cosine = (u.y * reciprocalU) * (v.y * reciprocalV) + (u.x * reciprocalU) * (v.x * reciprocalV);
+    const double cosine =
+        (u.y * reciprocalU) * (v.y * reciprocalV) + (u.x * reciprocalU) * (v.x * reciprocalV);
     if (cosine > kStraightCosine) return 0.0;
     if (-kStraightCosine > cosine) return kHalfTurnRad;
     return frame::acos(cosine) * frame::orientation(p0, p1, p2);
