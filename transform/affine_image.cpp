@@ -80,7 +80,7 @@ int matMoveMatrix4ToTopLeft(double width, double height, double (*m)[4]) {
 
 int matRotated4(double (*m)[4], double angleDegrees, double axisX, double axisY, double axisZ) {
     const double components[] = {axisX, axisY, axisZ};
-    for (const int axis : {kAxisX, kAxisY, kAxisZ}) {
+    for (int axis = kAxisX; axis <= kAxisZ; ++axis) {
         if (!velquad::frame::isSmaller(kUnitAxisTolerance, 1.0 - components[axis])) continue;
         double rotation[4][4];
         computeRotation(rotation, angleDegrees, true, axis);

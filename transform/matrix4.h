@@ -3,6 +3,8 @@
 #ifndef VELQUAD_TRANSFORM_MATRIX4_H
 #define VELQUAD_TRANSFORM_MATRIX4_H
 
+#include <emmintrin.h>
+
 #include <cstring>
 
 #include "frame/primitives.h"
@@ -77,11 +79,30 @@ inline bool storeByWeight(double* out, const double (&r)[4]) {
     return true;
 }
 
+/// The products of two neighbouring rows with a vector, side by side: x m0 + y m1 + z m2 + w m3 from left to
+/// right for each row.
+inline __m128d rowPairTimesVector(const double (&first)[4], const double (&second)[4], __m128d x, __m128d y, __m128d z,
+                                  __m128d w) {
+    const __m128d firstLow = _mm_loadu_pd(first);
+    const __m128d firstHigh = _mm_loadu_pd(first + 2);
+    const __m128d secondLow = _mm_loadu_pd(second);
+    const __m128d secondHigh = _mm_loadu_pd(second + 2);
+    __m128d sum = _mm_mul_pd(x, _mm_unpacklo_pd(firstLow, secondLow));
+    sum = _mm_add_pd(sum, _mm_mul_pd(y, _mm_unpackhi_pd(firstLow, secondLow)));
+    sum = _mm_add_pd(sum, _mm_mul_pd(z, _mm_unpacklo_pd(firstHigh, secondHigh)));
+    return _mm_add_pd(sum, _mm_mul_pd(w, _mm_unpackhi_pd(firstHigh, secondHigh)));
+}
+
 /// M v, divided by its weight. `out` may be `in`.
 /// @return false when the weight vanishes; `out` is unchanged then.
 inline bool transformColumn(double* out, ConstRows m, const double* in) {
+    const __m128d x = _mm_set1_pd(in[0]);
+    const __m128d y = _mm_set1_pd(in[1]);
+    const __m128d z = _mm_set1_pd(in[2]);
+    const __m128d w = _mm_set1_pd(in[3]);
     double r[4];
-    for (int i = 0; i < 4; ++i) r[i] = in[0] * m[i][0] + in[1] * m[i][1] + in[2] * m[i][2] + in[3] * m[i][3];
+    _mm_storeu_pd(r, rowPairTimesVector(m[0], m[1], x, y, z, w));
+    _mm_storeu_pd(r + 2, rowPairTimesVector(m[2], m[3], x, y, z, w));
     return storeByWeight(out, r);
 }
 
