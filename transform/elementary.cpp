@@ -127,7 +127,8 @@ extern "C" int matComputeSizeMatrix4(double (*m)[4], double sizeX, double sizeY,
     return 1;
 }
 
-extern "C" int matSizeMatrix4(double (*m)[4], double sizeX, double sizeY, double sizeZ, int multiplyFromLeft) {
+extern "C" int matSizeMatrix4(double (*m)[4], double sizeX, double sizeY, double sizeZ,
+                              int multiplyFromLeft) {
     double scaling[4][4];
     loadDiagonal(scaling, sizeX, sizeY, sizeZ);
     compose(m, scaling, multiplyFromLeft != 0);
@@ -172,8 +173,8 @@ extern "C" int matTiltMatrix4(double (*m)[4], double tilt, double direction, int
     return 1;
 }
 
-int matComputeArbitraryRotationMatrix4(double (*m)[4], double angle, int isDegrees, double axisX, double axisY,
-                                       double axisZ) {
+int matComputeArbitraryRotationMatrix4(double (*m)[4], double angle, int isDegrees, double axisX,
+                                       double axisY, double axisZ) {
     return computeRotation(m, angle, isDegrees != 0, {axisX, axisY, axisZ}) ? 1 : 0;
 }
 

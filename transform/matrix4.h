@@ -28,7 +28,8 @@ inline void copy(Rows to, ConstRows from) {
 
 /// Stores a diagonal matrix, with 1 as its last element.
 inline void loadDiagonal(Rows m, double x, double y, double z) {
-    const double diagonal[4][4] = {{x, 0.0, 0.0, 0.0}, {0.0, y, 0.0, 0.0}, {0.0, 0.0, z, 0.0}, {0.0, 0.0, 0.0, 1.0}};
+    const double diagonal[4][4] = {
+        {x, 0.0, 0.0, 0.0}, {0.0, y, 0.0, 0.0}, {0.0, 0.0, z, 0.0}, {0.0, 0.0, 0.0, 1.0}};
     copy(m, diagonal);
 }
 
@@ -55,7 +56,8 @@ inline double productElement(ConstRows a, ConstRows b, int row, int column) {
 inline void multiply(Rows out, ConstRows a, ConstRows b) {
     for (int row = 0; row < 4; ++row) {
         double sums[4];
-        for (int column = 0; column < 4; ++column) sums[column] = productElement(a, b, row, column);
+        for (int column = 0; column < 4; ++column)
+            sums[column] = productElement(a, b, row, column);
         std::memcpy(out[row], sums, sizeof sums);
     }
 }
@@ -75,14 +77,15 @@ inline void compose(Rows m, ConstRows n, bool isFromLeft) {
 /// @return false when the weight vanishes; `out` is unchanged then.
 inline bool storeByWeight(double* out, const double (&r)[4]) {
     if (frame::isSmaller(kVanishingWeight, r[3])) return false;
-    for (int i = 0; i < 4; ++i) out[i] = r[i] / r[3];
+    for (int i = 0; i < 4; ++i)
+        out[i] = r[i] / r[3];
     return true;
 }
 
 /// The products of two neighbouring rows with a vector, side by side: x m0 + y m1 + z m2 + w m3 from left to
 /// right for each row.
-inline __m128d rowPairTimesVector(const double (&first)[4], const double (&second)[4], __m128d x, __m128d y, __m128d z,
-                                  __m128d w) {
+inline __m128d rowPairTimesVector(const double (&first)[4], const double (&second)[4], __m128d x, __m128d y,
+                                  __m128d z, __m128d w) {
     const __m128d firstLow = _mm_loadu_pd(first);
     const __m128d firstHigh = _mm_loadu_pd(first + 2);
     const __m128d secondLow = _mm_loadu_pd(second);
@@ -110,7 +113,8 @@ inline bool transformColumn(double* out, ConstRows m, const double* in) {
 /// @return false when the weight vanishes; `out` is unchanged then.
 inline bool transformRow(double* out, ConstRows m, const double* in) {
     double r[4];
-    for (int j = 0; j < 4; ++j) r[j] = in[0] * m[0][j] + in[1] * m[1][j] + in[2] * m[2][j] + in[3] * m[3][j];
+    for (int j = 0; j < 4; ++j)
+        r[j] = in[0] * m[0][j] + in[1] * m[1][j] + in[2] * m[2][j] + in[3] * m[3][j];
     return storeByWeight(out, r);
 }
 

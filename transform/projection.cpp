@@ -23,10 +23,11 @@ void computePerspective(Rows m, double fieldOfViewDegrees, double aspect, double
     const double halfAngleRad = fieldOfViewDegrees * kRadiansPerDegree * 0.5;
     const double f = velquad::frame::cos(halfAngleRad) / velquad::frame::sin(halfAngleRad);
     const double depth = nearPlane - farPlane;
-    const double projection[4][4] = {{f / aspect, 0.0, 0.0, 0.0},
-                                     {0.0, f, 0.0, 0.0},
-                                     {0.0, 0.0, (nearPlane + farPlane) / depth, 2.0 * nearPlane * farPlane / depth},
-                                     {0.0, 0.0, -1.0, 0.0}};
+    const double projection[4][4] = {
+        {f / aspect, 0.0, 0.0, 0.0},
+        {0.0, f, 0.0, 0.0},
+        {0.0, 0.0, (nearPlane + farPlane) / depth, 2.0 * nearPlane * farPlane / depth},
+        {0.0, 0.0, -1.0, 0.0}};
     copy(m, projection);
 }
 
@@ -63,8 +64,8 @@ extern "C" int matComputePerspectiveMatrix4(double (*m)[4], double fieldOfViewDe
     return 1;
 }
 
-extern "C" int matPerspectiveMatrix4(double (*m)[4], double fieldOfViewDegrees, double aspect, double nearPlane,
-                                     double farPlane, int multiplyFromLeft) {
+extern "C" int matPerspectiveMatrix4(double (*m)[4], double fieldOfViewDegrees, double aspect,
+                                     double nearPlane, double farPlane, int multiplyFromLeft) {
     double projection[4][4];
     computePerspective(projection, fieldOfViewDegrees, aspect, nearPlane, farPlane);
     compose(m, projection, multiplyFromLeft != 0);

@@ -17,18 +17,21 @@ struct Window {
                (depthRange[1] - depthRange[0]) * 0.5} {}
 
     void map(double* vector) const {
-        for (int i = 0; i < 3; ++i) vector[i] = half[i] * (vector[i] + 1.0) + low[i];
+        for (int i = 0; i < 3; ++i)
+            vector[i] = half[i] * (vector[i] + 1.0) + low[i];
     }
 
     void mapBack(double* vector) const {
-        for (int i = 0; i < 3; ++i) vector[i] = (vector[i] - low[i]) / half[i] - 1.0;
+        for (int i = 0; i < 3; ++i)
+            vector[i] = (vector[i] - low[i]) / half[i] - 1.0;
     }
 
     void computeMatrix(Rows m) const {
         double scaling[4][4];
         double translation[4][4];
         loadTranslation(scaling, low[0], low[1], low[2]);
-        for (int i = 0; i < 3; ++i) scaling[i][i] = half[i];
+        for (int i = 0; i < 3; ++i)
+            scaling[i][i] = half[i];
         loadTranslation(translation, 1.0, 1.0, 1.0);
         multiply(m, scaling, translation);
     }

@@ -24,7 +24,8 @@ std::vector<Matrix> randomMatrices() {
     std::vector<Matrix> matrices(kCount);
     for (Matrix& matrix : matrices) {
         for (auto& row : matrix.m) {
-            for (double& value : row) value = element(random);
+            for (double& value : row)
+                value = element(random);
         }
     }
     return matrices;
@@ -58,7 +59,8 @@ BENCHMARK(multiplyInPlace);
 
 void multiplyEigenFixed(benchmark::State& state) {
     std::vector<Eigen::Matrix4d> matrices;
-    for (const Matrix& matrix : randomMatrices()) matrices.emplace_back(Eigen::Map<const Eigen::Matrix4d>(matrix.m[0]));
+    for (const Matrix& matrix : randomMatrices())
+        matrices.emplace_back(Eigen::Map<const Eigen::Matrix4d>(matrix.m[0]));
     std::size_t i = 0;
     for (auto _ : state) {
         Eigen::Matrix4d product;

@@ -52,7 +52,8 @@ VELQUAD_API int matShearMatrix4(double (*m)[4], double angleX, double angleY, in
 
 /// A scaling about the origin, one factor an axis.
 VELQUAD_API int matComputeSizeMatrix4(double (*m)[4], double sizeX, double sizeY, double sizeZ);
-VELQUAD_API int matSizeMatrix4(double (*m)[4], double sizeX, double sizeY, double sizeZ, int multiplyFromLeft);
+VELQUAD_API int matSizeMatrix4(double (*m)[4], double sizeX, double sizeY, double sizeZ,
+                               int multiplyFromLeft);
 
 /// A translation.
 VELQUAD_API int matComputeTranslationMatrix4(double (*m)[4], double x, double y, double z);
@@ -217,8 +218,8 @@ VELQUAD_API int matComputeFullProjectionMatrix4(double (*m)[4], double* modelVie
 /// @{
 
 /// Stores the rotation matrix of three angles.
-VELQUAD_API int matConvertUnifiedAnglesToRotationMatrix4(double (*m)[4], double tilt, double first, double last,
-                                                         int isDegrees);
+VELQUAD_API int matConvertUnifiedAnglesToRotationMatrix4(double (*m)[4], double tilt, double first,
+                                                         double last, int isDegrees);
 
 /// Finds the three angles of a rotation. Without tilt only the sum of the other two is determined, at a tilt of
 /// half a turn only their difference; all of it comes out as `last`, and `first` is 0.

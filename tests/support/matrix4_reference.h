@@ -26,14 +26,16 @@ inline constexpr Matrix kCounting{{{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}, 
 /// 1 to 16 as a flat matrix: the transpose of `kCounting`.
 inline std::array<double, 16> countingFlat() {
     std::array<double, 16> flat{};
-    for (std::size_t i = 0; i < 16; ++i) flat[i] = static_cast<double>(i + 1);
+    for (std::size_t i = 0; i < 16; ++i)
+        flat[i] = static_cast<double>(i + 1);
     return flat;
 }
 
 inline Matrix filledWith(double value) {
     Matrix result;
     for (auto& row : result.m) {
-        for (double& element : row) element = value;
+        for (double& element : row)
+            element = value;
     }
     return result;
 }
@@ -41,7 +43,8 @@ inline Matrix filledWith(double value) {
 inline Matrix transposed(const Matrix& a) {
     Matrix result;
     for (int i = 0; i < 4; ++i) {
-        for (int j = 0; j < 4; ++j) result.m[j][i] = a.m[i][j];
+        for (int j = 0; j < 4; ++j)
+            result.m[j][i] = a.m[i][j];
     }
     return result;
 }
@@ -49,7 +52,8 @@ inline Matrix transposed(const Matrix& a) {
 inline std::array<double, 16> flatOf(const Matrix& a) {
     std::array<double, 16> flat{};
     for (std::size_t c = 0; c < 4; ++c) {
-        for (std::size_t r = 0; r < 4; ++r) flat[4 * c + r] = a.m[r][c];
+        for (std::size_t r = 0; r < 4; ++r)
+            flat[4 * c + r] = a.m[r][c];
     }
     return flat;
 }
@@ -97,15 +101,18 @@ inline Matrix invertedLiterally(const Matrix& a) {
         }
         for (int i = k + 1; i < 4; ++i) {
             if (lu.m[k][k] != 0.0) lu.m[i][k] /= lu.m[k][k];
-            for (int j = k + 1; j < 4; ++j) lu.m[i][j] -= lu.m[i][k] * lu.m[k][j];
+            for (int j = k + 1; j < 4; ++j)
+                lu.m[i][j] -= lu.m[i][k] * lu.m[k][j];
         }
     }
     for (int j = 0; j < 4; ++j) {
         for (int i = 0; i < 4; ++i) {
-            for (int k = 0; k < i; ++k) x.m[i][j] -= lu.m[i][k] * x.m[k][j];
+            for (int k = 0; k < i; ++k)
+                x.m[i][j] -= lu.m[i][k] * x.m[k][j];
         }
         for (int i = 3; i >= 0; --i) {
-            for (int k = i + 1; k < 4; ++k) x.m[i][j] -= lu.m[i][k] * x.m[k][j];
+            for (int k = i + 1; k < 4; ++k)
+                x.m[i][j] -= lu.m[i][k] * x.m[k][j];
             x.m[i][j] *= 1.0 / lu.m[i][i];
         }
     }
@@ -136,7 +143,8 @@ inline double randomElement(std::mt19937_64& random) {
 inline Matrix randomMatrix(std::mt19937_64& random) {
     Matrix result;
     for (auto& row : result.m) {
-        for (double& element : row) element = randomElement(random);
+        for (double& element : row)
+            element = randomElement(random);
     }
     return result;
 }
@@ -152,7 +160,8 @@ inline void expectSameBits(const Matrix& actual, const Matrix& expected) {
     for (int i = 0; i < 4; ++i) {
         for (int j = 0; j < 4; ++j) {
             EXPECT_EQ(bitsOf(actual.m[i][j]), bitsOf(expected.m[i][j]))
-                << "row " << i << ", column " << j << ": " << actual.m[i][j] << " is not " << expected.m[i][j];
+                << "row " << i << ", column " << j << ": " << actual.m[i][j] << " is not "
+                << expected.m[i][j];
         }
     }
 }
@@ -171,7 +180,8 @@ inline bool sameNumbers(const Matrix& a, const Matrix& b) {
 /// Equality as numbers: zeros of either sign are equal.
 inline void expectEqual(const Matrix& actual, const Matrix& expected) {
     for (int i = 0; i < 4; ++i) {
-        for (int j = 0; j < 4; ++j) EXPECT_EQ(actual.m[i][j], expected.m[i][j]) << "row " << i << ", column " << j;
+        for (int j = 0; j < 4; ++j)
+            EXPECT_EQ(actual.m[i][j], expected.m[i][j]) << "row " << i << ", column " << j;
     }
 }
 

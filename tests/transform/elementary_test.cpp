@@ -34,7 +34,8 @@ Vector imageOf(const Matrix& m, double x, double y, double z) {
 
 void expectImage(const Matrix& m, const Vector& in, const Vector& expected) {
     const Vector image = imageOf(m, in[0], in[1], in[2]);
-    for (std::size_t i = 0; i < 4; ++i) EXPECT_NEAR(image[i], expected[i], 1e-14) << "component " << i;
+    for (std::size_t i = 0; i < 4; ++i)
+        EXPECT_NEAR(image[i], expected[i], 1e-14) << "component " << i;
 }
 
 /// The elementary rotation, element by element.
@@ -118,7 +119,7 @@ TEST(MatComputeRotationMatrix4, DegreesAreAnyNonZeroFlag) {
 
 TEST(MatRotateMatrix4, ComposesTheElementaryMatrix) {
     for (const int axis : {0, 1, 2, 9}) {
-        expectComposes(rotation(37.0, true, axis), [axis](double (*m)[4], int multiplyFromLeft) {
+        expectComposes(rotation(37.0, true, axis), [axis](double(*m)[4], int multiplyFromLeft) {
             return matRotateMatrix4(m, 37.0, 1, axis, multiplyFromLeft);
         });
     }
@@ -141,7 +142,8 @@ TEST(MatComputeArbitraryRotationMatrix4, AgreesWithTheCoordinateAxes) {
     const double axes[3][3] = {{3, 0, 0}, {0, 0.5, 0}, {0, 0, 1e-3}};
     for (int axis = 0; axis < 3; ++axis) {
         Matrix m = filledWith(7.0);
-        EXPECT_EQ(matComputeArbitraryRotationMatrix4(m.m, 40.0, 1, axes[axis][0], axes[axis][1], axes[axis][2]), 1);
+        EXPECT_EQ(
+            matComputeArbitraryRotationMatrix4(m.m, 40.0, 1, axes[axis][0], axes[axis][1], axes[axis][2]), 1);
         expectNear(m, rotation(40.0, true, axis), kRounding);
     }
 }
@@ -186,7 +188,7 @@ TEST(MatComputeArbitraryRotationMatrix4, AxisMustReachTheShortestLength) {
 TEST(MatArbitraryRotateMatrix4, ComposesTheElementaryMatrix) {
     Matrix elementary;
     matComputeArbitraryRotationMatrix4(elementary.m, 0.4, 0, 1.0, -2.0, 0.5);
-    expectComposes(elementary, [](double (*m)[4], int multiplyFromLeft) {
+    expectComposes(elementary, [](double(*m)[4], int multiplyFromLeft) {
         return matArbitraryRotateMatrix4(m, 0.4, 0, 1.0, -2.0, 0.5, multiplyFromLeft);
     });
 }
@@ -223,7 +225,7 @@ TEST(MatComputeShearMatrix4, AddsTheQuarterTurnBeforeTheConversion) {
 TEST(MatShearMatrix4, ComposesTheElementaryMatrix) {
     Matrix elementary;
     matComputeShearMatrix4(elementary.m, 10.0, 20.0, 1);
-    expectComposes(elementary, [](double (*m)[4], int multiplyFromLeft) {
+    expectComposes(elementary, [](double(*m)[4], int multiplyFromLeft) {
         return matShearMatrix4(m, 10.0, 20.0, 1, multiplyFromLeft);
     });
 }
@@ -235,7 +237,7 @@ TEST(MatComputeSizeMatrix4, StoresTheDiagonal) {
 }
 
 TEST(MatSizeMatrix4, ComposesTheElementaryMatrix) {
-    expectComposes(scaling(2.0, -3.0, 0.5), [](double (*m)[4], int multiplyFromLeft) {
+    expectComposes(scaling(2.0, -3.0, 0.5), [](double(*m)[4], int multiplyFromLeft) {
         return matSizeMatrix4(m, 2.0, -3.0, 0.5, multiplyFromLeft);
     });
 }
@@ -248,7 +250,7 @@ TEST(MatComputeTranslationMatrix4, StoresTheLastColumn) {
 
 TEST(MatTranslateMatrix4, ComposesTheElementaryMatrix) {
     expectComposes({{{1, 0, 0, 2.0}, {0, 1, 0, -3.0}, {0, 0, 1, 0.5}, {0, 0, 0, 1}}},
-                   [](double (*m)[4], int multiplyFromLeft) {
+                   [](double(*m)[4], int multiplyFromLeft) {
                        return matTranslateMatrix4(m, 2.0, -3.0, 0.5, multiplyFromLeft);
                    });
 }
@@ -276,7 +278,7 @@ TEST(MatComputeDecompressMatrix4, IsThreeProductsFromTheLeft) {
 TEST(MatDecompressMatrix4, ComposesTheElementaryMatrix) {
     Matrix elementary;
     matComputeDecompressMatrix4(elementary.m, 25.0, 1, 1.75);
-    expectComposes(elementary, [](double (*m)[4], int multiplyFromLeft) {
+    expectComposes(elementary, [](double(*m)[4], int multiplyFromLeft) {
         return matDecompressMatrix4(m, 25.0, 1, 1.75, multiplyFromLeft);
     });
 }
@@ -305,7 +307,7 @@ TEST(MatComputeTiltMatrix4, IsThreeProductsFromTheLeft) {
 TEST(MatTiltMatrix4, ComposesTheElementaryMatrix) {
     Matrix elementary;
     matComputeTiltMatrix4(elementary.m, 12.0, 55.0, 1);
-    expectComposes(elementary, [](double (*m)[4], int multiplyFromLeft) {
+    expectComposes(elementary, [](double(*m)[4], int multiplyFromLeft) {
         return matTiltMatrix4(m, 12.0, 55.0, 1, multiplyFromLeft);
     });
 }

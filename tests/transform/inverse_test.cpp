@@ -30,7 +30,8 @@ Matrix randomRegularMatrix(std::mt19937_64& random) {
     std::uniform_real_distribution<double> element(-1.0, 1.0);
     Matrix m;
     for (int i = 0; i < 4; ++i) {
-        for (int j = 0; j < 4; ++j) m.m[i][j] = element(random) + (i == j ? 4.0 : 0.0);
+        for (int j = 0; j < 4; ++j)
+            m.m[i][j] = element(random) + (i == j ? 4.0 : 0.0);
     }
     return m;
 }
@@ -93,7 +94,8 @@ TEST(MatInvertMatrix4, ZeroMatrixIsNotReported) {
     EXPECT_EQ(matInvertMatrix4(out.m, filledWith(0.0).m, 0), 1);
     // Every pivot is 0, so that no element of the result is finite.
     for (const auto& row : out.m) {
-        for (const double element : row) EXPECT_FALSE(std::isfinite(element));
+        for (const double element : row)
+            EXPECT_FALSE(std::isfinite(element));
     }
 }
 
@@ -140,10 +142,12 @@ TEST(MatInvertMatrix4, ScalesWithPowersOfTwo) {
         Matrix inverse;
         matInvertMatrix4(inverse.m, m.m, 0);
         for (auto& row : m.m) {
-            for (double& element : row) element *= 1024.0;
+            for (double& element : row)
+                element *= 1024.0;
         }
         for (auto& row : inverse.m) {
-            for (double& element : row) element /= 1024.0;
+            for (double& element : row)
+                element /= 1024.0;
         }
         Matrix scaled;
         matInvertMatrix4(scaled.m, m.m, 0);
@@ -161,7 +165,8 @@ TEST(MatInvertMatrix4, EqualsEliminationBitForBit) {
         if (round % 2 == 1) {
             // Small integers: equal pivots, zeros, now and then a singular matrix.
             for (auto& row : m.m) {
-                for (double& element : row) element = small(random);
+                for (double& element : row)
+                    element = small(random);
             }
         }
         Matrix inverse;

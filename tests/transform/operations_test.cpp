@@ -49,7 +49,8 @@ TEST(MatMultiplyMatrix4, FormsRowsTimesColumns) {
 TEST(MatMultiplyMatrix4, FactorsMayBeOneMatrix) {
     Matrix out;
     EXPECT_EQ(matMultiplyMatrix4(out.m, kCounting.m, kCounting.m), 1);
-    expectEqual(out, {{{90, 100, 110, 120}, {202, 228, 254, 280}, {314, 356, 398, 440}, {426, 484, 542, 600}}});
+    expectEqual(out,
+                {{{90, 100, 110, 120}, {202, 228, 254, 280}, {314, 356, 398, 440}, {426, 484, 542, 600}}});
 }
 
 TEST(MatMultiplyMatrix4, ProductOfNegativeZerosIsPositiveZero) {
@@ -126,7 +127,8 @@ TEST(MatMultiplyMatrix4, PartlyOverlappingMatricesFollowTheSameOrder) {
             double actual[10][4];
             double expected[10][4];
             for (int i = 0; i < 10; ++i) {
-                for (int j = 0; j < 4; ++j) actual[i][j] = expected[i][j] = randomElement(random);
+                for (int j = 0; j < 4; ++j)
+                    actual[i][j] = expected[i][j] = randomElement(random);
             }
             matMultiplyMatrix4(actual + outRow, actual + aRow, actual + 3);
             multiplyLiterally(expected + outRow, expected + aRow, expected + 3);
@@ -188,8 +190,9 @@ TEST(MatTransformVector4, WeightsBelowTheToleranceAreRefused) {
                                           rowTimesVector),
                       0);
             EXPECT_EQ(out, (Vector{7, 8, 9, 10}));
-            EXPECT_EQ(
-                matTransformVector4(out.data(), withWeight(sign * kWeightTolerance).m, in.data(), rowTimesVector), 1);
+            EXPECT_EQ(matTransformVector4(out.data(), withWeight(sign * kWeightTolerance).m, in.data(),
+                                          rowTimesVector),
+                      1);
             EXPECT_EQ(out, (Vector{1.0 / (sign * kWeightTolerance), 2.0 / (sign * kWeightTolerance),
                                    3.0 / (sign * kWeightTolerance), 1.0}));
         }
@@ -200,7 +203,8 @@ TEST(MatTransformVector4, WeightThatIsNoNumberIsNotRefused) {
     const Vector in{1, 2, 3, 1};
     Vector out{7, 8, 9, 10};
     EXPECT_EQ(matTransformVector4(out.data(), withWeight(kNaN).m, in.data(), 1), 1);
-    for (const double value : out) EXPECT_TRUE(std::isnan(value));
+    for (const double value : out)
+        EXPECT_TRUE(std::isnan(value));
 }
 
 TEST(MatTransformVector4, SumsFromLeftToRightBitForBit) {
@@ -210,7 +214,8 @@ TEST(MatTransformVector4, SumsFromLeftToRightBitForBit) {
     for (int round = 0; round < 5000; ++round) {
         const Matrix m = randomMatrix(random);
         Vector in{};
-        for (double& value : in) value = randomElement(random);
+        for (double& value : in)
+            value = randomElement(random);
         for (const bool isColumn : {false, true}) {
             Vector r{};
             for (std::size_t i = 0; i < 4; ++i) {

@@ -22,7 +22,8 @@ using Vector = std::array<double, 4>;
 void expectImage(const Matrix& m, const Vector& in, const Vector& expected) {
     Vector image{};
     EXPECT_EQ(matTransformVector4(image.data(), m.m, in.data(), 1), 1);
-    for (std::size_t i = 0; i < 4; ++i) EXPECT_NEAR(image[i], expected[i], 1e-14) << "component " << i;
+    for (std::size_t i = 0; i < 4; ++i)
+        EXPECT_NEAR(image[i], expected[i], 1e-14) << "component " << i;
 }
 
 template <class Function>
@@ -72,7 +73,7 @@ TEST(MatComputePerspectiveMatrix4, EmptyDepthDividesByZero) {
 TEST(MatPerspectiveMatrix4, ComposesTheElementaryMatrix) {
     Matrix elementary;
     matComputePerspectiveMatrix4(elementary.m, 60.0, 1.5, 2.0, 8.0);
-    expectComposes(elementary, [](double (*m)[4], int multiplyFromLeft) {
+    expectComposes(elementary, [](double(*m)[4], int multiplyFromLeft) {
         return matPerspectiveMatrix4(m, 60.0, 1.5, 2.0, 8.0, multiplyFromLeft);
     });
 }
@@ -111,7 +112,7 @@ TEST(MatComputeOrthoMatrix4, EmptyRangesDivideByZero) {
 TEST(MatOrthoMatrix4, ComposesTheElementaryMatrix) {
     Matrix elementary;
     matComputeOrthoMatrix4(elementary.m, 1.0, 5.0, -2.0, 6.0, 10.0, 12.0);
-    expectComposes(elementary, [](double (*m)[4], int multiplyFromLeft) {
+    expectComposes(elementary, [](double(*m)[4], int multiplyFromLeft) {
         return matOrthoMatrix4(m, 1.0, 5.0, -2.0, 6.0, 10.0, 12.0, multiplyFromLeft);
     });
 }
@@ -143,13 +144,14 @@ TEST(MatComputeFrustumMatrix4, FollowsItsFormulaToTheLastBit) {
 TEST(MatComputeFrustumMatrix4, EmptyRangesDivideByZero) {
     Matrix m;
     EXPECT_EQ(matComputeFrustumMatrix4(m.m, 2.0, 2.0, 3.0, 3.0, 4.0, 4.0), 1);
-    for (int i = 0; i < 3; ++i) EXPECT_TRUE(std::isinf(m.m[i][i])) << i;
+    for (int i = 0; i < 3; ++i)
+        EXPECT_TRUE(std::isinf(m.m[i][i])) << i;
 }
 
 TEST(MatFrustumMatrix4, ComposesTheElementaryMatrix) {
     Matrix elementary;
     matComputeFrustumMatrix4(elementary.m, 1.0, 5.0, -2.0, 6.0, 2.0, 4.0);
-    expectComposes(elementary, [](double (*m)[4], int multiplyFromLeft) {
+    expectComposes(elementary, [](double(*m)[4], int multiplyFromLeft) {
         return matFrustumMatrix4(m, 1.0, 5.0, -2.0, 6.0, 2.0, 4.0, multiplyFromLeft);
     });
 }
