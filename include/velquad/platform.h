@@ -121,7 +121,8 @@ extern "C" {
 /// A null, stale or foreign handle or address is refused with the failure value and is never read.
 /// @{
 
-/// Allocates `size` bytes; movable with GMEM_MOVEABLE, zero-filled with GMEM_ZEROINIT.
+/// Allocates `size` bytes; movable with GMEM_MOVEABLE, zero-filled with GMEM_ZEROINIT. A block of no bytes is a
+/// block all the same, with an address of its own.
 /// @return the handle of the unlocked block, or null when there is no memory.
 VELQUAD_API HGLOBAL GlobalAlloc(UINT flags, SIZE_T size);
 
@@ -131,16 +132,21 @@ VELQUAD_API HGLOBAL GlobalAlloc(UINT flags, SIZE_T size);
 VELQUAD_API void* GlobalLock(HGLOBAL handle);
 
 /// Takes one lock away.
-/// @return non-zero while locks remain; 0 when the block is unlocked now, was not locked, or is refused.
+/// @return non-zero while locks remain, and always for a fixed block, which cannot be unlocked; 0 when the block
+///         is unlocked now, was not locked, or is refused.
 VELQUAD_API BOOL GlobalUnlock(HGLOBAL handle);
 
 /// Resizes a block and keeps its contents up to the smaller size. With GMEM_ZEROINIT a grown tail is zero. A
 /// locked or fixed block moves only when GMEM_MOVEABLE is given; without it the block grows in place or not at
-/// all.
+/// all. A fixed block that moves has a new handle.
+///   (1) Size 0 discards an unlocked movable block: the handle stays valid, the contents are gone until the next
+///       `GlobalReAlloc`. A locked one is refused.
+///   (2) With GMEM_MODIFY the size is ignored; GMEM_MODIFY with GMEM_MOVEABLE makes a fixed block movable, where
+///       it is.
 /// @return the block's handle from now on; null on failure, with the old block as it was.
 VELQUAD_API HGLOBAL GlobalReAlloc(HGLOBAL handle, SIZE_T size, UINT flags);
 
-/// Finds the handle whose block begins at `address`.
+/// Finds the handle of the block that begins at `address`.
 /// @return the handle, or null for any other address.
 VELQUAD_API HGLOBAL GlobalHandle(const void* address);
 
@@ -165,8 +171,9 @@ VELQUAD_API UINT GlobalFlags(HGLOBAL handle);
 VELQUAD_API BOOL PeekMessageW(MSG* message, HWND window, UINT first, UINT last, UINT flags);
 
 /// Posts the WM_CHAR that belongs to a WM_KEYDOWN with a character (virtual keys of ASCII control characters,
-/// space, digits and letters, which give lower case).
-/// @return non-zero when `message` is a key press or release.
+/// space, digits and letters, which give lower case) to the end of the calling thread's queue.
+/// @return non-zero when `message` is a key press or release, with a character or without; 0 for any other
+///         message and for null.
 VELQUAD_API BOOL TranslateMessage(const MSG* message);
 
 /// Hands a message to the dispatch handler of the calling thread.
@@ -199,7 +206,8 @@ VELQUAD_API BOOL SetRect(RECT* rect, int left, int top, int right, int bottom);
 /// Copies a rectangle. @return 1, or 0 for a null pointer.
 VELQUAD_API BOOL CopyRect(RECT* destination, const RECT* source);
 
-/// Writes text to the debug sink. A null text is ignored.
+/// Writes text to the debug sink. A null text is ignored. The default sink writes UTF-8, with U+FFFD in place of
+/// what is no character of Unicode.
 VELQUAD_API void OutputDebugStringW(const wchar_t* text);
 
 /// Receives the text of `OutputDebugStringW`, on the thread that wrote it.
