@@ -4,6 +4,7 @@
 #include <Eigen/LU>
 
 #include "transform/matrix4.h"
+#include "velquad/framework.h"
 
 namespace {
 
@@ -25,6 +26,10 @@ bool invert(Rows out, ConstRows in, bool isTransposed) {
             }
         }
         return true;
+    } catch (CException* exception) {
+        // A host of the class framework may report lack of memory this way.
+        exception->Delete();
+        return false;
     } catch (...) {
         return false;
     }
