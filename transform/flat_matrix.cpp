@@ -6,11 +6,11 @@
 
 #include "velquad/transform.h"
 
-namespace {
-
-using namespace velquad::transform;
-
-}  // namespace
+using velquad::transform::fromFlat;
+using velquad::transform::invert;
+using velquad::transform::multiply;
+using velquad::transform::transformPoint;
+using velquad::transform::transformPointTransposed;
 
 int matConvertMatrix16(double (*m)[4], double* flat, int toFlat) {
     if (toFlat != 0) {
@@ -28,7 +28,7 @@ int matMultiplyMatrix16(double* out, double* a, double* b) {
     fromFlat(left, a);
     fromFlat(right, b);
     multiply(product, left, right);
-    toFlat(out, product);
+    velquad::transform::toFlat(out, product);
     return 1;
 }
 
@@ -36,7 +36,7 @@ int matInvertMatrix16(double* out, double* in, int isTransposed) {
     double m[4][4];
     fromFlat(m, in);
     if (!invert(m, m, isTransposed != 0)) return 0;
-    toFlat(out, m);
+    velquad::transform::toFlat(out, m);
     return 1;
 }
 

@@ -32,8 +32,8 @@
 extern "C" {
 
 /// @name Elementary matrices
-/// Each `matCompute...` function overwrites all 16 elements of `m`; the function below it composes the same
-/// matrix onto `m`.
+/// Each `matCompute...` function overwrites all 16 elements of `m`; its partner below composes the same matrix onto
+/// `m`, from the side that `multiplyFromLeft` tells.
 /// @{
 
 /// Stores the identity.
@@ -42,33 +42,39 @@ VELQUAD_API int matLoadIdentityMatrix4(double (*m)[4]);
 /// A rotation about a coordinate axis.
 /// @param axis  0: x, 1: y, any other value: z.
 VELQUAD_API int matComputeRotationMatrix4(double (*m)[4], double angle, int isDegrees, int axis);
+/// Composes it onto `m`.
 VELQUAD_API int matRotateMatrix4(double (*m)[4], double angle, int isDegrees, int axis, int multiplyFromLeft);
 
 /// A shear of the x-y plane that keeps lengths along both axes: the unit vector of x turns to the direction
 /// `angleX`, that of y to the direction `angleY` + 90 degrees.
 VELQUAD_API int matComputeShearMatrix4(double (*m)[4], double angleX, double angleY, int isDegrees);
+/// Composes it onto `m`.
 VELQUAD_API int matShearMatrix4(double (*m)[4], double angleX, double angleY, int isDegrees,
                                 int multiplyFromLeft);
 
 /// A scaling about the origin, one factor an axis.
 VELQUAD_API int matComputeSizeMatrix4(double (*m)[4], double sizeX, double sizeY, double sizeZ);
+/// Composes it onto `m`.
 VELQUAD_API int matSizeMatrix4(double (*m)[4], double sizeX, double sizeY, double sizeZ,
                                int multiplyFromLeft);
 
 /// A translation.
 VELQUAD_API int matComputeTranslationMatrix4(double (*m)[4], double x, double y, double z);
+/// Composes it onto `m`.
 VELQUAD_API int matTranslateMatrix4(double (*m)[4], double x, double y, double z, int multiplyFromLeft);
 
 /// A stretch by `factor` along one direction of the x-y plane; what is perpendicular to it keeps its length. It
 /// undoes a compression along that direction.
 /// @param angle  the direction, from the x axis.
 VELQUAD_API int matComputeDecompressMatrix4(double (*m)[4], double angle, int isDegrees, double factor);
+/// Composes it onto `m`.
 VELQUAD_API int matDecompressMatrix4(double (*m)[4], double angle, int isDegrees, double factor,
                                      int multiplyFromLeft);
 
 /// A rotation by `tilt` about an axis of the x-y plane.
 /// @param direction  the direction of that axis, from the x axis.
 VELQUAD_API int matComputeTiltMatrix4(double (*m)[4], double tilt, double direction, int isDegrees);
+/// Composes it onto `m`.
 VELQUAD_API int matTiltMatrix4(double (*m)[4], double tilt, double direction, int isDegrees,
                                int multiplyFromLeft);
 
@@ -79,12 +85,14 @@ VELQUAD_API int matTiltMatrix4(double (*m)[4], double tilt, double direction, in
 /// @par Source  The projection matrices of the OpenGL utility library.
 VELQUAD_API int matComputePerspectiveMatrix4(double (*m)[4], double fieldOfViewDegrees, double aspect,
                                              double nearPlane, double farPlane);
+/// Composes it onto `m`.
 VELQUAD_API int matPerspectiveMatrix4(double (*m)[4], double fieldOfViewDegrees, double aspect,
                                       double nearPlane, double farPlane, int multiplyFromLeft);
 
 /// A parallel projection of the box left to right, bottom to top, -nearPlane to -farPlane onto -1 to 1.
 VELQUAD_API int matComputeOrthoMatrix4(double (*m)[4], double left, double right, double bottom, double top,
                                        double nearPlane, double farPlane);
+/// Composes it onto `m`.
 VELQUAD_API int matOrthoMatrix4(double (*m)[4], double left, double right, double bottom, double top,
                                 double nearPlane, double farPlane, int multiplyFromLeft);
 
@@ -92,6 +100,7 @@ VELQUAD_API int matOrthoMatrix4(double (*m)[4], double left, double right, doubl
 /// be centred.
 VELQUAD_API int matComputeFrustumMatrix4(double (*m)[4], double left, double right, double bottom, double top,
                                          double nearPlane, double farPlane);
+/// Composes it onto `m`.
 VELQUAD_API int matFrustumMatrix4(double (*m)[4], double left, double right, double bottom, double top,
                                   double nearPlane, double farPlane, int multiplyFromLeft);
 /// @}

@@ -117,8 +117,8 @@ TEST(MatCalcAffinImageSize, NotANumberSetsNoExtent) {
 }
 
 TEST(MatCalcAffinImageSize, CoordinatesBeyondTheInitialExtentDoNotCount) {
-    const Matrix far{{{1, 0, 0, 1e39}, {0, 1, 0, -1e39}, {0, 0, 1, 0}, {0, 0, 0, 1}}};
-    expectExtent(extentOf(3, 2, far), {kLargestFloat, -1e39, 1e39, -kLargestFloat}, 0.0);
+    const Matrix remote{{{1, 0, 0, 1e39}, {0, 1, 0, -1e39}, {0, 0, 1, 0}, {0, 0, 0, 1}}};
+    expectExtent(extentOf(3, 2, remote), {kLargestFloat, -1e39, 1e39, -kLargestFloat}, 0.0);
 }
 
 TEST(MatCalcAffinImageScale, IdentityKeepsTheScale) {

@@ -159,14 +159,14 @@ TEST(MatInvertMatrix4, EqualsEliminationBitForBit) {
     constexpr unsigned kSeed = 56;
     SCOPED_TRACE(testing::Message() << "seed " << kSeed);
     std::mt19937_64 random(kSeed);
-    std::uniform_int_distribution<int> small(-3, 3);
+    std::uniform_int_distribution<int> digit(-3, 3);
     for (int round = 0; round < 4000; ++round) {
         Matrix m = randomRegularMatrix(random);
         if (round % 2 == 1) {
             // Small integers: equal pivots, zeros, now and then a singular matrix.
             for (auto& row : m.m) {
                 for (double& element : row)
-                    element = small(random);
+                    element = digit(random);
             }
         }
         Matrix inverse;
