@@ -1,5 +1,7 @@
 // Cuboids that grow to hold points and other cuboids. Comparisons are strict: a coordinate that is not a number
 // never changes a cuboid that has one.
+#include <initializer_list>
+
 #include "velquad/geometry.h"
 
 namespace {
