@@ -43,8 +43,8 @@ Index sampleRows(const SplineSegmentSet& set, double step) {
 /// segment, which begins with it.
 unsigned int writeSegments(const SplineSegmentSet& set, const double* knots, double step, bool isClosed,
                            double** samples, Index rows, const CurveSink& sink) {
-    double first[3];
-    double* const firstRow = first;
+    double first[3];  // the subspline has no more coordinates
+    double* closing[] = {first};
     for (Index i = 0; i < set.m; ++i) {
         const double h = step < set.len[i] ? step : set.len[i];
         Index lastIndex = -1;
@@ -56,7 +56,6 @@ unsigned int writeSegments(const SplineSegmentSet& set, const double* knots, dou
         const bool isLast = i == set.m - 1;
         const bool missesStart = isLast && isClosed && !isSamePlace(samples[lastIndex], first, set.dimension);
         if (!sink.put(samples, isLast ? lastIndex + 1 : lastIndex, set.dimension)) return kCurveWriteFailed;
-        double* closing[] = {firstRow};
         if (missesStart && !sink.put(closing, 1, set.dimension)) return kCurveWriteFailed;
     }
     return kCurveOk;
@@ -66,8 +65,8 @@ unsigned int writeSegments(const SplineSegmentSet& set, const double* knots, dou
 unsigned int drawSubspline(double** points, Index m, Index dimension, double step, double cornerFactor,
                            const CurveSink& sink) {
     const bool isClosed = isSamePlace(points[0], points[m], dimension);
-    // Half as many points again is the room for rounded corners, in segments.
-    const Index capacity = m + 1 + (m + 1) / 2 - 1;
+    // Segments, with room for the half of all points to be rounded corners.
+    const Index capacity = m + (m + 1) / 2;
     ScratchMemory memory;
     SplineSegmentSet set{};
     set.m = m;

@@ -1,5 +1,5 @@
-// Cuboids that grow to hold points and other cuboids. Comparisons are strict: a coordinate that is not a number
-// never changes a cuboid that has one.
+// Cuboids that grow to hold points and other cuboids. Comparisons are strict, so a coordinate that is not a number
+// widens nothing.
 #include <initializer_list>
 
 #include "velquad/geometry.h"

@@ -89,18 +89,22 @@ template <class Point, class Coordinate>
 constexpr bool areExtentsApart(Coordinate a0, Coordinate a1, Coordinate b0, Coordinate b1) {
     using Traits = SegmentTraits<Point>;
     const Coordinate lowA = a1 < a0 ? a1 : a0;
-    const Coordinate highA = a1 < a0 ? a0 : a1;
+    const Coordinate highA = a1 > a0 ? a1 : a0;
     const Coordinate lowB = b1 < b0 ? b1 : b0;
-    const Coordinate highB = b1 < b0 ? b0 : b1;
-    return Traits::isFarAbove(lowA, highB) || Traits::isFarBelow(highA, lowB);
+    const Coordinate highB = b1 > b0 ? b1 : b0;
+    const bool isAbove = Traits::isFarAbove(lowA, highB);
+    const bool isBelow = Traits::isFarBelow(highA, lowB);
+    return isAbove | isBelow;
 }
 
 /// Tells whether the bounding boxes of two segments are apart. Boxes that touch are not.
 template <class Point>
 constexpr bool areBoxesApart(const Point& a0, const Point& a1, const Point& b0, const Point& b1) {
     using Coordinate = typename frame::PointTraits<Point>::Coordinate;
-    return areExtentsApart<Point, Coordinate>(a0.x, a1.x, b0.x, b1.x) ||
-           areExtentsApart<Point, Coordinate>(a0.y, a1.y, b0.y, b1.y);
+    // All four comparisons at once: which of them rejects a pair is hard to predict, that one does is not.
+    const bool isApartInX = areExtentsApart<Point, Coordinate>(a0.x, a1.x, b0.x, b1.x);
+    const bool isApartInY = areExtentsApart<Point, Coordinate>(a0.y, a1.y, b0.y, b1.y);
+    return isApartInX | isApartInY;
 }
 
 struct SegmentCrossing {

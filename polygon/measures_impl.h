@@ -2,10 +2,12 @@
 #ifndef VELQUAD_POLYGON_MEASURES_IMPL_H
 #define VELQUAD_POLYGON_MEASURES_IMPL_H
 
+#include <cmath>
 #include <limits>
 
 #include "geometry/angle.h"
 #include "geometry/distance.h"
+#include "polygon/far_run_filter.h"
 #include "polygon/point_traits.h"
 #include "velquad/types.h"
 
@@ -37,16 +39,54 @@ class NearestEdge {
         if (!(place_.distance > distance)) return;
         limit_ = foot.distance;
         place_ = {distance, foot.closest, index, foot.parameter};
+        reach_ = smaller(reach_, isSquared_ ? std::sqrt(distance) : distance);
     }
+
+    /// Takes notice that some edge has this foot, without keeping it.
+    void expect(const geometry::SegmentFoot& foot) { reach_ = smaller(reach_, foot.distance); }
+
+    /// No edge farther away than this can be the nearest one.
+    double reach() const { return reach_; }
 
     const NearestPlace& place() const { return place_; }
 
   private:
     const Point test_;
     const bool isSquared_;
+    static double smaller(double a, double b) { return b < a ? b : a; }
+
     double limit_;  ///< The square of the smallest distance so far.
+    double reach_ = kNoValue;
     NearestPlace place_;
 };
+
+/// Shows `nearest` the edges between points[0] and points[count - 1] in order, without runs that lie too far away.
+template <class Point>
+void visitChain(const Point* points, DWORD count, const Point& test, NearestEdge<Point>& nearest) {
+    using Filter = FarRunFilter<Point>;
+    const Filter filter(test);
+    const DWORD edges = count - 1;
+    DWORD i = 0;
+    if (filter.isEnabled() && edges >= Filter::kRun) {
+        // The edge behind the nearest of some points tells early how far is too far.
+        DWORD sample = 0;
+        for (DWORD k = 0; edges - k > Filter::kRun;) {
+            k += Filter::kRun;
+            if (geometry::distanceSquared(points[k], test) <
+                geometry::distanceSquared(points[sample], test)) {
+                sample = k;
+            }
+        }
+        nearest.expect(geometry::footOnSegment(points[sample], points[sample + 1], test));
+        for (; edges - i >= Filter::kRun; i += Filter::kRun) {
+            if (filter.isFarther(points + i, nearest.reach())) continue;
+            for (DWORD k = i; k < i + Filter::kRun; ++k)
+                nearest.visit(points[k], points[k + 1], k);
+        }
+    }
+    for (; i < edges; ++i)
+        nearest.visit(points[i], points[i + 1], i);
+}
 
 /// See `polyCalcDistance` and `poly2dCalcDistance`.
 template <class Point>
@@ -57,8 +97,7 @@ NearestPlace nearestPlace(const Point* points, DWORD count, bool closed, const P
     if (count == 1)
         return {geometry::distance(first, test, isSquared), geometry::toDoublePoint(first), 0, 0.0};
     NearestEdge<Point> nearest(test, isSquared);
-    for (DWORD i = 0; i + 1 < count; ++i)
-        nearest.visit(points[i], points[i + 1], i);
+    visitChain(points, count, test, nearest);
     // Kept: exact equality for all kinds of points, also where the family tells points apart with a tolerance.
     const bool isClosingPointStored = first.x == last.x && first.y == last.y;
     if (closed && !isClosingPointStored) nearest.visit(last, first, count - 1);

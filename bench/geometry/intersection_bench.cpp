@@ -2,6 +2,7 @@
 // the exported ones, and the answer alone next to the whole result.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <random>
@@ -14,7 +15,9 @@ namespace {
 
 using velquad::geometry::crossLines;
 using velquad::geometry::crossSegments;
+using velquad::geometry::crossSegmentsInTouchingBoxes;
 using velquad::geometry::SegmentCrossing;
+using velquad::geometry::SegmentTraits;
 
 /// Consecutive fours are a pair of segments.
 template <class Point>
@@ -53,6 +56,31 @@ void answerOfSegments(benchmark::State& state) {
         int contacts = 0;
         for (std::size_t i = 0; i < 4 * count; i += 4) {
             contacts += crossSegments(p[i], p[i + 1], p[i + 2], p[i + 3]) ? 1 : 0;
+        }
+        benchmark::DoNotOptimize(contacts);
+    }
+    setItems(state);
+}
+
+/// The plain box test, which leaves at the first comparison that rejects a pair.
+template <class Point>
+bool crossSegmentsPlain(const Point& a0, const Point& a1, const Point& b0, const Point& b1) {
+    using Traits = SegmentTraits<Point>;
+    if (Traits::isFarAbove(std::min(a0.x, a1.x), std::max(b0.x, b1.x))) return false;
+    if (Traits::isFarAbove(std::min(a0.y, a1.y), std::max(b0.y, b1.y))) return false;
+    if (Traits::isFarBelow(std::max(a0.x, a1.x), std::min(b0.x, b1.x))) return false;
+    if (Traits::isFarBelow(std::max(a0.y, a1.y), std::min(b0.y, b1.y))) return false;
+    return crossSegmentsInTouchingBoxes(a0, a1, b0, b1, static_cast<SegmentCrossing*>(nullptr));
+}
+
+template <class Point, int kExtent>
+void plainAnswerOfSegments(benchmark::State& state) {
+    const auto count = static_cast<std::size_t>(state.range(0));
+    const std::vector<Point> p = makePairs<Point>(count, kExtent, kLength);
+    for (auto _ : state) {
+        int contacts = 0;
+        for (std::size_t i = 0; i < 4 * count; i += 4) {
+            contacts += crossSegmentsPlain(p[i], p[i + 1], p[i + 2], p[i + 3]) ? 1 : 0;
         }
         benchmark::DoNotOptimize(contacts);
     }
@@ -131,12 +159,16 @@ void lineAndEllipse(benchmark::State& state) {
 }
 
 #define VELQUAD_SIZES Arg(64)->Arg(1024)->Arg(65536)
+BENCHMARK(plainAnswerOfSegments<tagPOINT, kSparseExtent>)->VELQUAD_SIZES;
 BENCHMARK(answerOfSegments<tagPOINT, kSparseExtent>)->VELQUAD_SIZES;
+BENCHMARK(plainAnswerOfSegments<tagPOINT, kDenseExtent>)->VELQUAD_SIZES;
 BENCHMARK(answerOfSegments<tagPOINT, kDenseExtent>)->VELQUAD_SIZES;
 BENCHMARK(resultOfSegments<tagPOINT, kDenseExtent>)->VELQUAD_SIZES;
 BENCHMARK(exportOfSegments<tagPOINT, kSparseExtent>)->VELQUAD_SIZES;
 BENCHMARK(exportOfSegments<tagPOINT, kDenseExtent>)->VELQUAD_SIZES;
+BENCHMARK(plainAnswerOfSegments<tagPOINT2D, kSparseExtent>)->VELQUAD_SIZES;
 BENCHMARK(answerOfSegments<tagPOINT2D, kSparseExtent>)->VELQUAD_SIZES;
+BENCHMARK(plainAnswerOfSegments<tagPOINT2D, kDenseExtent>)->VELQUAD_SIZES;
 BENCHMARK(answerOfSegments<tagPOINT2D, kDenseExtent>)->VELQUAD_SIZES;
 BENCHMARK(resultOfSegments<tagPOINT2D, kDenseExtent>)->VELQUAD_SIZES;
 BENCHMARK(exportOfSegments<tagPOINT2D, kDenseExtent>)->VELQUAD_SIZES;

@@ -4,10 +4,10 @@
 /// Two curves are offered, each in a general form, which reads and writes points through callbacks, and in a form
 /// for polygon handles:
 ///
-/// | curve                    | points                | general form            | polygons                     |
-/// | ------------------------ | --------------------- | ----------------------- | ---------------------------- |
-/// | interpolating (Renner)   | lie on the curve      | `matInterpolatingCurve` | `polyCalcInterpolatingCurve` |
-/// | fitting (uniform B-spline)| are control points   | `matFittingCurve`       | `polyCalcFittingCurve`       |
+/// | curve                      | points             | general form            | polygons                     |
+/// | -------------------------- | ------------------ | ----------------------- | ---------------------------- |
+/// | interpolating (Renner)     | lie on the curve   | `matInterpolatingCurve` | `polyCalcInterpolatingCurve` |
+/// | fitting (uniform B-spline) | are control points | `matFittingCurve`       | `polyCalcFittingCurve`       |
 ///
 /// **Closed or open.** A point set is closed when its first and last point agree within 1e-7 in each of the first
 /// two coordinates (three from dimension 3 up). A closed curve is smooth across its start.
@@ -105,7 +105,8 @@ VELQUAD_API unsigned int matFittingCurve(unsigned int count, MatCurveReadCallbac
                                          unsigned int dimension, double step, int order);
 
 /// Draws the curve of `matInterpolatingCurve` through the points of a polygon. Samples are cut towards zero to
-/// pixels, and runs of equal pixels are stored once.
+/// pixels, and runs of equal pixels are stored once. The curve of a closed polygon ends within 1e-7 of its start,
+/// which after the cut can be the neighbouring pixel.
 /// @param polygon  handle of a polygon, which is only read. Its lock count falls by one: a lock that the caller
 ///                 holds on it is taken away.
 /// @param error    receives the result code of the curve; 7 when the polygon cannot be locked. May be null.

@@ -9,6 +9,7 @@
 #include "velquad/geometry.h"
 #include "velquad/platform.h"
 #include "velquad/polygon.h"
+#include "velquad/transform.h"
 #include "velquad/types.h"
 
 #endif  // VELQUAD_VELQUAD_H

@@ -284,6 +284,34 @@ TEST(MatInterpolatingCurve, CoordinatesThatAreNotNumbersEndInACode) {
     EXPECT_EQ(Curve(kLine, nan).sink.samples, kLine) << "a step that is not a number gives the points";
 }
 
+TEST(MatInterpolatingCurve, AnyPointsEndInACodeOrInSamples) {
+    const double infinity = std::numeric_limits<double>::infinity();
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double coordinates[] = {0.0,   -0.0,   1.0,   -1.0,   5.0, 7.5,
+                                  1e-16, 1e-300, 1e300, -1e160, nan, infinity};
+    const double steps[] = {0.5, 0.02, 1e9, 1e200, nan, infinity};
+    const double factors[] = {0.0, 0.5, 1e-17, 0.9999999999999999, nan};
+    std::size_t drawn = 0;
+    for (unsigned seed = 1; seed <= 3000; ++seed) {
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        std::mt19937 random(seed);
+        const std::size_t kinds = seed % 2 == 0 ? 12 : 6;
+        Rows points(5 + random() % 6, std::vector<double>(2 + random() % 2));
+        for (auto& point : points) {
+            for (double& x : point)
+                x = coordinates[random() % kinds];
+        }
+        const Curve curve(points, steps[random() % 6], factors[random() % 5]);
+        const unsigned int code = curve.code;
+        ASSERT_TRUE(code == 0 || code == 5 || code == 7 || code == 10) << code;
+        if (code != 0) continue;
+        ++drawn;
+        ASSERT_GE(curve.sink.batches.size(), points.size() - 1);
+        ASSERT_EQ(curve.sink.samples.front().size(), points[0].size());
+    }
+    EXPECT_GT(drawn, 100u);
+}
+
 TEST(MatInterpolatingCurve, ReportsEveryFailingAllocation) {
     const auto read = [](double** rows, unsigned int maximal, unsigned int, void*, void*) {
         for (unsigned int i = 0; i < maximal; ++i)

@@ -222,6 +222,35 @@ TEST(RennerCoefficients, FullRowsGiveCodeFour) {
     EXPECT_EQ(Renner(kSquareSeamOnSide, 0.0, 0).code, 0);
 }
 
+TEST(RennerCoefficients, AKinkOfEpsilonIsACorner) {
+    const auto pointsAfter = [](double turn) {
+        return Renner({{0, 0}, {1, 0}, {2, 0}, {3, turn}, {4, 2 * turn}}, 0.5).points().size();
+    };
+    const double epsilon = 2.220446049250313e-16;
+    EXPECT_EQ(pointsAfter(epsilon), 6u);
+    EXPECT_EQ(pointsAfter(std::nextafter(epsilon, 0.0)), 5u);
+}
+
+TEST(RennerCoefficients, ATurnOfEpsilonBesideACornerEndsTheStraightRun) {
+    const auto pointsAfter = [](double turn) {
+        return Renner({{-2, 0}, {-1, 0}, {0, 0}, {0, 1}, {turn, 2}, {2 * turn, 3}}, 0.5).points().size();
+    };
+    const double epsilon = 2.220446049250313e-16;
+    EXPECT_EQ(pointsAfter(epsilon), 6u);
+    EXPECT_EQ(pointsAfter(std::nextafter(epsilon, 0.0)), 7u);
+}
+
+TEST(RennerCoefficients, AGapOfEpsilonBetweenTheEndsMakesTheCurveOpen) {
+    const auto pointsAfter = [](double gap) {
+        Rows points = kSquareSeamOnCorner;
+        points.back()[0] = gap;
+        return Renner(points, 0.5).points().size();
+    };
+    const double epsilon = 2.220446049250313e-16;
+    EXPECT_EQ(pointsAfter(epsilon), 16u) << "three inner corners";
+    EXPECT_EQ(pointsAfter(std::nextafter(epsilon, 0.0)), 17u) << "the seam is one as well";
+}
+
 Rows randomPoints(std::mt19937& random, std::size_t dimension, bool isClosed) {
     std::uniform_real_distribution<double> real(-50.0, 50.0);
     Rows points;

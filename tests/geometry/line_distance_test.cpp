@@ -73,8 +73,8 @@ TEST(MatCalcDistanceToLine2D, TakesAPointForALineWithoutLength) {
     expectFoot(line(tagPOINT2D{2.0, 3.0}, {2.0, 3.0}, {5.0, 7.0}), 5.0, 2.0, 3.0, 0.0);
     const double below = std::nextafter(1e-40, 0.0);
     expectFoot(line(tagPOINT2D{0.0, 0.0}, {below, below}, {1.0, 0.0}), 1.0, 0.0, 0.0, 0.0);
-    EXPECT_EQ(line(tagPOINT2D{0.0, 0.0}, {1e-40, 0.0}, {1.0, 0.0}).parameter, 1e40);
-    EXPECT_EQ(line(tagPOINT2D{0.0, 0.0}, {0.0, 1e-40}, {0.0, 1.0}).parameter, 1e40);
+    EXPECT_DOUBLE_EQ(line(tagPOINT2D{0.0, 0.0}, {1e-40, 0.0}, {1.0, 0.0}).parameter, 1e40);
+    EXPECT_DOUBLE_EQ(line(tagPOINT2D{0.0, 0.0}, {0.0, 1e-40}, {0.0, 1.0}).parameter, 1e40);
 }
 
 TEST(MatCalcDistanceToLine2D, FailsWhenRoundingSwallowsThePerpendicular) {
@@ -152,22 +152,24 @@ TEST(MatCalcDistanceToLine2L, WrapsDifferencesAtTheEndsOfTheRange) {
     EXPECT_EQ(foot.distance, 5.0);
 }
 
-TEST(MatCalcDistanceToLine2L, AgreesWithTheLiteralSteps) {
+TEST(MatCalcDistanceToLine2L, AgreesWithTheReference) {
     std::mt19937 random(4108);
     int failed = 0;
     for (int i = 0; i < 30000; ++i) {
+        // Full 32 bits, moderate outlines, and lines whose squared length is 0 in 32 bits.
         const auto draw = [&] {
             const int value = static_cast<int>(random());
             return i % 3 == 0 ? value : i % 3 == 1 ? value % 8000 : (value % 3) * 65536;
         };
         const tagPOINT a{draw(), draw()};
         const tagPOINT b{draw(), draw()};
-        const tagPOINT point{draw(), draw()};
+        const tagPOINT point{i % 3 == 2 ? draw() + i % 5 : draw(), draw()};
         SCOPED_TRACE(testing::Message() << i << ": " << a.x << " " << a.y << " " << b.x << " " << b.y << " "
                                         << point.x << " " << point.y);
         const Foot<tagPOINT2D> foot = line(a, b, point, 1);
         if (a.x == b.x && a.y == b.y) {
             ASSERT_EQ(foot.parameter, 0.0);
+            ASSERT_EQ(foot.distance, matCalcDist(&a, &point, 1));
             continue;
         }
         using velquad::test::cut;
@@ -189,7 +191,8 @@ TEST(MatCalcDistanceToLine2L, AgreesWithTheLiteralSteps) {
         const double dy = crossing.y - static_cast<double>(point.y);
         ASSERT_EQ(bits(foot.distance), bits(dy * dy + dx * dx));
     }
-    EXPECT_EQ(failed, 0) << "differences of 65536 have both determinants 0 and count as one line";
+    EXPECT_GT(failed, 0);
+    EXPECT_LT(failed, 10000);
 }
 
 TEST(MatCalcDistanceToLine3D, NeverClamps) {
@@ -209,6 +212,15 @@ TEST(MatCalcDistanceToLine3D, TakesAPointForALineWithoutLength) {
     EXPECT_EQ(line(tagPOINT3D{0, 0, 0}, {0, 0, 1e-40}, {0, 0, 1}).parameter, 1e40);
 }
 
+TEST(MatCalcDistanceToLine3D, FailsWhenThePerpendicularMissesTheLine) {
+    // At coordinates this large the two lines miss each other by more than 1e-7 through rounding alone.
+    const tagPOINT3D a{-173657335, 359484065, -686572767};
+    const tagPOINT3D b{186628643, -852099747, -945071610};
+    for (const int isSquared : {0, 1}) {
+        expectFoot(line(a, b, {10063029, -587682879, 694704236}, isSquared), kSentinel, {-77, -77, -77}, -77);
+    }
+}
+
 TEST(MatCalcDistanceToLine3D, TakesAPointWithinToleranceForAPointOfTheLine) {
     // The product of the directions is as long as the point is far.
     const Foot<tagPOINT3D> on = line(tagPOINT3D{0, 0, 0}, {1, 0, 0}, {0.25, std::nextafter(1e-7, 0.0), 0});
@@ -219,13 +231,15 @@ TEST(MatCalcDistanceToLine3D, TakesAPointWithinToleranceForAPointOfTheLine) {
     EXPECT_EQ(off.parameter, 0.25);
 }
 
-TEST(MatCalcDistanceToLine3D, AgreesWithTheLiteralSteps) {
+TEST(MatCalcDistanceToLine3D, AgreesWithTheReference) {
     std::mt19937 random(4109);
+    // Whole numbers meet the line often; the largest numbers miss it by rounding.
+    const double ranges[4] = {3.0, 50.0, 1e5, 1e9};
     int missed = 0;
     for (int i = 0; i < 30000; ++i) {
-        const double range = i % 3 == 0 ? 3.0 : i % 3 == 1 ? 50.0 : 1e5;
+        const double range = ranges[i % 4];
         std::uniform_real_distribution<double> coordinates(-range, range);
-        const auto draw = [&] { return i % 3 == 0 ? std::trunc(coordinates(random)) : coordinates(random); };
+        const auto draw = [&] { return i % 4 == 0 ? std::trunc(coordinates(random)) : coordinates(random); };
         const tagPOINT3D a{draw(), draw(), draw()};
         const tagPOINT3D b{draw(), draw(), draw()};
         const tagPOINT3D point{draw(), draw(), draw()};

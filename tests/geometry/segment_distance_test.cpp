@@ -145,7 +145,7 @@ TEST(MatCalcDistanceToSegment2D, AllowsTheFootToOverwriteThePoint) {
     EXPECT_EQ(point.y, 0.0);
 }
 
-TEST(MatCalcDistanceToSegment2D, AgreesWithTheLiteralSteps) {
+TEST(MatCalcDistanceToSegment2D, AgreesWithTheReference) {
     std::mt19937 random(4102);
     for (int i = 0; i < 60000; ++i) {
         // Whole numbers of a small range meet the ends and degenerate segments often.
@@ -264,7 +264,7 @@ TEST(MatCalcDistanceToSegment2L, AgreesWithWideIntegersWhereNothingWraps) {
     }
 }
 
-TEST(MatCalcDistanceToSegment2L, WrapsLikeTheLiteralSteps) {
+TEST(MatCalcDistanceToSegment2L, WrapsLikeTheReference) {
     std::mt19937 random(4105);
     for (int i = 0; i < 60000; ++i) {
         // Full 32 bits, the ends of the range, and small outlines.
@@ -331,7 +331,13 @@ TEST(MatCalcDistanceToSegment3D, MovesAFootWithinRoundingToTheEnd) {
 }
 
 TEST(MatCalcDistanceToSegment3D, FailsWhenThePerpendicularMissesTheLine) {
-    FAIL();
+    // At coordinates this large the two lines miss each other by more than 1e-7 through rounding alone.
+    const tagPOINT3D a{-173657335, 359484065, -686572767};
+    const tagPOINT3D b{186628643, -852099747, -945071610};
+    for (const int isSquared : {0, 1}) {
+        expectFoot(segment(a, b, {10063029, -587682879, 694704236}, isSquared), kSentinel, {-77, -77, -77},
+                   -77);
+    }
 }
 
 TEST(MatCalcDistanceToSegment3D, TakesNullOutputs) {
@@ -342,13 +348,15 @@ TEST(MatCalcDistanceToSegment3D, TakesNullOutputs) {
     EXPECT_EQ(matCalcDistanceToSegment3D(&a, &b, &point, 1, nullptr, nullptr), 25.0);
 }
 
-TEST(MatCalcDistanceToSegment3D, AgreesWithTheLiteralSteps) {
+TEST(MatCalcDistanceToSegment3D, AgreesWithTheReference) {
     std::mt19937 random(4106);
+    // Whole numbers meet lines and ends often; the largest numbers miss the line by rounding.
+    const double ranges[4] = {3.0, 50.0, 1e5, 1e9};
     int missed = 0;
     for (int i = 0; i < 60000; ++i) {
-        const double range = i % 3 == 0 ? 3.0 : i % 3 == 1 ? 50.0 : 1e5;
+        const double range = ranges[i % 4];
         std::uniform_real_distribution<double> coordinates(-range, range);
-        const auto draw = [&] { return i % 3 == 0 ? std::trunc(coordinates(random)) : coordinates(random); };
+        const auto draw = [&] { return i % 4 == 0 ? std::trunc(coordinates(random)) : coordinates(random); };
         const tagPOINT3D a{draw(), draw(), draw()};
         const tagPOINT3D b{draw(), draw(), draw()};
         const tagPOINT3D point{draw(), draw(), draw()};

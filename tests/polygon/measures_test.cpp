@@ -151,6 +151,7 @@ TEST(PolyCalcDistance, MatchesTheReference) {
 TEST(PolyCalcDistance, MatchesTheReferenceWhereProductsWrapAround) {
     expectReferenceDistance(11, 20000, 4, 16383, 4, -16384, 80);
     expectReferenceDistance(12, 20000, 5, 40000, 3, 0, 80);
+    expectReferenceDistance(15, 20000, 3, 32000, 700, -32000, 80);
     expectReferenceDistance(13, 20000, 4, 1 << 30, 9, INT_MIN, 40);
     expectReferenceDistance(14, 20000, 100, 1, 1, INT_MAX - 50, 40);
 }

@@ -1,4 +1,4 @@
-// Slow, literal versions of the distances, for randomised comparison. Integers are computed in 64 bits and cut to
+// Slow, plain versions of the distances, for randomised comparison. Integers are computed in 64 bits and cut to
 // 32 bits after every operation.
 #ifndef VELQUAD_TESTS_SUPPORT_DISTANCE_REFERENCE_H
 #define VELQUAD_TESTS_SUPPORT_DISTANCE_REFERENCE_H
