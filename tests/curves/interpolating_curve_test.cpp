@@ -339,6 +339,11 @@ TEST(MatInterpolatingCurve, AnExceptionOfACallbackPassesAndNothingIsLost) {
             rows[i][0] = 10.0 * i;
         return maximal;
     };
+    // The first exception of a thread takes memory that the run-time library keeps.
+    try {
+        throwingRead(nullptr, 0, 0, nullptr, nullptr);
+    } catch (const std::runtime_error&) {
+    }
     const std::ptrdiff_t before = velquad::test::liveAllocations();
     EXPECT_THROW(matInterpolatingCurve(5, throwingRead, throwingWrite, nullptr, nullptr, 2, 1.0, 0.5),
                  std::runtime_error);
