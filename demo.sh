@@ -62,6 +62,7 @@ installMissingTools() {
     command -v ninja >/dev/null || missing+=(ninja-build)
     command -v pkg-config >/dev/null || missing+=(pkg-config)
     pkg-config --exists libpng 2>/dev/null || missing+=(libpng-dev)
+    pkg-config --exists eigen3 2>/dev/null || missing+=(libeigen3-dev)
     [ "${#missing[@]}" -gt 0 ] || return 0
     if ! command -v apt-get >/dev/null; then
         say "demo: please install what these packages hold: ${missing[*]}" >&2

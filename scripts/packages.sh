@@ -19,4 +19,4 @@ ensure_packages() {
 }
 
 # What every build needs.
-build_packages=(g++ cmake ninja-build binutils)
+build_packages=(g++ cmake ninja-build binutils libeigen3-dev)
