@@ -1,10 +1,15 @@
 # Compares the dynamic symbols of the module with the list of exports, in both directions and kind by kind.
-#   cmake -DMODULE=<file> -DNM=<nm> -DCXXFILT=<c++filt> -DMANIFEST=<list> [-DSYSTEM=windows] -P check_exports.cmake
+#   cmake -DMODULE=<file> -DNM=<nm> -DCXXFILT=<c++filt> -DMANIFEST=<list> -P check_exports.cmake
+#   cmake -DMODULE=<file> -DOBJDUMP=<objdump> -DCXXFILT=<c++filt> -DMANIFEST=<list> -DSYSTEM=windows -P ...
 #
 # A line of the list: kind, header, name. `plain` names stand in the symbol table as they are; `decorated` names
 # are C++ and compared as the demangler prints them. Rows of the header `platform` hold where the system has no
-# such functions itself.
-foreach(variable MODULE NM CXXFILT MANIFEST)
+# such functions itself: not on Windows.
+set(reader NM)
+if(SYSTEM STREQUAL "windows")
+    set(reader OBJDUMP)
+endif()
+foreach(variable MODULE ${reader} CXXFILT MANIFEST)
     if(NOT DEFINED ${variable})
         message(FATAL_ERROR "${variable} is missing")
     endif()
@@ -14,10 +19,28 @@ set(expected "")
 file(STRINGS ${MANIFEST} rows REGEX "^(plain|decorated)\t")
 foreach(row IN LISTS rows)
     string(REGEX MATCH "^([a-z]+)\t([a-z]+)\t(.*)$" matched "${row}")
+    if(SYSTEM STREQUAL "windows")
+        # Names of types, and the types of pointers to classes, stay in the object files that use them there.
+        if(CMAKE_MATCH_2 STREQUAL "platform" OR CMAKE_MATCH_3 MATCHES "^typeinfo name for |^typeinfo for .*[*]$")
+            continue()
+        endif()
+    endif()
     list(APPEND expected "${CMAKE_MATCH_1} ${CMAKE_MATCH_3}")
 endforeach()
 
-execute_process(COMMAND ${NM} -D --defined-only --format=posix ${MODULE} OUTPUT_VARIABLE table COMMAND_ERROR_IS_FATAL ANY)
+# Lines of nm's portable format, a name and its kind. In the table of a DLL a name stands behind its ordinal, in
+# the one that follows the addresses; that it is a function can be seen from its section only, so all are T.
+if(SYSTEM STREQUAL "windows")
+    execute_process(COMMAND ${OBJDUMP} -p ${MODULE} OUTPUT_VARIABLE table COMMAND_ERROR_IS_FATAL ANY)
+    if(NOT table MATCHES "\\[Ordinal/Name Pointer\\] Table[^\n]*\n(.*)")
+        message(FATAL_ERROR "${MODULE} has no table of exported names")
+    endif()
+    string(REGEX MATCHALL "\n?\t\\[ *[0-9]+\\][^\n]*" table "${CMAKE_MATCH_1}")
+    list(TRANSFORM table REPLACE "^.* ([^ \n]+)$" "\\1 T")
+    list(JOIN table "\n" table)
+else()
+    execute_process(COMMAND ${NM} -D --defined-only --format=posix ${MODULE} OUTPUT_VARIABLE table COMMAND_ERROR_IS_FATAL ANY)
+endif()
 string(REPLACE "\n" ";" lines "${table}")
 set(actual "")
 foreach(line IN LISTS lines)
