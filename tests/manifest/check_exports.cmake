@@ -19,13 +19,16 @@ set(expected "")
 file(STRINGS ${MANIFEST} rows REGEX "^(plain|decorated)\t")
 foreach(row IN LISTS rows)
     string(REGEX MATCH "^([a-z]+)\t([a-z]+)\t(.*)$" matched "${row}")
+    set(kind ${CMAKE_MATCH_1})
+    set(header ${CMAKE_MATCH_2})
+    set(name "${CMAKE_MATCH_3}")
     if(SYSTEM STREQUAL "windows")
         # Names of types, and the types of pointers to classes, stay in the object files that use them there.
-        if(CMAKE_MATCH_2 STREQUAL "platform" OR CMAKE_MATCH_3 MATCHES "^typeinfo name for |^typeinfo for .*[*]$")
+        if(header STREQUAL "platform" OR name MATCHES "^typeinfo name for |^typeinfo for .*[*]$")
             continue()
         endif()
     endif()
-    list(APPEND expected "${CMAKE_MATCH_1} ${CMAKE_MATCH_3}")
+    list(APPEND expected "${kind} ${name}")
 endforeach()
 
 # Lines of nm's portable format, a name and its kind. In the table of a DLL a name stands behind its ordinal, in

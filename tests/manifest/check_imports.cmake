@@ -1,5 +1,6 @@
 # The DLL loads where nothing but Windows is installed: it names no other DLL than those of the system.
 #   cmake -DMODULE=<file> -DOBJDUMP=<objdump> -P check_imports.cmake
+cmake_minimum_required(VERSION 3.25)
 set(system KERNEL32.dll USER32.dll msvcrt.dll)
 
 execute_process(COMMAND ${OBJDUMP} -p ${MODULE} OUTPUT_VARIABLE table COMMAND_ERROR_IS_FATAL ANY)
