@@ -1,0 +1,379 @@
+// Prints one hash for each family: of the bits of all results over a fixed random workload. Only functions that use
+// nothing but arithmetic, square roots and comparisons take part, so every system prints the same lines.
+//
+// No expression draws two random numbers or changes the same thing twice, as compilers may take them in either order.
+// The random numbers are the file's own, as those of the C++ library may differ between systems. Every
+// not-a-number counts as the same value; its sign and payload are not promised.
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <vector>
+
+#include "velquad/velquad.h"
+
+namespace {
+
+constexpr int kRounds = 4000;
+
+class Digest {
+  public:
+    void add(std::uint64_t bits) {
+        // FNV-1a, byte by byte.
+        for (int shift = 0; shift < 64; shift += 8)
+            state_ = (state_ ^ ((bits >> shift) & 0xFF)) * 0x100000001B3U;
+    }
+    void add(double value) {
+        constexpr std::uint64_t kNotANumber = 0x7FF8000000000000U;
+        std::uint64_t bits = 0;
+        std::memcpy(&bits, &value, sizeof bits);
+        add(value == value ? bits : kNotANumber);
+    }
+    void add(int value) { add(static_cast<std::uint64_t>(value)); }
+    void add(bool value) { add(value ? 1 : 0); }
+    void add(DWORD value) { add(static_cast<std::uint64_t>(value)); }
+    void add(const tagPOINT& p) {
+        add(static_cast<int>(p.x));
+        add(static_cast<int>(p.y));
+    }
+    void add(const tagPOINT2D& p) {
+        add(p.x);
+        add(p.y);
+    }
+    void add(const tagPOINT3D& p) {
+        add(p.x);
+        add(p.y);
+        add(p.z);
+    }
+    template <std::size_t Count>
+    void add(const double (&values)[Count]) {
+        for (const double value : values)
+            add(value);
+    }
+    void add(const double (&m)[4][4]) {
+        for (const auto& row : m)
+            add(row);
+    }
+    template <class First, class Second, class... More>
+    void add(const First& first, const Second& second, const More&... more) {
+        add(first);
+        add(second);
+        (add(more), ...);
+    }
+    void addPolygon(HGLOBAL handle) {
+        const auto* record = static_cast<const tagPOLY*>(GlobalLock(handle));
+        add(record != nullptr);
+        if (record == nullptr) return;
+        add(record->count);
+        for (DWORD i = 0; i < record->count; ++i)
+            add(record->points[i]);
+        GlobalUnlock(handle);
+    }
+    std::uint64_t value() const { return state_; }
+
+  private:
+    std::uint64_t state_ = 0xCBF29CE484222325U;
+};
+
+// SplitMix64 (G. L. Steele, D. Lea, C. H. Flood, 2014).
+class Random {
+  public:
+    explicit Random(std::uint64_t seed) : state_(seed) {}
+    std::uint64_t bits() {
+        std::uint64_t z = (state_ += 0x9E3779B97F4A7C15U);
+        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9U;
+        z = (z ^ (z >> 27)) * 0x94D049BB133111EBU;
+        return z ^ (z >> 31);
+    }
+    /// Mostly small numbers, so that points meet and lines are parallel now and then; sometimes any 32 bits.
+    int integer() {
+        const std::uint64_t value = bits();
+        if (value % 64 == 0) return static_cast<int>(static_cast<std::uint32_t>(value >> 32));
+        return static_cast<int>((value >> 32) % 41) - 20;
+    }
+    int below(int limit) { return static_cast<int>(bits() % static_cast<std::uint64_t>(limit)); }
+    double real() {
+        const std::uint64_t value = bits();
+        if (value % 8 == 0) return static_cast<double>((value >> 32) % 9) - 4.0;
+        return (static_cast<double>(value >> 11) * 0x1p-53 - 0.5) * 200.0;
+    }
+    tagPOINT pixel() {
+        const int x = integer();
+        return {x, integer()};
+    }
+    tagPOINT2D point() {
+        const double x = real();
+        return {x, real()};
+    }
+    tagPOINT3D point3() {
+        const double x = real();
+        const double y = real();
+        return {x, y, real()};
+    }
+    void fill(double (&m)[4][4]) {
+        for (auto& row : m)
+            for (double& value : row)
+                value = real();
+    }
+
+  private:
+    std::uint64_t state_;
+};
+
+void digestFrame(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds; ++round) {
+        const tagPOINT a = random.pixel(), b = random.pixel(), c = random.pixel();
+        digest.add(matSamePoint(&a, &b), matSameVector2L(&a, &b), matIsCCW(&a, &b, &c));
+        const tagPOINT2D p = random.point(), q = random.point(), r = random.point();
+        digest.add(matSameVector2D(&p, &q), matDetIsZero2D(&p, &q, &r), matIsCCW2D(&p, &q, &r));
+        const tagPOINT3D s = random.point3(), t = random.point3(), u = random.point3();
+        double product[3] = {};
+        tagPOINT3D normal{};
+        digest.add(matCalcOrthogonal(product, &s, &t, &u), product);
+        digest.add(matCalcNormal(&normal, &s, &t, &u), normal, matSameVector3D(&s, &t));
+        tagPOINT2D flat = p;
+        tagPOINT3D solid = s;
+        digest.add(matNormalizeVector2D(&flat), flat, matNormalizeVector3D(&solid), solid);
+    }
+}
+
+void digestDistances(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds; ++round) {
+        const int isSquared = random.below(2);
+        const tagPOINT a = random.pixel(), b = random.pixel(), c = random.pixel();
+        tagPOINT2D closest{};
+        double parameter = 0.0;
+        digest.add(matCalcDist(&a, &b, isSquared), matCalcPixelScaledDist(&a, &b, 0.75, 1.25, isSquared));
+        digest.add(matCalcDistanceToSegment2L(&a, &b, &c, isSquared, &closest, &parameter), closest,
+                   parameter);
+        digest.add(matCalcDistanceToLine2L(&a, &b, &c, isSquared, &closest, &parameter), closest, parameter);
+        const tagPOINT2D p = random.point(), q = random.point(), r = random.point();
+        digest.add(matCalcDist2D(&p, &q, isSquared), matGetScaleFactor2D(&p, &q, &r),
+                   matGetScaleFactor2L(&a, &b, &r), matGetScaleFactor2LL(&a, &b, &c));
+        digest.add(matCalcDistanceToSegment2D(&p, &q, &r, isSquared, &closest, &parameter), closest,
+                   parameter);
+        digest.add(matCalcDistanceToLine2D(&p, &q, &r, isSquared, &closest, &parameter), closest, parameter);
+        const tagPOINT3D s = random.point3(), t = random.point3(), u = random.point3(), v = random.point3();
+        tagPOINT3D foot{};
+        digest.add(matCalcDist3D(&s, &t, isSquared), matGetScaleFactor3D(&s, &t, &u));
+        digest.add(matCalcDistanceToSegment3D(&s, &t, &u, isSquared, &foot, &parameter), foot, parameter);
+        digest.add(matCalcDistanceToLine3D(&s, &t, &u, isSquared, &foot, &parameter), foot, parameter);
+        digest.add(matCalcDistanceToPlane(&s, &t, &u, &foot, isSquared), foot);
+        digest.add(matCalcDirectedDistanceToPlane(&s, &t, &u, &v, &foot, isSquared), foot);
+    }
+}
+
+void digestCrossings(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds; ++round) {
+        tagPOINT2D point{};
+        double first = 0.0, second = 0.0;
+        int isParallel = 0;
+        const tagPOINT a = random.pixel(), b = random.pixel(), c = random.pixel(), d = random.pixel();
+        digest.add(matIntersectLines2L(&a, &b, &c, &d, &point, &first, &second, &isParallel), point, first,
+                   second);
+        digest.add(matIntersectSegments2L(&a, &b, &c, &d, &point, &first, &second, &isParallel), point, first,
+                   second, isParallel);
+        tagPOINT2D p = random.point(), q = random.point();
+        const tagPOINT2D r = random.point(), s = random.point();
+        digest.add(matIntersectLines2D(&p, &q, &r, &s, &point, &first, &second, &isParallel), point, first,
+                   second);
+        digest.add(matIntersectSegments2D(&p, &q, &r, &s, &point, &first, &second, &isParallel), point, first,
+                   second, isParallel);
+        const int box[] = {-20, -10, 20, 10};
+        tagPOINT2D other{};
+        digest.add(matIntersectLineAndEllipse(box, &p, &q, &point, &other), point, other);
+        tagMAT_RECT2D rect{-40.0, -30.5, 60.0, 12.0};
+        double near2[2] = {}, far2[2] = {};
+        digest.add(matIntersectLineAndEllipse2D(&rect, &p.x, &q.x, near2, far2), near2, far2);
+        const tagPOINT3D t = random.point3(), u = random.point3(), v = random.point3(), w = random.point3();
+        tagPOINT3D solid{};
+        digest.add(matIntersectLines3D(&t, &u, &v, &w, &solid, &first, &second, &isParallel), solid,
+                   isParallel);
+    }
+}
+
+void digestSimplices(Digest& digest, Random& random) {
+    double cuboid[6] = {};
+    digest.add(matSetMinimumCuboid(cuboid));
+    tagMAT_DISTANCE record{};
+    digest.add(matInitDistance(&record, 0.5, 2.0));
+    for (int round = 0; round < kRounds; ++round) {
+        const tagPOINT a = random.pixel(), b = random.pixel(), c = random.pixel();
+        digest.add(matCalcSignedAreaOfTriangle2P(&a, &b, &c));
+        digest.add(matCompareDistance(&record, a, b, matCalcDist(&a, &b, 0)), record.shortestFrom,
+                   record.shortestTo, record.shortestDistance, record.longestFrom, record.longestTo,
+                   record.longestDistance, record.meanDistance, record.count);
+        const tagPOINT2D p = random.point(), q = random.point(), r = random.point();
+        digest.add(matCalcSignedAreaOfTriangle2D(&p, &q, &r));
+        const tagPOINT3D s = random.point3(), t = random.point3(), u = random.point3(), v = random.point3();
+        tagPOINT3D center{};
+        digest.add(matCalcUnsignedAreaOfTriangle(&s, &t, &u),
+                   matCalcSignedVolumeOfTetrahedron(&s, &t, &u, &v));
+        digest.add(matCalcCenterOfTetrahedron(&s, &t, &u, &v, &center, random.below(2)), center);
+        digest.add(matGetBoundingCuboid(cuboid, &s), cuboid);
+    }
+}
+
+void digestTransform(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds; ++round) {
+        double a[4][4], b[4][4], out[4][4] = {};
+        random.fill(a);
+        random.fill(b);
+        digest.add(matMultiplyMatrix4(out, a, b), out);
+        digest.add(matInvertMatrix4(out, a, random.below(2)), out);
+        const double vector[4] = {random.real(), random.real(), random.real(), 1.0};
+        double moved[4] = {};
+        digest.add(matTransformVector4(moved, a, vector, random.below(2)), moved);
+        const double x = random.real(), y = random.real(), z = random.real();
+        const int fromLeft = random.below(2);
+        digest.add(matSizeMatrix4(b, x, y, z, fromLeft), b);
+        digest.add(matTranslateMatrix4(b, z, x, y, fromLeft), b);
+        digest.add(matOrthoMatrix4(b, -1.0, x, -2.0, y, 0.5, z, 1 - fromLeft), b);
+        digest.add(matCalcDistanceOfMatrices4(a, b), matCalcAbsoluteMaxOfMatrix4(b));
+        double left = 0.0, top = 0.0, right = 0.0, bottom = 0.0;
+        digest.add(matCalcAffinImageSize(640.0, 480.0, a, &left, &top, &right, &bottom), left, top, right,
+                   bottom);
+    }
+}
+
+/// A closed walk around the origin with `count` corners, not always simple.
+std::vector<tagPOINT> outline(Random& random, int count) {
+    static constexpr int kDirections[8][2] = {{4, 0},  {3, 3},   {0, 4},  {-3, 3},
+                                              {-4, 0}, {-3, -3}, {0, -4}, {3, -3}};
+    std::vector<tagPOINT> points;
+    for (int i = 0; i < count; ++i) {
+        const int* direction = kDirections[i * 8 / count];
+        const int radius = 5 + random.below(40);
+        points.push_back({direction[0] * radius + random.below(9), direction[1] * radius + random.below(9)});
+    }
+    points.push_back(points.front());
+    return points;
+}
+
+void digestOutline(Digest& digest, Random& random, std::vector<tagPOINT>& points) {
+    const auto count = static_cast<DWORD>(points.size());
+    tagPOINT* first = points.data();
+    const int isClosed = random.below(2);
+    digest.add(polyIsValid(first, count), polyGetType(first, count), polyCalcAreaExact(first, count),
+               polyCalcLength(first, count, isClosed, random.below(2)));
+    tagPOINT2D place{};
+    digest.add(polyCalcCenterOfGravity(first, count, &place), place);
+    RECT rect{};
+    polyGetBoundingRect(first, count, &rect);
+    digest.add(static_cast<int>(rect.left), static_cast<int>(rect.top), static_cast<int>(rect.right),
+               static_cast<int>(rect.bottom));
+    for (int test = 0; test < 8; ++test) {
+        const tagPOINT point{random.below(300) - 150, random.below(300) - 150};
+        DWORD index = 0;
+        double fraction = 0.0;
+        digest.add(polyIsPointInside(first, count, &point));
+        digest.add(
+            polyCalcDistance(first, count, isClosed, &point, random.below(2), &place, &index, &fraction),
+            place, index, fraction);
+        digest.add(polyCalcPoint(first, count, isClosed, index, fraction, &place), place);
+        double slope = 0.0, intercept = 0.0;
+        DWORD orientation = 0;
+        digest.add(polyCalcLocalRegressionLine(first, count, index, 2, 0, &slope, &intercept, &orientation),
+                   slope, intercept, orientation);
+    }
+}
+
+void digestPolygon(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds / 20; ++round) {
+        std::vector<tagPOINT> points = outline(random, 8 + random.below(60));
+        std::vector<tagPOINT> other = outline(random, 8 + random.below(20));
+        digestOutline(digest, random, points);
+        const auto count = static_cast<DWORD>(points.size());
+        digest.add(polyGetRelativePosition(points.data(), count, 1, other.data(),
+                                           static_cast<DWORD>(other.size()), 1));
+        HGLOBAL handle = polyApplyPointDistance(polyCopy(points.data(), count, 1), random.below(30) * 0.5);
+        digest.addPolygon(handle);
+        polyFree(handle);
+        const double scaleX = random.real() * 0.1, scaleY = random.real() * 0.1;
+        const int dx = random.integer(), dy = random.integer();
+        digest.add(polyScale(points.data(), count, scaleX, scaleY));
+        digest.add(polyTranslate(points.data(), count, dx, dy));
+        digest.add(polyReverseOrder(points.data(), count));
+        const DWORD left = polyRemoveDoublePointsEx(points.data(), count, 3.0);
+        digest.add(left);
+        for (DWORD i = 0; i < left; ++i)
+            digest.add(points[i]);
+    }
+}
+
+void digestCurves(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds / 40; ++round) {
+        const std::vector<tagPOINT> points = outline(random, 8 + random.below(40));
+        const auto count = static_cast<DWORD>(points.size() - static_cast<std::size_t>(random.below(2)));
+        HGLOBAL source = polyCopy(points.data(), count, 0);
+        unsigned int error = 0;
+        const double step = 0.25 + random.below(20) * 0.5;
+        const double cornerFactor = random.below(3) * 0.5;
+        HGLOBAL curve = polyCalcInterpolatingCurve(source, step, cornerFactor, &error);
+        digest.add(static_cast<int>(error));
+        digest.addPolygon(curve);
+        polyFree(curve);
+        curve = polyCalcFittingCurve(source, step, 3 + random.below(3), &error);
+        digest.add(static_cast<int>(error));
+        digest.addPolygon(curve);
+        polyFree(curve);
+        polyFree(source);
+    }
+}
+
+/// The samples themselves, which the polygon forms cut to pixels.
+void digestCurveSamples(Digest& digest, Random& random) {
+    struct Points {
+        std::vector<tagPOINT2D> source;
+        Digest* digest;
+    };
+    const auto read = [](double** rows, unsigned int maximal, unsigned int, void* user, void*) {
+        const auto& source = static_cast<Points*>(user)->source;
+        const auto count = static_cast<unsigned int>(source.size()) < maximal
+                               ? static_cast<unsigned int>(source.size())
+                               : maximal;
+        for (unsigned int i = 0; i < count; ++i) {
+            rows[i][0] = source[i].x;
+            rows[i][1] = source[i].y;
+        }
+        return count;
+    };
+    const auto write = [](double** rows, unsigned int count, unsigned int, void* user, void*) {
+        for (unsigned int i = 0; i < count; ++i)
+            static_cast<Points*>(user)->digest->add(rows[i][0], rows[i][1]);
+        return 1U;
+    };
+    for (int round = 0; round < kRounds / 40; ++round) {
+        Points points{{}, &digest};
+        const int count = 5 + random.below(30);
+        for (int i = 0; i < count; ++i)
+            points.source.push_back(random.point());
+        if (random.below(2) != 0) points.source.push_back(points.source.front());
+        const auto most = static_cast<unsigned int>(points.source.size());
+        digest.add(static_cast<int>(
+            matInterpolatingCurve(most, read, write, &points, nullptr, 2, 7.5, random.below(3) * 0.5)));
+        digest.add(static_cast<int>(
+            matFittingCurve(most, read, write, &points, nullptr, 2, 7.5, 3 + random.below(3))));
+    }
+}
+
+void print(const char* family, std::uint64_t seed, void (*run)(Digest&, Random&)) {
+    Digest digest;
+    Random random(seed);
+    run(digest, random);
+    std::printf("%s %016llx\n", family, static_cast<unsigned long long>(digest.value()));
+}
+
+}  // namespace
+
+int main() {
+    print("frame", 1, digestFrame);
+    print("distances", 2, digestDistances);
+    print("crossings", 3, digestCrossings);
+    print("simplices", 4, digestSimplices);
+    print("transform", 5, digestTransform);
+    print("polygon", 6, digestPolygon);
+    print("curves", 7, digestCurves);
+    print("curve-samples", 8, digestCurveSamples);
+    return 0;
+}
