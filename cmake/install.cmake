@@ -18,3 +18,10 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/VELQUADConfig.cmake ${CMAKE_CURRENT_BI
 
 configure_file(cmake/velquad.pc.in velquad.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/velquad.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# The same as an archive: cpack -G ZIP, or --preset windows.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY ${PROJECT_DESCRIPTION})
+set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_GENERATOR ZIP)
+include(CPack)
