@@ -15,6 +15,7 @@ ctest --preset windows --parallel "$(nproc)"
 cpack --preset windows
 work=build/windows/package-check
 rm -rf "$work"
+mkdir -p "$work"
 unzip -q build/windows/VELQUAD-*-win64.zip -d "$work/unpacked"
 prefix=$(echo "$PWD/$work/unpacked"/VELQUAD-*)
 for file in bin/VELQUAD.dll lib/libVELQUAD.dll.a include/velquad/velquad.h lib/cmake/VELQUAD/VELQUADConfig.cmake \
