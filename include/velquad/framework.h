@@ -87,6 +87,9 @@ class CSize : public tagSIZE {
 
     bool operator==(const tagSIZE& other) const { return cx == other.cx && cy == other.cy; }
     bool operator!=(const tagSIZE& other) const { return !(*this == other); }
+    // Exact matches for two objects of the class, which C++20 would find ambiguous with the operands reversed.
+    bool operator==(const CSize& other) const { return cx == other.cx && cy == other.cy; }
+    bool operator!=(const CSize& other) const { return !(*this == other); }
     /// Sets both extents.
     void SetSize(int width, int height) { *this = CSize(width, height); }
 };
@@ -104,6 +107,9 @@ class CPoint : public tagPOINT {
 
     bool operator==(const tagPOINT& other) const { return x == other.x && y == other.y; }
     bool operator!=(const tagPOINT& other) const { return !(*this == other); }
+    // Exact matches for two objects of the class, which C++20 would find ambiguous with the operands reversed.
+    bool operator==(const CPoint& other) const { return x == other.x && y == other.y; }
+    bool operator!=(const CPoint& other) const { return !(*this == other); }
 
     /// Moves the point by a vector.
     void Offset(int dx, int dy) {
