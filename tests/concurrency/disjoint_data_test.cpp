@@ -51,15 +51,15 @@ Results runRound(int seed) {
     unsigned int error = 99;
     void* through = polyCalcInterpolatingCurve(outline, 2.0, 0.3, &error);
     results.push_back(error);
-    void* near = polyCalcFittingCurve(outline, 2.0, 4, &error);
+    void* fitted = polyCalcFittingCurve(outline, 2.0, 4, &error);
     results.push_back(error);
-    for (void* handle : {outline, through, near})
+    for (void* handle : {outline, through, fitted})
         measureHandle(handle, results);
     double matrix[4][4];
     matComputeRotationMatrix4(matrix, 10.0 + seed, 1, 2);
     results.push_back(matInvertMatrix4(matrix, matrix, 0));
     results.push_back(matrix[0][1]);
-    for (void* handle : {outline, through, near})
+    for (void* handle : {outline, through, fitted})
         EXPECT_EQ(polyFree(handle), 1);
     return results;
 }
