@@ -18,6 +18,13 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/VELQUADConfig.cmake ${CMAKE_CURRENT_BI
 
 configure_file(cmake/velquad.pc.in velquad.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/velquad.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+if(WIN32)
+    # Run-time libraries of the compiler and Eigen are inside the DLL; their notices come with it, as Debian words them.
+    foreach(package gcc-mingw-w64-base mingw-w64-x86-64-dev libeigen3-dev)
+        install(FILES /usr/share/doc/${package}/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/velquad/third-party
+            RENAME ${package}.txt OPTIONAL)
+    endforeach()
+endif()
 
 # The same as an archive: cpack -G ZIP, or --preset windows.
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY ${PROJECT_DESCRIPTION})

@@ -6,6 +6,8 @@
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* /*reserved*/) {
     switch (reason) {
         case DLL_PROCESS_ATTACH:
+            // Refused while the compiler's run-time library keeps thread-local storage in the file. The system
+            // then goes on notifying, and each notification of a thread ends in the default below.
             DisableThreadLibraryCalls(instance);
             velquad::platform::attachModule(instance);
             break;

@@ -19,7 +19,7 @@ mkdir -p "$work"
 unzip -q build/windows/VELQUAD-*-win64.zip -d "$work/unpacked"
 prefix=$(echo "$PWD/$work/unpacked"/VELQUAD-*)
 for file in bin/VELQUAD.dll lib/libVELQUAD.dll.a include/velquad/velquad.h lib/cmake/VELQUAD/VELQUADConfig.cmake \
-    share/doc/velquad/LICENSE; do
+    share/doc/velquad/LICENSE share/doc/velquad/third-party/mingw-w64-x86-64-dev.txt; do
     [ -s "$prefix/$file" ] || { echo "the archive lacks $file" >&2; exit 1; }
 done
 cmake -S tests/consumer -B "$work/consumer" -G Ninja -DVELQUAD_DIR="$prefix/lib/cmake/VELQUAD" \

@@ -233,5 +233,4 @@ TEST(ShrinkToHandle, KeepsTheLargerBlockWhenShrinkingFails) {
     EXPECT_EQ(GlobalFree(handle), nullptr);
 }
 
-
 }  // namespace
