@@ -120,9 +120,22 @@ TEST(MatSameVector2D, TakesTinyVectorsAsNull) {
     EXPECT_EQ(sameVector2D(0.0, 0.0, -1.0, 0.0), 0);
 }
 
+TEST(MatSameVector2D, TakesTwoNullVectorsAsTheSameThoughTheirDifferenceIsNotNull) {
+    EXPECT_EQ(sameVector2D(9e-41, 0.0, -9e-41, 0.0), 1);
+    EXPECT_EQ(sameVector2D(0.0, -9e-41, 0.0, 9e-41), 1);
+    EXPECT_EQ(sameVector2D(9e-41, 0.0, -1e-40, 0.0), 0);
+    EXPECT_EQ(sameVector2D(0.0, 9e-41, 0.0, -1e-40), 0);
+    EXPECT_EQ(sameVector3D({0.0, 0.0, 9e-41}, {0.0, 0.0, -9e-41}), 1);
+    // A first vector of exactly the tolerance is not null: the difference is all of it.
+    EXPECT_EQ(sameVector2D(1e-40, 0.0, 0.0, 0.0), 0);
+    EXPECT_EQ(sameVector2D(0.0, 1e-40, 0.0, 0.0), 0);
+}
+
 TEST(MatSameVector2D, IsRelativeToTheFirstVector) {
     // The difference 1e10 is below 1e-40 of 1e300 only if the quotient underflows to it: 1e-290 does.
     EXPECT_EQ(sameVector2D(1e300, 0.0, 1e300, 1e10), 1);
+    EXPECT_EQ(sameVector2D(0.0, -1e300, 1e10, -1e300), 1);
+    EXPECT_EQ(sameVector3D({0.0, 0.0, 1e300}, {1e10, 0.0, 1e300}), 1);
     EXPECT_EQ(sameVector2D(1.0, 0.0, 1.0, 1e-39), 0);
     EXPECT_EQ(sameVector2D(1.0, 0.0, 1.0, 9e-41), 1);
 }
