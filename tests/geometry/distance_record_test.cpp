@@ -185,6 +185,10 @@ TEST(MatCompleteDistance, TurnsBackFromJustBelowHalfATurn) {
     // A slope of 1 in 1 000 000 000 is 5.7e-8 degrees from horizontal, one in 500 000 000 is 1.1e-7.
     EXPECT_EQ(directionOf({1000000000, 0}, {0, 1}), 0.0);
     EXPECT_NEAR(directionOf({500000000, 0}, {0, 1}), 180.0 - 1.1459156e-7, 1e-12);
+    // Directions of exactly 179.9999999, and two steps of rounding below it.
+    EXPECT_EQ(matCalcScaledAngle({0, 0}, {-1, 1}, 1.0, 1.7453292519943295e-9), 179.9999999);
+    EXPECT_EQ(directionOf({0, 0}, {-1, 1}, 1.0, 1.7453292519943295e-9), 0.0);
+    EXPECT_EQ(directionOf({0, 0}, {-1, 1}, 1.0, 1.7453300519943295e-9), 179.99999989999995);
     // Just below a full turn, and so just below half a turn when it is turned back.
     EXPECT_GT(directionOf({0, 0}, {1000000000, -1}), 179.9999999);
     EXPECT_LT(directionOf({0, 0}, {1000000000, -1}), 180.0);

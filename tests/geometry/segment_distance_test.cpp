@@ -322,6 +322,14 @@ TEST(MatCalcDistanceToSegment3D, PlacesAPointOfTheLineByTheDominantCoordinate) {
     EXPECT_EQ(segment(tagPOINT3D{0, 0, 0}, {1, 0, 1}, {0.5, 0, 0.5 + 1e-8}).parameter, 0.5);
 }
 
+TEST(MatCalcDistanceToSegment3D, TakesAPointWithinToleranceForAPointOfTheLine) {
+    const double below = std::nextafter(1e-7, 0.0);
+    const tagPOINT3D a{0, 0, 0};
+    const tagPOINT3D b{1024, 1024, 0};
+    EXPECT_EQ(segment(a, b, {below / 1024, 0, 0}).parameter, below / 1024 / 1024);
+    EXPECT_NEAR(segment(a, b, {1e-7 / 1024, 0, 0}).parameter, 1e-7 / 1024 / 2048, 1e-20);
+}
+
 TEST(MatCalcDistanceToSegment3D, MovesAFootWithinRoundingToTheEnd) {
     const tagPOINT3D a{0, 0, 0};
     const tagPOINT3D b{1, 0, 0};
