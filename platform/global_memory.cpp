@@ -274,8 +274,10 @@ HGLOBAL resizeByMoving(std::uint32_t index, SIZE_T size, UINT flags, TableLock& 
 }  // namespace
 
 extern "C" HGLOBAL GlobalAlloc(UINT flags, SIZE_T size) {
-    void* contents = allocateContents(size, (flags & GMEM_ZEROINIT) != 0);
-    if (contents == nullptr) return nullptr;
+    const bool isMovable = (flags & GMEM_MOVEABLE) != 0;
+    const bool isDiscarded = isMovable && size == 0;
+    void* contents = isDiscarded ? nullptr : allocateContents(size, (flags & GMEM_ZEROINIT) != 0);
+    if (contents == nullptr && !isDiscarded) return nullptr;
     {
         const TableLock lock(table.lock());
         const std::uint32_t number = table.acquire();
@@ -283,10 +285,10 @@ extern "C" HGLOBAL GlobalAlloc(UINT flags, SIZE_T size) {
             Place& place = table.at(number - 1);
             place.address = contents;
             place.size = size;
-            place.capacity = capacityFor(size);
+            place.capacity = isDiscarded ? 0 : capacityFor(size);
             place.locks = 0;
-            place.kind = (flags & GMEM_MOVEABLE) != 0 ? Kind::kMovable : Kind::kFixed;
-            table.link(number - 1);
+            place.kind = isMovable ? Kind::kMovable : Kind::kFixed;
+            if (!isDiscarded) table.link(number - 1);
             return table.makeHandle(number - 1);
         }
     }
