@@ -83,7 +83,7 @@ class FarRunFilter<tagPOINT> {
         const __m128i test = _mm_set_epi32(testY_, testX_, testY_, testX_);
         __m128i low = fourOffsets(points, test);
         __m128i high = low;
-        for (const DWORD first : {4U, 8U, 12U, kRun - 3}) {
+        for (const DWORD first : {DWORD{4}, DWORD{8}, DWORD{12}, kRun - 3}) {
             const __m128i offsets = fourOffsets(points + first, test);
             low = _mm_min_epi16(low, offsets);
             high = _mm_max_epi16(high, offsets);

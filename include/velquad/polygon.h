@@ -173,8 +173,8 @@ VELQUAD_API DWORD polyRemoveDoublePointsEx(tagPOINT* points, DWORD count, double
 ///   (2) By the even-odd rule a point that the outline winds round twice is outside.
 ///   (3) A flat outline, whose vertices lie on one line with the point, has no inside: -1 at a vertex, 0 between two
 ///       vertices as anywhere else.
-///   (4) Reversing the order of the points or starting at another vertex changes nothing while no product of
-///       coordinate differences leaves 32 bits; products wrap around.
+///   (4) Differences and products of coordinates wrap around at 32 bits, which no outline notices whose extent, with
+///       the point, is at most 32767 pixels.
 /// Distances along the ray and along an edge are compared with a tolerance of 1e-7, relative to their length.
 /// @param point  the point asked about. Not null unless `count` is 0.
 /// @return 1 inside, 0 outside or for a count of 0, -1 on the outline.
@@ -187,7 +187,6 @@ VELQUAD_API int polyIsPointInside(const tagPOINT* points, DWORD count, const tag
 ///       without length are left out, so a stored closing point does no harm.
 ///   (2) Otherwise one outline lies inside the other when its first point does; only a closed outline has an inside.
 ///       Where both hold, B inside A is reported.
-///   (3) Exchanging A and B exchanges the results 2 and 3.
 /// @param closedA, closedB  non-zero: an edge leads from the last point to the first. 0: an open chain.
 /// @return 0 apart, 1 the outlines meet, 2 B lies inside A, 3 A lies inside B. An outline without points is apart
 ///         from everything.
@@ -225,7 +224,7 @@ VELQUAD_API int polyCalcCenterOfGravity(const tagPOINT* points, DWORD count, tag
 
 /// The signed area of an outline, always taken as closed: positive for counter-clockwise in mathematical axes.
 /// Reversing the order of the points changes the sign and nothing else. The triangles are fanned out from the rounded
-/// mean of the points, so that their 32-bit products wrap around only for outlines beyond some 20 000 pixels.
+/// mean of the points; the area is exact while twice the area of each of them fits 32 bits.
 /// @return the area in square pixels, a multiple of 0.5; 0 for fewer than two points.
 VELQUAD_API double polyCalcAreaExact(const tagPOINT* points, DWORD count);
 

@@ -259,12 +259,12 @@ TEST(PolyCalcAreaExact, OfFewPointsIsZero) {
 
 TEST(PolyCalcAreaExact, FarFromTheOriginDependsOnWrapAroundOnly) {
     // Sums of coordinates wrap around, but the trapezoids of a closed figure still cancel.
-    Outline far = kSquare;
-    for (tagPOINT& p : far) {
+    Outline shifted = kSquare;
+    for (tagPOINT& p : shifted) {
         p.x += 2000000000;
         p.y += 2000000000;
     }
-    EXPECT_EQ(polyCalcAreaExact(far.data(), 4), 100.0);
+    EXPECT_EQ(polyCalcAreaExact(shifted.data(), 4), 100.0);
 }
 
 TEST(PolyCalcAreaExact, MatchesWideArithmeticWhereNothingWraps) {
