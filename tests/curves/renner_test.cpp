@@ -373,6 +373,16 @@ TEST(RennerRoundCorner, PutsBothPointsAtTheSameDistance) {
               (Rows{{-1, -1}, {-2, -2}, {3, 0}, {1, 1}, {0, 9}, {0, 10}, {-3, -3}, {-4, -4}}));
 }
 
+TEST(RennerRoundCorner, GoesByTheShorterChordOnEitherSide) {
+    Matrix P(Rows{{0, 0}, {10, 0}, {10, 4}, {10, 20}}, 1);
+    Matrix chords(Rows{{-1, -1}, {-2, -2}, {10, 0}, {0, 4}, {0, 16}, {-3, -3}, {-4, -4}}, 1);
+    Index m = 3;
+    ASSERT_EQ(rennerRoundCorner(m, 4, 2, 1, P.rows(), chords.rows() + 2, 0.5), 0);
+    EXPECT_EQ(P.copy(5), (Rows{{0, 0}, {8, 0}, {10, 2}, {10, 4}, {10, 20}}));
+    EXPECT_EQ(chords.copy(8),
+              (Rows{{-1, -1}, {-2, -2}, {8, 0}, {2, 2}, {0, 2}, {0, 16}, {-3, -3}, {-4, -4}}));
+}
+
 TEST(RennerRoundCorner, ChangesNothingWithoutRoom) {
     const Rows points{{0, 0}, {4, 0}, {4, 10}, {4, 20}};
     const Rows rows{{-1, -1}, {-2, -2}, {4, 0}, {0, 10}, {0, 10}, {-3, -3}, {-4, -4}};

@@ -96,11 +96,24 @@ TEST(MembershipTest, EdgeNearerThanTheToleranceOnTheRayIsTheOutline) {
     EXPECT_EQ(inside(outlineWithEdgeJustBelowOrigin(10001), {0, 0}), -1);
 }
 
+TEST(MembershipTest, EdgeNearerThanTheToleranceCountsOnLongRaysOnly) {
+    // The same outline from its third point on: the ray is shorter, and the edge meets it farther off, relatively.
+    EXPECT_EQ(inside({{667, 2}, {-333, -1}, {-20000, 9996}, {0, 10001}}, {0, 0}), 1);
+}
+
+/// The ray runs from (0, 0) through (4000, 1), where the outline crosses it, and on through (8000, 2). The outline
+/// comes back to (7999, 2), just short of the ray's line, by a short edge, and crosses the line right behind that
+/// vertex on the edge down to (7999, `depth`).
+Outline outlineThatCrossesJustBehindAVertex(LONG depth) {
+    return {{4000, -3000}, {4000, 1}, {9000, 3}, {7998, 2}, {7999, 2}, {7999, depth}};
+}
+
 TEST(MembershipTest, RayThatMissesAVertexWithinTheTolerancePassesThroughIt) {
-    // The ray goes from (0, 0) to (30000, 0). The edge from (20000, 20000) to (20000, 1) misses it by 1 / 19999 of its
-    // length, that from (1, 16000) to (16000, 0) ends on it.
-    EXPECT_EQ(inside({{16000, 16000}, {30000, 0}, {20000, 1}, {20000, 20000}}, {0, 0}), 0);
-    EXPECT_EQ(inside({{1, 16000}, {16000, 0}, {1, -16000}, {-9000, 0}}, {0, 0}), 1);
+    // Off the start of the edge by 1.0004e-7 of its length, the crossing is one like any other, the second.
+    EXPECT_EQ(inside(outlineThatCrossesJustBehindAVertex(-2497), {0, 0}), 0);
+    // Off by 9.996e-8 it is a passage through the vertex, judged by the side that was stored last, at (4000, 1). It
+    // is the side that the outline leaves on, so the passage does not count.
+    EXPECT_EQ(inside(outlineThatCrossesJustBehindAVertex(-2499), {0, 0}), 1);
 }
 
 TEST(MembershipTest, ProductsThatWrapAroundToZeroMakeEdgesParallel) {
