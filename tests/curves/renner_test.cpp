@@ -240,6 +240,15 @@ TEST(RennerCoefficients, ATurnOfEpsilonBesideACornerEndsTheStraightRun) {
     EXPECT_EQ(pointsAfter(std::nextafter(epsilon, 0.0)), 7u);
 }
 
+TEST(RennerCoefficients, TurnsOnBothSidesOfACornerAddUp) {
+    const auto pointsAfter = [](double turn) {
+        return Renner({{-2, turn}, {-1, 0}, {0, 0}, {0, 1}, {turn, 2}, {2 * turn, 3}}, 0.5).points().size();
+    };
+    const double epsilon = 2.220446049250313e-16;
+    EXPECT_EQ(pointsAfter(0.5 * epsilon), 6u);
+    EXPECT_EQ(pointsAfter(std::nextafter(0.5 * epsilon, 0.0)), 7u);
+}
+
 TEST(RennerCoefficients, AGapOfEpsilonBetweenTheEndsMakesTheCurveOpen) {
     const auto pointsAfter = [](double gap) {
         Rows points = kSquareSeamOnCorner;
@@ -347,6 +356,35 @@ TEST(RennerCoefficients, AgreesBitForBitWithTheLiteralVersion) {
         if (r.code == 0 && r.m() + 1 > points.size()) ++rounded;
     }
     EXPECT_GT(rounded, 100u) << "the data must have corners";
+}
+
+/// A walk along the axes that now and then turns back on itself, ended by the way back to its start.
+Rows randomWalkHome(std::mt19937& random, std::size_t dimension) {
+    Rows points{std::vector<double>(dimension, 0.0)};
+    const auto go = [&](std::size_t axis, double step) {
+        points.push_back(points.back());
+        points.back()[axis] += step;
+    };
+    for (std::size_t legs = 2 + random() % 6; legs > 0; --legs) {
+        const std::size_t axis = random() % dimension;
+        const double step = random() % 2 == 0 ? 1.0 : -1.0;
+        for (std::size_t count = 1 + random() % 3; count > 0; --count)
+            go(axis, step);
+    }
+    for (std::size_t axis = 0; axis < dimension; ++axis) {
+        while (points.back()[axis] != 0.0)
+            go(axis, points.back()[axis] > 0.0 ? -1.0 : 1.0);
+    }
+    return points;
+}
+
+TEST(RennerCoefficients, AgreesBitForBitWhereCurvesTurnBack) {
+    for (unsigned seed = 1; seed <= 3000; ++seed) {
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        std::mt19937 random(seed);
+        const Rows points = randomWalkHome(random, 2 + seed % 2);
+        expectSameAsReference(points, random() % 3 == 0 ? 0.0 : 0.25, points.size() / 2);
+    }
 }
 
 TEST(RennerCoefficients, ReportsEveryFailingAllocation) {

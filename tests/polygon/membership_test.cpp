@@ -4,7 +4,11 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <cstdint>
+#include <numeric>
 #include <random>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/polygon_reference.h"
@@ -204,6 +208,57 @@ TEST(MembershipTest, MatchesTheReferenceWhereProductsWrapAround) {
     expectReferenceOnGrid(22, 40000, 4, 1 << 30, 0, INT_MIN);
     expectReferenceOnGrid(23, 40000, 3, INT_MAX, 3, INT_MIN);
     expectReferenceOnGrid(24, 40000, 7, 33000, 5, INT_MAX - 30000);
+    // Differences are small, but only because they wrap around: the outline lies on both ends of the integers.
+    expectReferenceOnGrid(25, 40000, 5, 1, 0, INT_MAX - 2);
+    expectReferenceOnGrid(26, 40000, 200, 1, 0, INT_MAX - 100);
+}
+
+/// A point p with p.x * d.y - p.y * d.x equal to `side`, near the way from the origin to d. The components of d are
+/// positive and without a common divisor.
+tagPOINT pointOnSide(const tagPOINT& d, std::int64_t side) {
+    // Steps of Euclid's algorithm: x * d.y is `rest` modulo d.x.
+    std::int64_t x = 1;
+    std::int64_t lastX = 0;
+    std::int64_t rest = d.y % d.x;
+    std::int64_t lastRest = d.x;
+    while (rest > 1) {
+        const std::int64_t quotient = lastRest / rest;
+        lastX = std::exchange(x, lastX - quotient * x);
+        lastRest = std::exchange(rest, lastRest - quotient * rest);
+    }
+    x = ((x * side) % d.x + d.x) % d.x;
+    return {static_cast<LONG>(x), static_cast<LONG>((x * d.y - side) / d.x)};
+}
+
+TEST(MembershipTest, MatchesTheReferenceForVerticesBesideLongRays) {
+    // Vertices a few thousandths of a pixel off the ray's line, with edges that lead far away from it: passages within
+    // the tolerance, and just not.
+    for (const std::int64_t shift : {0, 1000000, -1048576, 2000000000}) {
+        std::mt19937 random(51);
+        for (int round = 0; round < 10000; ++round) {
+            SCOPED_TRACE(testing::Message() << "seed 51, shift " << shift << ", round " << round);
+            tagPOINT d{static_cast<LONG>(2 + random() % 32766), static_cast<LONG>(2 + random() % 32766)};
+            while (std::gcd(d.x, d.y) != 1)
+                ++d.y;
+            Outline outline{{d.x, -20000}, d};
+            for (int k = 0; k < 12; ++k) {
+                tagPOINT p = pointOnSide(d, static_cast<std::int64_t>(random() % 401) - 200);
+                outline.push_back(p);
+                if (random() % 4 == 0) continue;
+                // Straight down or up from there, or just beside, or anywhere.
+                if (random() % 3 != 0) p.x += static_cast<LONG>(random() % 3) - 1;
+                if (random() % 4 == 0) p.x = static_cast<LONG>(random() % 65536) - 32768;
+                p.y = random() % 2 == 0 ? -32768 : 32767;
+                outline.push_back(p);
+            }
+            for (tagPOINT& p : outline) {
+                p = {velquad::test::reference::wrapped(p.x + shift),
+                     velquad::test::reference::wrapped(p.y + shift)};
+            }
+            const tagPOINT test{static_cast<LONG>(shift), static_cast<LONG>(shift)};
+            ASSERT_EQ(inside(outline, test), velquad::test::reference::isPointInside(outline, test));
+        }
+    }
 }
 
 TEST(MembershipTest, MatchesTheReferenceOnLongOutlines) {
