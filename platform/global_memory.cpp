@@ -121,7 +121,7 @@ class BlockTable {
 
     // 1 + the index of the block with this handle; 0 when there is none.
     std::uint32_t findHandle(HGLOBAL handle) {
-        const auto bits = std::bit_cast<std::uintptr_t>(handle);
+        const auto bits = reinterpret_cast<std::uintptr_t>(handle);
         if ((bits & kHandleMask) != kHandleMark) {
             const std::uint32_t place = findAddress(handle);
             return place != 0 && at(place - 1).kind == Kind::kFixed ? place : 0;
@@ -147,7 +147,7 @@ class BlockTable {
     std::uint32_t& headOf(const void* address) {
         // Multiplication by 2^64 / golden ratio (Knuth, 1973) spreads addresses that share their low bits.
         constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15u;
-        const std::uint64_t mixed = std::bit_cast<std::uintptr_t>(address) * kSpread;
+        const std::uint64_t mixed = reinterpret_cast<std::uintptr_t>(address) * kSpread;
         const int bits = kFirstChunkBits + growthCount_;
         std::uint32_t* heads = heads_ == nullptr ? firstHeads_ : heads_;
         return heads[mixed >> (64 - bits)];
