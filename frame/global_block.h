@@ -13,7 +13,8 @@ namespace velquad::frame {
 inline constexpr UINT kZeroedMovable = GMEM_MOVEABLE | GMEM_ZEROINIT;
 
 /// Allocates a block and locks it.
-/// @return the address of the contents, or null; a block that cannot be locked is freed.
+/// @return the address of the contents; null without memory, and for a block that cannot be locked, which is
+///         freed. A movable block of no bytes cannot.
 void* matGlobalAllocLocked(UINT flags, SIZE_T size);
 
 /// Resizes a locked block.

@@ -76,18 +76,33 @@ constexpr int orientation(const Point& p0, const Point& p1, const Point& p2) {
     return lengthSquared2 > lengthSquared1 ? 1 : 0;
 }
 
-/// The cross product (p1 - p0) x (p2 - p0).
-constexpr tagPOINT3D crossProduct(const tagPOINT3D& p0, const tagPOINT3D& p1, const tagPOINT3D& p2) {
-    const tagPOINT3D a{p1.x - p0.x, p1.y - p0.y, p1.z - p0.z};
-    const tagPOINT3D b{p2.x - p0.x, p2.y - p0.y, p2.z - p0.z};
+/// to - from.
+constexpr tagPOINT3D difference(const tagPOINT3D& from, const tagPOINT3D& to) {
+    return {to.x - from.x, to.y - from.y, to.z - from.z};
+}
+
+/// a x b.
+constexpr tagPOINT3D cross(const tagPOINT3D& a, const tagPOINT3D& b) {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
+/// The cross product (p1 - p0) x (p2 - p0).
+constexpr tagPOINT3D crossProduct(const tagPOINT3D& p0, const tagPOINT3D& p1, const tagPOINT3D& p2) {
+    return cross(difference(p0, p1), difference(p0, p2));
+}
+
+constexpr double lengthSquared(const tagPOINT2D& v) {
+    return v.x * v.x + v.y * v.y;
+}
+constexpr double lengthSquared(const tagPOINT3D& v) {
+    return v.x * v.x + v.y * v.y + v.z * v.z;
+}
+
 inline double lengthOf(const tagPOINT2D& v) {
-    return std::sqrt(v.x * v.x + v.y * v.y);
+    return std::sqrt(lengthSquared(v));
 }
 inline double lengthOf(const tagPOINT3D& v) {
-    return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
+    return std::sqrt(lengthSquared(v));
 }
 
 }  // namespace velquad::frame

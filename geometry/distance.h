@@ -22,24 +22,17 @@ inline double rootUnless(bool isSquared, double distanceSquared) {
     return isSquared ? distanceSquared : std::sqrt(distanceSquared);
 }
 
-/// The squared length of a vector.
-constexpr double squaredLength(double x, double y) {
-    return x * x + y * y;
-}
-constexpr double squaredLength(double x, double y, double z) {
-    return x * x + y * y + z * z;
-}
-
 /// The squared distance of two points of the plane. Integer differences wrap around.
 template <class Point>
 constexpr double distanceSquared(const Point& a, const Point& b) {
     using A = frame::Arithmetic<typename frame::PointTraits<Point>::Coordinate>;
-    return squaredLength(static_cast<double>(A::sub(b.x, a.x)), static_cast<double>(A::sub(b.y, a.y)));
+    return frame::lengthSquared(
+        tagPOINT2D{static_cast<double>(A::sub(b.x, a.x)), static_cast<double>(A::sub(b.y, a.y))});
 }
 
 /// The squared distance of two points of space.
 constexpr double distanceSquared(const tagPOINT3D& a, const tagPOINT3D& b) {
-    return squaredLength(b.x - a.x, b.y - a.y, b.z - a.z);
+    return frame::lengthSquared(frame::difference(a, b));
 }
 
 /// See `matCalcDist`, `matCalcDist2D`, `matCalcDist3D`.
@@ -51,9 +44,8 @@ double distance(const Point& a, const Point& b, bool isSquared = false) {
 /// See `matCalcPixelScaledDist`.
 inline double pixelScaledDistance(const tagPOINT& a, const tagPOINT& b, double scaleX, double scaleY,
                                   bool isSquared = false) {
-    const double dx = frame::wrapSub(b.x, a.x) * scaleX;
-    const double dy = frame::wrapSub(b.y, a.y) * scaleY;
-    return rootUnless(isSquared, squaredLength(dx, dy));
+    const tagPOINT2D scaled{frame::wrapSub(b.x, a.x) * scaleX, frame::wrapSub(b.y, a.y) * scaleY};
+    return rootUnless(isSquared, frame::lengthSquared(scaled));
 }
 
 /// The point of a segment or line that is nearest to a point.

@@ -2,31 +2,15 @@
 #ifndef VELQUAD_GEOMETRY_FOOT_3D_H
 #define VELQUAD_GEOMETRY_FOOT_3D_H
 
-#include <cmath>
 #include <optional>
 
 #include "frame/primitives.h"
 #include "geometry/distance.h"
+#include "geometry/scale_factor.h"
 #include "velquad/geometry.h"
 #include "velquad/types.h"
 
 namespace velquad::geometry {
-
-/// The parameter of a point of the line a-b, read from the dominant coordinate of b - a; the earlier coordinate
-/// wins a tie.
-inline double parameterOnLine(const tagPOINT3D& a, const tagPOINT3D& b, const tagPOINT3D& point) {
-    double dominant = b.x - a.x;
-    double offset = point.x - a.x;
-    if (const double dy = b.y - a.y; std::fabs(dy) > std::fabs(dominant)) {
-        dominant = dy;
-        offset = point.y - a.y;
-    }
-    if (const double dz = b.z - a.z; std::fabs(dz) > std::fabs(dominant)) {
-        dominant = dz;
-        offset = point.z - a.z;
-    }
-    return offset / dominant;
-}
 
 /// The parameter of the foot of the perpendicular from `point` on the line a-b; a and b are apart.
 /// @return the parameter; nothing when the perpendicular misses the line through rounding.
@@ -34,7 +18,11 @@ inline std::optional<double> perpendicularParameter(const tagPOINT3D& a, const t
                                                     const tagPOINT3D& point) {
     constexpr double kOnLineTolerance = 1e-7;
     const tagPOINT3D normal = frame::crossProduct(a, b, point);
-    if (kOnLineTolerance > frame::lengthOf(normal)) return parameterOnLine(a, b, point);
+    if (kOnLineTolerance > frame::lengthOf(normal)) {
+        // A point of the line itself.
+        const DominantAxis axis = dominantAxis(a, b, point);
+        return axis.offset / axis.length;
+    }
     // Across the line within the plane of a, b and point: the second product is perpendicular to both.
     const tagPOINT3D aside{normal.x + a.x, normal.y + a.y, normal.z + a.z};
     const tagPOINT3D across = frame::crossProduct(a, b, aside);

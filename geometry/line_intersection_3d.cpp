@@ -5,16 +5,15 @@
 #include "frame/primitives.h"
 #include "geometry/line_intersection.h"
 #include "geometry/scale_factor.h"
-#include "geometry/vector.h"
 #include "velquad/geometry.h"
 
 using velquad::kNoValue;
+using velquad::frame::cross;
+using velquad::frame::difference;
 using velquad::frame::isSmaller;
 using velquad::frame::lengthOf;
-using velquad::geometry::cross;
 using velquad::geometry::crossingParameterB;
 using velquad::geometry::crossLines;
-using velquad::geometry::difference;
 using velquad::geometry::LineCrossing;
 using velquad::geometry::pointOnLine;
 using velquad::geometry::scaleFactor3D;

@@ -3,9 +3,9 @@
 #include "geometry/distance.h"
 #include "velquad/geometry.h"
 
+using velquad::frame::lengthSquared;
 using velquad::frame::wrapSub;
 using velquad::geometry::rootUnless;
-using velquad::geometry::squaredLength;
 
 extern "C" double matCalcDist(const tagPOINT* a, const tagPOINT* b, int isSquared) {
     return velquad::geometry::distance(*a, *b, isSquared != 0);
@@ -24,8 +24,10 @@ extern "C" double matCalcDist3D(const tagPOINT3D* a, const tagPOINT3D* b, int is
 }
 
 extern "C" double matCalcDist3L(const int* a, const int* b, int isSquared) {
-    return rootUnless(isSquared != 0,
-                      squaredLength(wrapSub(b[0], a[0]), wrapSub(b[1], a[1]), wrapSub(b[2], a[2])));
+    const tagPOINT3D difference{static_cast<double>(wrapSub(b[0], a[0])),
+                                static_cast<double>(wrapSub(b[1], a[1])),
+                                static_cast<double>(wrapSub(b[2], a[2]))};
+    return rootUnless(isSquared != 0, lengthSquared(difference));
 }
 
 extern "C" double matCalcPixelScaledDist(const tagPOINT* a, const tagPOINT* b, double scaleX, double scaleY,

@@ -74,19 +74,26 @@ inline double scaleFactor2LL(const tagPOINT& a, const tagPOINT& b, const tagPOIN
     return scaleFactor(a, b, point, kScaleFactorNull, kScaleFactorPointTolerance2L);
 }
 
+/// A line of space and a point, along the dominant axis of the line.
+struct DominantAxis {
+    double length;  ///< b - a, signed.
+    double offset;  ///< point - a.
+};
+
+/// The largest component of b - a; of equal ones the first in the order x, y, z.
+inline DominantAxis dominantAxis(const tagPOINT3D& a, const tagPOINT3D& b, const tagPOINT3D& point) {
+    const tagPOINT3D direction = frame::difference(a, b);
+    const tagPOINT3D toPoint = frame::difference(a, point);
+    DominantAxis axis{direction.x, toPoint.x};
+    if (std::fabs(direction.y) > std::fabs(axis.length)) axis = {direction.y, toPoint.y};
+    if (std::fabs(direction.z) > std::fabs(axis.length)) axis = {direction.z, toPoint.z};
+    return axis;
+}
+
 /// See `matGetScaleFactor3D`. Unlike in the plane a line without length gives 0.0, never `kNoValue`.
 inline double scaleFactor3D(const tagPOINT3D& a, const tagPOINT3D& b, const tagPOINT3D& point) {
-    double dominant = b.x - a.x;
-    double offset = point.x - a.x;
-    if (const double dy = b.y - a.y; std::fabs(dy) > std::fabs(dominant)) {
-        dominant = dy;
-        offset = point.y - a.y;
-    }
-    if (const double dz = b.z - a.z; std::fabs(dz) > std::fabs(dominant)) {
-        dominant = dz;
-        offset = point.z - a.z;
-    }
-    return frame::isSmaller(kScaleFactorNoLength3D, dominant) ? 0.0 : offset / dominant;
+    const DominantAxis axis = dominantAxis(a, b, point);
+    return frame::isSmaller(kScaleFactorNoLength3D, axis.length) ? 0.0 : axis.offset / axis.length;
 }
 
 /// The scale factor that belongs to lines of `Point`, for a tested point in doubles.

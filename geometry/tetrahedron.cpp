@@ -2,13 +2,12 @@
 #include <cmath>
 
 #include "frame/primitives.h"
-#include "geometry/vector.h"
 #include "velquad/geometry.h"
 
+using velquad::frame::cross;
+using velquad::frame::difference;
 using velquad::frame::isSmaller;
-using velquad::geometry::cross;
-using velquad::geometry::difference;
-using velquad::geometry::lengthSquared;
+using velquad::frame::lengthSquared;
 
 namespace {
 

@@ -121,7 +121,7 @@ class BlockTable {
 
     // 1 + the index of the block with this handle; 0 when there is none.
     std::uint32_t findHandle(HGLOBAL handle) {
-        const auto bits = std::bit_cast<std::uintptr_t>(handle);
+        const auto bits = reinterpret_cast<std::uintptr_t>(handle);
         if ((bits & kHandleMask) != kHandleMark) {
             const std::uint32_t place = findAddress(handle);
             return place != 0 && at(place - 1).kind == Kind::kFixed ? place : 0;
@@ -147,7 +147,7 @@ class BlockTable {
     std::uint32_t& headOf(const void* address) {
         // Multiplication by 2^64 / golden ratio (Knuth, 1973) spreads addresses that share their low bits.
         constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15u;
-        const std::uint64_t mixed = std::bit_cast<std::uintptr_t>(address) * kSpread;
+        const std::uint64_t mixed = reinterpret_cast<std::uintptr_t>(address) * kSpread;
         const int bits = kFirstChunkBits + growthCount_;
         std::uint32_t* heads = heads_ == nullptr ? firstHeads_ : heads_;
         return heads[mixed >> (64 - bits)];
@@ -274,8 +274,10 @@ HGLOBAL resizeByMoving(std::uint32_t index, SIZE_T size, UINT flags, TableLock& 
 }  // namespace
 
 extern "C" HGLOBAL GlobalAlloc(UINT flags, SIZE_T size) {
-    void* contents = allocateContents(size, (flags & GMEM_ZEROINIT) != 0);
-    if (contents == nullptr) return nullptr;
+    const bool isMovable = (flags & GMEM_MOVEABLE) != 0;
+    const bool isDiscarded = isMovable && size == 0;
+    void* contents = isDiscarded ? nullptr : allocateContents(size, (flags & GMEM_ZEROINIT) != 0);
+    if (contents == nullptr && !isDiscarded) return nullptr;
     {
         const TableLock lock(table.lock());
         const std::uint32_t number = table.acquire();
@@ -283,10 +285,10 @@ extern "C" HGLOBAL GlobalAlloc(UINT flags, SIZE_T size) {
             Place& place = table.at(number - 1);
             place.address = contents;
             place.size = size;
-            place.capacity = capacityFor(size);
+            place.capacity = isDiscarded ? 0 : capacityFor(size);
             place.locks = 0;
-            place.kind = (flags & GMEM_MOVEABLE) != 0 ? Kind::kMovable : Kind::kFixed;
-            table.link(number - 1);
+            place.kind = isMovable ? Kind::kMovable : Kind::kFixed;
+            if (!isDiscarded) table.link(number - 1);
             return table.makeHandle(number - 1);
         }
     }

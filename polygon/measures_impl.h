@@ -51,10 +51,10 @@ class NearestEdge {
     const NearestPlace& place() const { return place_; }
 
   private:
-    const Point test_;
-    const bool isSquared_;
     static double smaller(double a, double b) { return b < a ? b : a; }
 
+    const Point test_;
+    const bool isSquared_;
     double limit_;  ///< The square of the smallest distance so far.
     double reach_ = kNoValue;
     NearestPlace place_;

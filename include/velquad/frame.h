@@ -44,9 +44,9 @@ VELQUAD_API int matSameVector3D(const tagPOINT3D* a, const tagPOINT3D* b);
 VELQUAD_API int matDetIsZero2D(const tagPOINT2D* p0, const tagPOINT2D* p1, const tagPOINT2D* p2);
 
 /// The orientation of the way p0, p1, p2, with an answer for collinear points that tells their order.
-///   (1)  1: counter-clockwise in mathematical axes, or collinear with p1 between p0 and p2.
-///   (2) -1: clockwise, or collinear with p0 between p1 and p2.
-///   (3)  0: collinear with p2 between p0 and p1, or points coincide.
+///   (1)  1: counter-clockwise in mathematical axes, or collinear with p1 between p0 and p2 or on p0.
+///   (2) -1: clockwise, or collinear with p0 strictly between p1 and p2.
+///   (3)  0: collinear with p2 between p0 and p1 or on one of them; so also three equal points.
 /// Differences, products and sums are 32-bit integers that wrap around.
 /// @par Source  The three-way orientation test of R. Sedgewick, Algorithms, 1988.
 VELQUAD_API int matIsCCW(const tagPOINT* p0, const tagPOINT* p1, const tagPOINT* p2);

@@ -57,8 +57,9 @@ VELQUAD_API double matCalcPixelScaledDist(const tagPOINT* a, const tagPOINT* b, 
 /// through `point`, and its crossing with a-b is the foot.
 /// @{
 
-/// The distance from a segment. a and b coincide when both coordinates differ by less than 1e-40. A foot up to
-/// 2.2e-16 inside an end, or beyond it, is that end, with `parameter` exactly 0.0 or 1.0.
+/// The distance from a segment. a and b coincide when both coordinates differ by less than 1e-40. A foot
+/// beyond an end, or with a parameter less than 2.220446049250313e-16 inside of it, is that end, with `parameter`
+/// exactly 0.0 or 1.0.
 /// @note  Coordinates so large that rounding swallows the perpendicular give an end of the segment.
 VELQUAD_API double matCalcDistanceToSegment2D(const tagPOINT2D* a, const tagPOINT2D* b,
                                               const tagPOINT2D* point, int isSquared, tagPOINT2D* closest,
@@ -148,7 +149,8 @@ VELQUAD_API int matInitDistance(tagMAT_DISTANCE* record, double scaleX, double s
 VELQUAD_API int matCompareDistance(tagMAT_DISTANCE* record, tagPOINT a, tagPOINT b, double distance);
 
 /// Turns the sum of distances into their mean and finds the directions of both pairs, as directions of undirected
-/// lines in degrees: from 180 on they are turned back by 180, and what is within 1e-7 below 180 is 0.0.
+/// lines in degrees, [0, 180): from 179.9999999 on they are turned back by 180, and what falls below 0 is 0.0.
+/// Only a direction just below a full turn, turned back, comes out between 179.9999999 and 180.
 /// Meant to run once: a second run divides the mean by the count again.
 /// @return 1, or 0 for a null record. A record without pairs stays as it was.
 VELQUAD_API int matCompleteDistance(tagMAT_DISTANCE* record);

@@ -121,8 +121,9 @@ extern "C" {
 /// A null, stale or foreign handle or address is refused with the failure value and is never read.
 /// @{
 
-/// Allocates `size` bytes; movable with GMEM_MOVEABLE, zero-filled with GMEM_ZEROINIT. A block of no bytes is a
-/// block all the same, with an address of its own.
+/// Allocates `size` bytes; movable with GMEM_MOVEABLE, zero-filled with GMEM_ZEROINIT. A movable block of no
+/// bytes begins as a discarded one, which cannot be locked until `GlobalReAlloc` gives it contents; a fixed one
+/// has an address of its own.
 /// @return the handle of the unlocked block, or null when there is no memory.
 VELQUAD_API HGLOBAL GlobalAlloc(UINT flags, SIZE_T size);
 

@@ -175,7 +175,8 @@ VELQUAD_API DWORD polyRemoveDoublePointsEx(tagPOINT* points, DWORD count, double
 ///       vertices as anywhere else.
 ///   (4) Differences and products of coordinates wrap around at 32 bits, which no outline notices whose extent, with
 ///       the point, is at most 32767 pixels.
-/// Distances along the ray and along an edge are compared with a tolerance of 1e-7, relative to their length.
+/// Distances along the ray and along an edge are compared with a tolerance of 1e-7, relative to their length. The ray is
+/// aimed at a vertex, so a point off an edge by less than 1e-7 of the way to that vertex counts as on the edge.
 /// @param point  the point asked about. Not null unless `count` is 0.
 /// @return 1 inside, 0 outside or for a count of 0, -1 on the outline.
 /// @par Cost    O(count), no allocation.

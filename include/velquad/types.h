@@ -58,11 +58,11 @@ struct tagMAT_DISTANCE {
     tagPOINT shortestFrom;    ///< First point of the shortest pair; 0x7fffffff twice while there is none.
     tagPOINT shortestTo;      ///< Second point of the shortest pair.
     double shortestDistance;  ///< Its distance; the largest double while there is none.
-    double shortestAngle;     ///< Its direction in degrees, [0, 179.9999999), after `matCompleteDistance`.
+    double shortestAngle;     ///< Its direction in degrees, [0, 180), after `matCompleteDistance`.
     tagPOINT longestFrom;     ///< First point of the longest pair.
     tagPOINT longestTo;       ///< Second point of the longest pair.
     double longestDistance;   ///< Its distance.
-    double longestAngle;      ///< Its direction in degrees, after `matCompleteDistance`.
+    double longestAngle;      ///< Its direction in degrees, [0, 180), after `matCompleteDistance`.
     double meanDistance;      ///< Sum of all distances; their mean after `matCompleteDistance`.
     DWORD count;              ///< Pairs compared.
     double scaleX;            ///< Width of a pixel in units of measurement.

@@ -240,6 +240,15 @@ TEST(RennerCoefficients, ATurnOfEpsilonBesideACornerEndsTheStraightRun) {
     EXPECT_EQ(pointsAfter(std::nextafter(epsilon, 0.0)), 7u);
 }
 
+TEST(RennerCoefficients, TurnsOnBothSidesOfACornerAddUp) {
+    const auto pointsAfter = [](double turn) {
+        return Renner({{-2, turn}, {-1, 0}, {0, 0}, {0, 1}, {turn, 2}, {2 * turn, 3}}, 0.5).points().size();
+    };
+    const double epsilon = 2.220446049250313e-16;
+    EXPECT_EQ(pointsAfter(0.5 * epsilon), 6u);
+    EXPECT_EQ(pointsAfter(std::nextafter(0.5 * epsilon, 0.0)), 7u);
+}
+
 TEST(RennerCoefficients, AGapOfEpsilonBetweenTheEndsMakesTheCurveOpen) {
     const auto pointsAfter = [](double gap) {
         Rows points = kSquareSeamOnCorner;
@@ -349,6 +358,35 @@ TEST(RennerCoefficients, AgreesBitForBitWithTheLiteralVersion) {
     EXPECT_GT(rounded, 100u) << "the data must have corners";
 }
 
+/// A walk along the axes that now and then turns back on itself, ended by the way back to its start.
+Rows randomWalkHome(std::mt19937& random, std::size_t dimension) {
+    Rows points{std::vector<double>(dimension, 0.0)};
+    const auto go = [&](std::size_t axis, double step) {
+        points.push_back(points.back());
+        points.back()[axis] += step;
+    };
+    for (std::size_t legs = 2 + random() % 6; legs > 0; --legs) {
+        const std::size_t axis = random() % dimension;
+        const double step = random() % 2 == 0 ? 1.0 : -1.0;
+        for (std::size_t count = 1 + random() % 3; count > 0; --count)
+            go(axis, step);
+    }
+    for (std::size_t axis = 0; axis < dimension; ++axis) {
+        while (points.back()[axis] != 0.0)
+            go(axis, points.back()[axis] > 0.0 ? -1.0 : 1.0);
+    }
+    return points;
+}
+
+TEST(RennerCoefficients, AgreesBitForBitWhereCurvesTurnBack) {
+    for (unsigned seed = 1; seed <= 3000; ++seed) {
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        std::mt19937 random(seed);
+        const Rows points = randomWalkHome(random, 2 + seed % 2);
+        expectSameAsReference(points, random() % 3 == 0 ? 0.0 : 0.25, points.size() / 2);
+    }
+}
+
 TEST(RennerCoefficients, ReportsEveryFailingAllocation) {
     Matrix P(kSquareSeamOnSide), b(13, 2), c(13, 2), d(13, 2);
     double len[13];
@@ -371,6 +409,16 @@ TEST(RennerRoundCorner, PutsBothPointsAtTheSameDistance) {
     EXPECT_EQ(P.copy(5), (Rows{{0, 0}, {3, 0}, {4, 1}, {4, 10}, {4, 20}}));
     EXPECT_EQ(chords.copy(8),
               (Rows{{-1, -1}, {-2, -2}, {3, 0}, {1, 1}, {0, 9}, {0, 10}, {-3, -3}, {-4, -4}}));
+}
+
+TEST(RennerRoundCorner, GoesByTheShorterChordOnEitherSide) {
+    Matrix P(Rows{{0, 0}, {10, 0}, {10, 4}, {10, 20}}, 1);
+    Matrix chords(Rows{{-1, -1}, {-2, -2}, {10, 0}, {0, 4}, {0, 16}, {-3, -3}, {-4, -4}}, 1);
+    Index m = 3;
+    ASSERT_EQ(rennerRoundCorner(m, 4, 2, 1, P.rows(), chords.rows() + 2, 0.5), 0);
+    EXPECT_EQ(P.copy(5), (Rows{{0, 0}, {8, 0}, {10, 2}, {10, 4}, {10, 20}}));
+    EXPECT_EQ(chords.copy(8),
+              (Rows{{-1, -1}, {-2, -2}, {8, 0}, {2, 2}, {0, 2}, {0, 16}, {-3, -3}, {-4, -4}}));
 }
 
 TEST(RennerRoundCorner, ChangesNothingWithoutRoom) {

@@ -61,6 +61,7 @@ TEST(MatRoundToDecimals, RoundsHalvesAwayFromZeroAtTheGuardDigit) {
     EXPECT_EQ(matRoundToDecimals(-2.5, 0, 1), -3.0);
     EXPECT_EQ(matRoundToDecimals(0.0625, 1, 1), 0.1);
     EXPECT_EQ(matRoundToDecimals(0.03125, 1, 1), 0.0);
+    EXPECT_FALSE(std::signbit(matRoundToDecimals(0.0, 1, 1)));
 }
 
 TEST(MatRoundToDecimals, AddsFiveForEveryGuardDigit) {
@@ -118,11 +119,27 @@ TEST(MatSameVector2D, TakesTinyVectorsAsNull) {
     EXPECT_EQ(sameVector2D(0.0, 0.0, 1e-40, 0.0), 0);
     EXPECT_EQ(sameVector2D(0.0, 0.0, 0.0, 1e-40), 0);
     EXPECT_EQ(sameVector2D(0.0, 0.0, -1.0, 0.0), 0);
+    // A difference below the tolerance decides alone, however large a part of the vector it is.
+    EXPECT_EQ(sameVector2D(2e-40, 0.0, 2.9e-40, 0.0), 1);
+    EXPECT_EQ(sameVector2D(2e-40, 0.0, 3.1e-40, 0.0), 0);
+}
+
+TEST(MatSameVector2D, TakesTwoNullVectorsAsTheSameThoughTheirDifferenceIsNotNull) {
+    EXPECT_EQ(sameVector2D(9e-41, 0.0, -9e-41, 0.0), 1);
+    EXPECT_EQ(sameVector2D(0.0, -9e-41, 0.0, 9e-41), 1);
+    EXPECT_EQ(sameVector2D(9e-41, 0.0, -1e-40, 0.0), 0);
+    EXPECT_EQ(sameVector2D(0.0, 9e-41, 0.0, -1e-40), 0);
+    EXPECT_EQ(sameVector3D({0.0, 0.0, 9e-41}, {0.0, 0.0, -9e-41}), 1);
+    // A first vector of exactly the tolerance is not null: the difference is all of it.
+    EXPECT_EQ(sameVector2D(1e-40, 0.0, 0.0, 0.0), 0);
+    EXPECT_EQ(sameVector2D(0.0, 1e-40, 0.0, 0.0), 0);
 }
 
 TEST(MatSameVector2D, IsRelativeToTheFirstVector) {
     // The difference 1e10 is below 1e-40 of 1e300 only if the quotient underflows to it: 1e-290 does.
     EXPECT_EQ(sameVector2D(1e300, 0.0, 1e300, 1e10), 1);
+    EXPECT_EQ(sameVector2D(0.0, -1e300, 1e10, -1e300), 1);
+    EXPECT_EQ(sameVector3D({0.0, 0.0, 1e300}, {1e10, 0.0, 1e300}), 1);
     EXPECT_EQ(sameVector2D(1.0, 0.0, 1.0, 1e-39), 0);
     EXPECT_EQ(sameVector2D(1.0, 0.0, 1.0, 9e-41), 1);
 }

@@ -10,6 +10,10 @@
 
 #include "tests/support/allocation_failure.h"
 
+#if !defined(_WIN32)
+#include "platform/global_memory.h"
+#endif
+
 namespace {
 
 using velquad::frame::BlockLock;
@@ -48,6 +52,16 @@ TEST(GlobalAllocLocked, GivesTheLockedContents) {
 
 TEST(GlobalAllocLocked, GivesNullWithoutMemory) {
     EXPECT_EQ(matGlobalAllocLocked(kZeroedMovable, SIZE_MAX), nullptr);
+}
+
+TEST(GlobalAllocLocked, FreesABlockThatCannotBeLocked) {
+    // A movable block of no bytes has nothing to lock.
+    EXPECT_EQ(matGlobalAllocLocked(kZeroedMovable, 0), nullptr);
+#if !defined(_WIN32)
+    const std::size_t before = velquad::platform::liveBlockCount();
+    EXPECT_EQ(matGlobalAllocLocked(kZeroedMovable, 0), nullptr);
+    EXPECT_EQ(velquad::platform::liveBlockCount(), before);
+#endif
 }
 
 TEST(GlobalReAllocLocked, KeepsContentsAndLock) {

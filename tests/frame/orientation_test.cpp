@@ -75,6 +75,21 @@ TEST(MatIsCCW, WrapsProductsAt32Bits) {
     EXPECT_EQ(ccw({0, 0}, {46341, 0}, {0, 46341}), -1);
 }
 
+TEST(MatIsCCW, WrapsTheProductsOfCollinearPoints) {
+    // 46341^2 is negative in 32 bits: p0 seems to lie between two equal points.
+    EXPECT_EQ(ccw({0, 0}, {46340, 0}, {46340, 0}), 0);
+    EXPECT_EQ(ccw({0, 0}, {46341, 0}, {46341, 0}), -1);
+    EXPECT_EQ(ccw({0, 0}, {0, 46341}, {0, 46341}), -1);
+}
+
+TEST(MatIsCCW, WrapsSquaredLengths) {
+    EXPECT_EQ(ccw({0, 0}, {1, 0}, {46340, 0}), 1);
+    EXPECT_EQ(ccw({0, 0}, {1, 0}, {46341, 0}), 0);
+    // 32768^2 + 32768^2 = 2^31 wraps in the sum.
+    EXPECT_EQ(ccw({0, 0}, {1, 1}, {32767, 32767}), 1);
+    EXPECT_EQ(ccw({0, 0}, {1, 1}, {32768, 32768}), 0);
+}
+
 TEST(MatIsCCW, WrapsDifferencesAt32Bits) {
     // p1 - p0 = kLargest - kSmallest wraps to -1: the way seems to go left, then up.
     EXPECT_EQ(ccw({kSmallest, 0}, {kLargest, 0}, {kLargest, 1}), -1);
@@ -111,6 +126,12 @@ TEST(MatDetIsZero2D, IsRelativeToTheLargestCoordinate) {
     EXPECT_EQ(collinear({1e7, 0}, {1e7 + 1, 0}, {1e7, 0.5}), 1);
     EXPECT_EQ(collinear({1e6, 0}, {1e6 + 1, 0}, {1e6, 0.5}), 0);
     EXPECT_EQ(collinear({0, -1e7}, {1, -1e7}, {0, -1e7 + 0.5}), 1);
+}
+
+TEST(MatDetIsZero2D, IsStrictAtTheRelativeTolerance) {
+    // Determinants of -1; 1 / 1e7 is the tolerance itself.
+    EXPECT_EQ(collinear({1e7, 0}, {1e7 - 1, 0}, {1e7, 1}), 0);
+    EXPECT_EQ(collinear({1e7 + 1, 0}, {1e7, 0}, {1e7 + 1, 1}), 1);
 }
 
 TEST(MatDetIsZero2D, KnowsLines) {

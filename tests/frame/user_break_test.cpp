@@ -57,6 +57,8 @@ TEST_F(UserBreak, IsNoKeyReleaseOrUnicodeCharacter) {
     EXPECT_EQ(matPollUserBreak(), 0);
     EXPECT_EQ(matPollUserBreak(), 0);
     EXPECT_EQ(matPollUserBreak(), 0);
+    EXPECT_FALSE(peek(WM_KEYUP, PM_NOREMOVE));
+    EXPECT_FALSE(peek(WM_UNICHAR, PM_NOREMOVE));
 }
 
 TEST_F(UserBreak, TakesOneMessageACall) {

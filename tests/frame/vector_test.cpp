@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
 
 #include "velquad/frame.h"
 
@@ -132,6 +133,30 @@ TEST(MatNormalizeVector3D, ScalesToLengthOne) {
     EXPECT_EQ(matNormalizeVector3D(nullptr), 0);
 }
 
+TEST(MatNormalizeVector, TakesALengthEqualToTheTolerance) {
+    for (const double length : {1e-40, std::nextafter(1e-40, 1.0)}) {
+        tagPOINT2D flat{0, -length};
+        tagPOINT3D v{0, 0, -length};
+        EXPECT_EQ(matNormalizeVector2D(&flat), 1);
+        EXPECT_EQ(matNormalizeVector3D(&v), 1);
+        EXPECT_DOUBLE_EQ(flat.y, -1.0);
+        EXPECT_DOUBLE_EQ(v.z, -1.0);
+    }
+    const double below = std::nextafter(1e-40, 0.0);
+    tagPOINT2D flat{0, -below};
+    tagPOINT3D v{0, 0, -below};
+    EXPECT_EQ(matNormalizeVector2D(&flat), 0);
+    EXPECT_EQ(matNormalizeVector3D(&v), 0);
+    EXPECT_EQ(flat.y, 0.0);
+    expectPoint(v, 0.0, 0.0, 0.0);
+}
+
+TEST(MatNormalizeVector3D, MultipliesByTheReciprocalOfTheLength) {
+    tagPOINT3D v{3, 0, 4};
+    EXPECT_EQ(matNormalizeVector3D(&v), 1);
+    expectPoint(v, 3 * 0.2, 0.0, 4 * 0.2);
+}
+
 TEST(MatRotatePoint, TurnsCounterClockwise) {
     tagPOINT2D point{2, 1};
     const tagPOINT2D center{1, 1};
@@ -159,6 +184,28 @@ TEST(MatRotatePoint, ClockwiseByNothingIsAFullTurnWithItsRounding) {
     EXPECT_EQ(point.x, 1.0);
     // The sine of the double next to 2 pi; C libraries that keep 66 bits of pi miss it by 1e-21.
     EXPECT_NEAR(point.y, -2.4492935982947064e-16, 1e-20);
+}
+
+TEST(MatRotatePoint, AddsTheCentreBeforeTheLastProduct) {
+    std::mt19937 random(1201);
+    std::uniform_real_distribution<double> coordinates(-100.0, 100.0);
+    for (int i = 0; i < 1000; ++i) {
+        const tagPOINT2D center{coordinates(random), coordinates(random)};
+        const tagPOINT2D start{coordinates(random), coordinates(random)};
+        const double angle = coordinates(random);
+        SCOPED_TRACE(testing::Message() << i << ": " << center.x << " " << center.y << " " << start.x << " "
+                                        << start.y << " " << angle);
+        const int isDegrees = i & 1;
+        const int isCounterClockwise = i & 2;
+        const double a = isDegrees != 0 ? angle * 0.017453292519943295 : angle;
+        const double phi = isCounterClockwise != 0 ? a : 6.283185307179586 - a;
+        const double dx = start.x - center.x;
+        const double dy = start.y - center.y;
+        tagPOINT2D point = start;
+        ASSERT_EQ(matRotatePoint(&point, &center, angle, isCounterClockwise, isDegrees), 1);
+        ASSERT_EQ(point.x, (dx * std::cos(phi) + center.x) - dy * std::sin(phi));
+        ASSERT_EQ(point.y, (dx * std::sin(phi) + center.y) + dy * std::cos(phi));
+    }
 }
 
 TEST(MatRotatePoint, RefusesNullPointers) {

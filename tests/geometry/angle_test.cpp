@@ -271,6 +271,12 @@ TEST(MatCalcNormalizedAngle2D, TakesTheLastStepBelowAFullTurnAsZeroInRadiansOnly
     EXPECT_EQ(sweep({-1, -4e-16}, {-1, -2e-16}, 1, 1), 0.0);
 }
 
+TEST(MatCalcNormalizedAngle2D, LeavesADirectionOfZeroAtZero) {
+    // Directions are taken towards the centre. As a full turn the first one would swallow the second.
+    EXPECT_EQ(sweep({-1, 0}, {-1, -1e-17}, 1, 0), 1e-17);
+    EXPECT_EQ(sweep({-1, -1e-17}, {-1, 0}, 0, 0), 1e-17);
+}
+
 TEST(MatCalcNormalizedAngle2D, ComplementsTheOtherSense) {
     std::mt19937 random(4204);
     std::uniform_real_distribution<double> coordinates(-10.0, 10.0);

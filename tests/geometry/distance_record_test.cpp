@@ -106,6 +106,18 @@ TEST(MatCompareDistance, LetsTheEarliestOfEqualPairsStand) {
     EXPECT_EQ(record.count, 6U);
 }
 
+TEST(MatCompareDistance, TakesTheFirstPairWhateverItsDistance) {
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    tagMAT_DISTANCE record = makeRecord();
+    EXPECT_EQ(matCompareDistance(&record, {1, 2}, {3, 4}, kInfinity), 1);
+    EXPECT_EQ(record.shortestDistance, kInfinity);
+    EXPECT_EQ(record.longestDistance, kInfinity);
+    expectPoint(record.shortestTo, 3, 4);
+    EXPECT_EQ(matCompareDistance(&record, {5, 6}, {7, 8}, -1.0), 1);
+    EXPECT_EQ(record.shortestDistance, -1.0);
+    expectPoint(record.longestFrom, 1, 2);
+}
+
 TEST(MatCompareDistance, ComputesTheCorrectedDistanceForTheSentinel) {
     tagMAT_DISTANCE record = makeRecord(0.5, 2.0);
     EXPECT_EQ(matCompareDistance(&record, {4, 4}, {4, 4}, kSentinel), 1);
@@ -160,9 +172,24 @@ TEST(MatCompleteDistance, GivesDirectionsOfUndirectedLines) {
     EXPECT_EQ(directionOf({0, 0}, {1, 1}, 1.0, 2.0), 63.43494882292201);
 }
 
+TEST(MatCompleteDistance, FindsTheDirectionOfEachPair) {
+    tagMAT_DISTANCE record = makeRecord(1.0, 2.0);
+    matCompareDistance(&record, {0, 0}, {2, 1}, 3.0);
+    matCompareDistance(&record, {0, 0}, {0, 5}, 9.0);
+    EXPECT_EQ(matCompleteDistance(&record), 1);
+    EXPECT_EQ(record.shortestAngle, 45.0);
+    EXPECT_EQ(record.longestAngle, 90.0);
+}
+
 TEST(MatCompleteDistance, TurnsBackFromJustBelowHalfATurn) {
     // A slope of 1 in 1 000 000 000 is 5.7e-8 degrees from horizontal, one in 500 000 000 is 1.1e-7.
     EXPECT_EQ(directionOf({1000000000, 0}, {0, 1}), 0.0);
     EXPECT_NEAR(directionOf({500000000, 0}, {0, 1}), 180.0 - 1.1459156e-7, 1e-12);
+    // Directions of exactly 179.9999999, and two steps of rounding below it.
+    EXPECT_EQ(matCalcScaledAngle({0, 0}, {-1, 1}, 1.0, 1.7453292519943295e-9), 179.9999999);
+    EXPECT_EQ(directionOf({0, 0}, {-1, 1}, 1.0, 1.7453292519943295e-9), 0.0);
+    EXPECT_EQ(directionOf({0, 0}, {-1, 1}, 1.0, 1.7453300519943295e-9), 179.99999989999995);
+    // Just below a full turn, and so just below half a turn when it is turned back.
     EXPECT_GT(directionOf({0, 0}, {1000000000, -1}), 179.9999999);
+    EXPECT_LT(directionOf({0, 0}, {1000000000, -1}), 180.0);
 }

@@ -229,6 +229,12 @@ TEST(MatCalcDistanceToLine3D, TakesAPointWithinToleranceForAPointOfTheLine) {
     const Foot<tagPOINT3D> off = line(tagPOINT3D{0, 0, 0}, {1, 0, 0}, {0.25, 1e-7, 0});
     EXPECT_EQ(off.distance, 1e-7);
     EXPECT_EQ(off.parameter, 0.25);
+    // Beside a slanted line the coordinate and the foot of the perpendicular are two places.
+    const double below = std::nextafter(1e-7, 0.0);
+    const tagPOINT3D a{0, 0, 0};
+    const tagPOINT3D b{1024, 1024, 0};
+    EXPECT_EQ(line(a, b, {below / 1024, 0, 0}).parameter, below / 1024 / 1024);
+    EXPECT_NEAR(line(a, b, {1e-7 / 1024, 0, 0}).parameter, 1e-7 / 1024 / 2048, 1e-20);
 }
 
 TEST(MatCalcDistanceToLine3D, AgreesWithTheReference) {

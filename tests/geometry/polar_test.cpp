@@ -131,13 +131,32 @@ TEST(MatComputePolarVector, ConvertsDegreesByProductAndQuotient) {
         const double inclination = angles(random);
         const double azimuth = angles(random);
         SCOPED_TRACE(testing::Message() << inclination << " " << azimuth);
-        const double t = (90.0 - inclination) * kPi / 180.0;
+        const int isElevation = i & 1;
+        const double t = (isElevation != 0 ? 90.0 - inclination : inclination) * kPi / 180.0;
         const double p = azimuth * kPi / 180.0;
-        const tagPOINT3D v = toVector(inclination, azimuth, 1, 1);
+        const tagPOINT3D v = toVector(inclination, azimuth, 1, isElevation);
         ASSERT_EQ(v.x, std::cos(p) * std::sin(t));
         ASSERT_EQ(v.y, std::sin(p) * std::sin(t));
         ASSERT_EQ(v.z, std::cos(t));
         ASSERT_NEAR(v.x * v.x + v.y * v.y + v.z * v.z, 1.0, 1e-14);
+    }
+}
+
+TEST(MatComputePolarVector, FindsDegreesByProductAndQuotient) {
+    std::mt19937 random(4207);
+    std::uniform_real_distribution<double> coordinates(0.1, 1.0);
+    for (int i = 0; i < 5000; ++i) {
+        // Angles of the first octant need no reduction.
+        const double x = coordinates(random);
+        const double y = coordinates(random);
+        const double z = coordinates(random);
+        SCOPED_TRACE(testing::Message() << x << " " << y << " " << z);
+        const double elevation = std::atan2(z, std::sqrt(x * x + y * y));
+        ASSERT_EQ(toPolar(x, y, z, 1, 1).azimuth, std::atan2(y, x) * 180.0 / kPi);
+        ASSERT_EQ(toPolar(x, y, z, 1, 1).inclination, elevation * 180.0 / kPi);
+        ASSERT_EQ(toPolar(x, y, z, 1, 0).inclination, (1.5707963267948966 - elevation) * 180.0 / kPi);
+        ASSERT_EQ(toPolar(x, y, z, 0, 0).azimuth, std::atan2(y, x));
+        ASSERT_EQ(toPolar(x, y, z, 0, 0).inclination, 1.5707963267948966 - elevation);
     }
 }
 

@@ -313,10 +313,21 @@ TEST(MatCalcDistanceToSegment3D, PlacesAPointOfTheLineByTheDominantCoordinate) {
     expectFoot(segment(tagPOINT3D{0, 0, 0}, {1, 2, 4}, {0.75, 1.5, 3}), 0.0, {0.75, 1.5, 3}, 0.75);
     expectFoot(segment(tagPOINT3D{0, 0, 0}, {4, 0, 0}, {7, 0, 0}), 3.0, {4, 0, 0}, 1.0);
     expectFoot(segment(tagPOINT3D{0, 0, 0}, {4, 0, 0}, {-3, 0, 0}), 3.0, {0, 0, 0}, 0.0);
+    // The largest component by its absolute value.
+    EXPECT_EQ(segment(tagPOINT3D{0, 0, 0}, {-4, 2, 1}, {-2, 1 + 1e-8, 0.5}).parameter, 0.5);
+    EXPECT_EQ(segment(tagPOINT3D{0, 0, 0}, {1, 2, -4}, {0.5, 1 + 1e-8, -2}).parameter, 0.5);
     // Equal components: x before y before z.
     EXPECT_EQ(segment(tagPOINT3D{0, 0, 0}, {1, 1, 1}, {0.5, 0.5 + 1e-8, 0.5 + 1e-8}).parameter, 0.5);
     EXPECT_EQ(segment(tagPOINT3D{0, 0, 0}, {0, 1, 1}, {0, 0.5, 0.5 + 1e-8}).parameter, 0.5);
     EXPECT_EQ(segment(tagPOINT3D{0, 0, 0}, {1, 0, 1}, {0.5, 0, 0.5 + 1e-8}).parameter, 0.5);
+}
+
+TEST(MatCalcDistanceToSegment3D, TakesAPointWithinToleranceForAPointOfTheLine) {
+    const double below = std::nextafter(1e-7, 0.0);
+    const tagPOINT3D a{0, 0, 0};
+    const tagPOINT3D b{1024, 1024, 0};
+    EXPECT_EQ(segment(a, b, {below / 1024, 0, 0}).parameter, below / 1024 / 1024);
+    EXPECT_NEAR(segment(a, b, {1e-7 / 1024, 0, 0}).parameter, 1e-7 / 1024 / 2048, 1e-20);
 }
 
 TEST(MatCalcDistanceToSegment3D, MovesAFootWithinRoundingToTheEnd) {

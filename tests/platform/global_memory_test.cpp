@@ -54,7 +54,7 @@ TEST_F(GlobalMemory, HandleIsNotTheAddress) {
 
 TEST_F(GlobalMemory, ContentsAreAlignedForEveryFundamentalType) {
     for (const UINT flags : {GMEM_MOVEABLE, GMEM_FIXED, kZeroedMovable}) {
-        for (SIZE_T size = 0; size < 70; ++size) {
+        for (SIZE_T size = 1; size < 70; ++size) {
             const HGLOBAL handle = GlobalAlloc(flags, size);
             ASSERT_NE(handle, nullptr);
             EXPECT_EQ(std::bit_cast<std::uintptr_t>(GlobalLock(handle)) % alignof(std::max_align_t), 0u);
@@ -112,10 +112,10 @@ TEST_F(GlobalMemory, LockedBlockMayBeFreed) {
     EXPECT_EQ(GlobalFlags(handle), GMEM_INVALID_HANDLE);
 }
 
-TEST_F(GlobalMemory, EmptyBlocksHaveAddressesOfTheirOwn) {
+TEST_F(GlobalMemory, EmptyFixedBlocksHaveAddressesOfTheirOwn) {
     std::set<void*> addresses;
     std::vector<HGLOBAL> handles;
-    for (const UINT flags : {GMEM_MOVEABLE, kZeroedMovable, GMEM_FIXED}) {
+    for (const UINT flags : {GMEM_FIXED, GMEM_FIXED | GMEM_ZEROINIT, GMEM_FIXED}) {
         const HGLOBAL handle = GlobalAlloc(flags, 0);
         ASSERT_NE(handle, nullptr);
         handles.push_back(handle);
@@ -129,6 +129,26 @@ TEST_F(GlobalMemory, EmptyBlocksHaveAddressesOfTheirOwn) {
     EXPECT_EQ(addresses.size(), handles.size());
     for (const HGLOBAL handle : handles)
         EXPECT_EQ(GlobalFree(handle), nullptr);
+}
+
+TEST_F(GlobalMemory, EmptyMovableBlocksBeginDiscarded) {
+    for (const UINT flags : {GMEM_MOVEABLE, kZeroedMovable}) {
+        const HGLOBAL handle = GlobalAlloc(flags, 0);
+        ASSERT_NE(handle, nullptr);
+        EXPECT_EQ(GlobalFlags(handle), GMEM_DISCARDED);
+        EXPECT_EQ(GlobalSize(handle), 0u);
+        EXPECT_EQ(GlobalLock(handle), nullptr);
+        EXPECT_EQ(GlobalUnlock(handle), 0);
+        EXPECT_EQ(GlobalReAlloc(handle, 40, kZeroedMovable), handle);
+        void* contents = GlobalLock(handle);
+        ASSERT_NE(contents, nullptr);
+        EXPECT_EQ(GlobalHandle(contents), handle);
+        EXPECT_TRUE(isFilledWith(contents, 0, 40, 0));
+        EXPECT_EQ(GlobalFree(handle), nullptr);
+    }
+    const HGLOBAL unused = GlobalAlloc(GMEM_MOVEABLE, 0);
+    EXPECT_EQ(GlobalFree(unused), nullptr);
+    EXPECT_EQ(GlobalFree(unused), unused);
 }
 
 TEST_F(GlobalMemory, SizesThatCannotBeGiveNull) {
@@ -404,7 +424,8 @@ TEST_F(GlobalMemory, FailedAllocationGivesNullAndLosesNothing) {
                 GlobalFree(handle);
                 return handle == nullptr;
             });
-            EXPECT_EQ(allocations, 1u);
+            const bool hasContents = size != 0 || flags == GMEM_FIXED;
+            EXPECT_EQ(allocations, hasContents ? 1u : 0u);
         }
     }
 }

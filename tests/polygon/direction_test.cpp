@@ -189,6 +189,10 @@ TEST(PolyCompareDirections, OfOpenChainsComparesTheirEnds) {
 TEST(PolyCompareDirections, EqualDistancesAreNotTheSameWay) {
     EXPECT_EQ(compare({{0, 0}, {10, 0}}, {{0, 5}, {0, -5}}, 0), 0);
     EXPECT_EQ(compare({{0, 0}}, {{0, 0}}, 0), 0);
+    // The start at 5 is as far from 0 as from 10; for the other chain the condition holds.
+    EXPECT_EQ(compare({{0, 0}, {10, 0}}, {{5, 0}, {20, 0}}, 0), 0);
+    EXPECT_EQ(compare({{5, 0}, {20, 0}}, {{0, 0}, {10, 0}}, 0), 0);
+    EXPECT_EQ(compare({{0, 0}, {11, 0}}, {{5, 0}, {20, 0}}, 0), 1);
 }
 
 TEST(PolyCompareDirections, OfNothingIsZero) {

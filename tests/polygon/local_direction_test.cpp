@@ -135,6 +135,18 @@ TEST(LocalDirection, FollowsTheRunOfTheOutline) {
     expectVector(direction(reversed, 1, 1, 0.0, 8.0, 0), 0.0, -8.0);
 }
 
+TEST(LocalDirection, RunsAlongTheLineInBothOrientations) {
+    // y 0, 3, 8 around vertex 1; x = 2 y + 5.
+    expectVector(direction({{5, 0}, {11, 3}, {21, 8}}, 1, 1, 2.0, 5.0, 0), 16.0, 8.0);
+    expectVector(direction({{21, 8}, {11, 3}, {5, 0}}, 1, 1, 2.0, 5.0, 0), -16.0, -8.0);
+}
+
+TEST(LocalDirection, EndsAreRoundedBeforeTheyAreSubtracted) {
+    // Beside 1e16 the neighbouring doubles are 2 apart: 1e16 + 1.5 becomes 1e16 + 2, 1e16 + 0.5 becomes 1e16.
+    expectVector(direction({{1, 0}, {3, 0}, {2, 0}}, 1, 1, 0.5, 1e16, 1), 2.0, 2.0);
+    expectVector(direction({{0, 1}, {0, 3}, {0, 2}}, 1, 1, 0.5, 1e16, 0), 2.0, 2.0);
+}
+
 TEST(LocalDirection, FlagIsTestedForZero) {
     expectVector(direction(kBend, 2, 2, 0.5, 1.0, -3), 8.0, 4.0);
 }

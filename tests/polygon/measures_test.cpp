@@ -229,6 +229,15 @@ TEST(PolyCalcCenterOfGravity, TruncatesTowardsZero) {
     EXPECT_EQ(out.y, -3.0);
 }
 
+TEST(PolyCalcCenterOfGravity, SumsOfThreeCoordinatesWrapAround) {
+    // 6000000003 - 2^32 is 1705032707, and a third of it 568344235. The area, 4.5, does not wrap.
+    const Outline triangle{{2000000000, 0}, {2000000003, 0}, {2000000000, 3}};
+    tagPOINT2D out{99.0, 99.0};
+    EXPECT_EQ(polyCalcCenterOfGravity(triangle.data(), 3, &out), 1);
+    EXPECT_EQ(out.x, 568344235.0);
+    EXPECT_EQ(out.y, 1.0);
+}
+
 TEST(PolyCalcCenterOfGravity, WithoutAreaLeavesTheOutputAlone) {
     tagPOINT2D out{99.0, 98.0};
     EXPECT_EQ(polyCalcCenterOfGravity(Outline{{0, 0}, {5, 5}, {9, 9}}.data(), 3, &out), 0);
@@ -265,6 +274,22 @@ TEST(PolyCalcAreaExact, FarFromTheOriginDependsOnWrapAroundOnly) {
         p.y += 2000000000;
     }
     EXPECT_EQ(polyCalcAreaExact(shifted.data(), 4), 100.0);
+}
+
+TEST(PolyCalcAreaExact, TrianglesOfTwiceTheAreaBeyond32BitsWrapAround) {
+    // Four triangles between the centre and a side, of side^2 / 2 each when doubled.
+    const auto squareOfSide = [](LONG side) {
+        return polyCalcAreaExact(Outline{{0, 0}, {side, 0}, {side, side}, {0, side}}.data(), 4);
+    };
+    EXPECT_EQ(squareOfSide(65534), 4294705156.0);
+    EXPECT_EQ(squareOfSide(65536), -4294967296.0);
+}
+
+TEST(PolyCalcAreaExact, CentreIsTheMeanOfAllStoredPointsRounded) {
+    // The doubled area, 70000^2, would wrap around in one piece. From (23333, 23333) the three parts do not, ...
+    EXPECT_EQ(polyCalcAreaExact(Outline{{0, 0}, {70000, 0}, {0, 70000}}.data(), 3), 2450000000.0);
+    // ... but with a closing point the mean is (17500, 17500), and the part beyond it wraps around.
+    EXPECT_EQ(polyCalcAreaExact(Outline{{0, 0}, {70000, 0}, {0, 70000}, {0, 0}}.data(), 4), 302516352.0);
 }
 
 TEST(PolyCalcAreaExact, MatchesWideArithmeticWhereNothingWraps) {

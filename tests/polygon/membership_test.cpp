@@ -4,7 +4,11 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <cstdint>
+#include <numeric>
 #include <random>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/polygon_reference.h"
@@ -96,11 +100,24 @@ TEST(MembershipTest, EdgeNearerThanTheToleranceOnTheRayIsTheOutline) {
     EXPECT_EQ(inside(outlineWithEdgeJustBelowOrigin(10001), {0, 0}), -1);
 }
 
+TEST(MembershipTest, EdgeNearerThanTheToleranceCountsOnLongRaysOnly) {
+    // The same outline from its third point on: the ray is shorter, and the edge meets it farther off, relatively.
+    EXPECT_EQ(inside({{667, 2}, {-333, -1}, {-20000, 9996}, {0, 10001}}, {0, 0}), 1);
+}
+
+/// The ray runs from (0, 0) through (4000, 1), where the outline crosses it, and on through (8000, 2). The outline
+/// comes back to (7999, 2), just short of the ray's line, by a short edge, and crosses the line right behind that
+/// vertex on the edge down to (7999, `depth`).
+Outline outlineThatCrossesJustBehindAVertex(LONG depth) {
+    return {{4000, -3000}, {4000, 1}, {9000, 3}, {7998, 2}, {7999, 2}, {7999, depth}};
+}
+
 TEST(MembershipTest, RayThatMissesAVertexWithinTheTolerancePassesThroughIt) {
-    // The ray goes from (0, 0) to (30000, 0). The edge from (20000, 20000) to (20000, 1) misses it by 1 / 19999 of its
-    // length, that from (1, 16000) to (16000, 0) ends on it.
-    EXPECT_EQ(inside({{16000, 16000}, {30000, 0}, {20000, 1}, {20000, 20000}}, {0, 0}), 0);
-    EXPECT_EQ(inside({{1, 16000}, {16000, 0}, {1, -16000}, {-9000, 0}}, {0, 0}), 1);
+    // Off the start of the edge by 1.0004e-7 of its length, the crossing is one like any other, the second.
+    EXPECT_EQ(inside(outlineThatCrossesJustBehindAVertex(-2497), {0, 0}), 0);
+    // Off by 9.996e-8 it is a passage through the vertex, judged by the side that was stored last, at (4000, 1). It
+    // is the side that the outline leaves on, so the passage does not count.
+    EXPECT_EQ(inside(outlineThatCrossesJustBehindAVertex(-2499), {0, 0}), 1);
 }
 
 TEST(MembershipTest, ProductsThatWrapAroundToZeroMakeEdgesParallel) {
@@ -191,6 +208,57 @@ TEST(MembershipTest, MatchesTheReferenceWhereProductsWrapAround) {
     expectReferenceOnGrid(22, 40000, 4, 1 << 30, 0, INT_MIN);
     expectReferenceOnGrid(23, 40000, 3, INT_MAX, 3, INT_MIN);
     expectReferenceOnGrid(24, 40000, 7, 33000, 5, INT_MAX - 30000);
+    // Differences are small, but only because they wrap around: the outline lies on both ends of the integers.
+    expectReferenceOnGrid(25, 40000, 5, 1, 0, INT_MAX - 2);
+    expectReferenceOnGrid(26, 40000, 200, 1, 0, INT_MAX - 100);
+}
+
+/// A point p with p.x * d.y - p.y * d.x equal to `side`, near the way from the origin to d. The components of d are
+/// positive and without a common divisor.
+tagPOINT pointOnSide(const tagPOINT& d, std::int64_t side) {
+    // Steps of Euclid's algorithm: x * d.y is `rest` modulo d.x.
+    std::int64_t x = 1;
+    std::int64_t lastX = 0;
+    std::int64_t rest = d.y % d.x;
+    std::int64_t lastRest = d.x;
+    while (rest > 1) {
+        const std::int64_t quotient = lastRest / rest;
+        lastX = std::exchange(x, lastX - quotient * x);
+        lastRest = std::exchange(rest, lastRest - quotient * rest);
+    }
+    x = ((x * side) % d.x + d.x) % d.x;
+    return {static_cast<LONG>(x), static_cast<LONG>((x * d.y - side) / d.x)};
+}
+
+TEST(MembershipTest, MatchesTheReferenceForVerticesBesideLongRays) {
+    // Vertices a few thousandths of a pixel off the ray's line, with edges that lead far away from it: passages within
+    // the tolerance, and just not.
+    for (const std::int64_t shift : {0, 1000000, -1048576, 2000000000}) {
+        std::mt19937 random(51);
+        for (int round = 0; round < 10000; ++round) {
+            SCOPED_TRACE(testing::Message() << "seed 51, shift " << shift << ", round " << round);
+            tagPOINT d{static_cast<LONG>(2 + random() % 32766), static_cast<LONG>(2 + random() % 32766)};
+            while (std::gcd(d.x, d.y) != 1)
+                ++d.y;
+            Outline outline{{d.x, -20000}, d};
+            for (int k = 0; k < 12; ++k) {
+                tagPOINT p = pointOnSide(d, static_cast<std::int64_t>(random() % 401) - 200);
+                outline.push_back(p);
+                if (random() % 4 == 0) continue;
+                // Straight down or up from there, or just beside, or anywhere.
+                if (random() % 3 != 0) p.x += static_cast<LONG>(random() % 3) - 1;
+                if (random() % 4 == 0) p.x = static_cast<LONG>(random() % 65536) - 32768;
+                p.y = random() % 2 == 0 ? -32768 : 32767;
+                outline.push_back(p);
+            }
+            for (tagPOINT& p : outline) {
+                p = {velquad::test::reference::wrapped(p.x + shift),
+                     velquad::test::reference::wrapped(p.y + shift)};
+            }
+            const tagPOINT test{static_cast<LONG>(shift), static_cast<LONG>(shift)};
+            ASSERT_EQ(inside(outline, test), velquad::test::reference::isPointInside(outline, test));
+        }
+    }
 }
 
 TEST(MembershipTest, MatchesTheReferenceOnLongOutlines) {

@@ -85,6 +85,13 @@ TEST(PolySortPositions, EqualityIsNotTransitive) {
     expectPositions(sorted({{1, 12e-8}, {1, 0.0}, {1, 6e-8}}, 1), {{1, 6e-8}});
 }
 
+TEST(PolySortPositions, EachRemovalBeginsANewPass) {
+    // Going on in the pass with the same pair would leave (1, 0.0) in front of the last one, ...
+    expectPositions(sorted({{1, 0.0}, {1, 12e-8}, {1, 6e-8}, {1, 12e-8}}, 1), {{1, 12e-8}});
+    // ... and going on with the next pair would do so here.
+    expectPositions(sorted({{1, 0.0}, {1, 0.0}, {1, 6e-8}, {1, 12e-8}}, 1), {{1, 12e-8}});
+}
+
 TEST(PolySortPositions, OfFewPositions) {
     EXPECT_EQ(polySortPositions(nullptr, 0, 1), 0U);
     expectPositions(sorted({{5, 0.5}}, 1), {{5, 0.5}});
