@@ -1,13 +1,15 @@
 // Circles through three points, and the search for the best of all of them.
 //
-// The search must give what trying every triple gives, bit for bit. Three facts let it do far less:
+// The search must give what trying every triple gives, bit for bit. These facts let it do far less:
 //   - The inverse of the circle's matrix, taken apart for its constant last row and column, is a few dozen
 //     operations (circle.h) with the same roundings as the general inverse.
-//   - Squared deviations are never negative, so rounded partial sums never fall: a candidate is out as soon as
-//     a part of its sum exceeds the best one.
-//   - A part of the sum taken in any other order differs by rounding only. Points spread over the whole outline
-//     come first, since they tell a poor circle soonest, and a margin covers the rounding; only what survives
-//     is summed in the order that decides.
+//   - With d the distance of a point to the centre, (d - r)^2 = (d^2 - r^2)^2 / (d + r)^2. The numerators add up to
+//     a quadratic form in the circle's equation, whose coefficients are moments of the points; the denominators
+//     have a common bound. This lower bound of the whole sum costs the same for any number of points.
+//   - Squared deviations are never negative, so rounded partial sums never fall: a candidate that passes the
+//     bound is out as soon as a part of its sum exceeds the best one. Points spread over the whole outline come
+//     first, since they tell a poor circle soonest.
+// Both screens leave a margin for rounding; only what survives is summed in the order that decides.
 #include "geometry/circle.h"
 
 #include <emmintrin.h>
@@ -29,8 +31,10 @@
 namespace {
 
 using velquad::geometry::Circle;
+using velquad::geometry::CirclePair;
+using velquad::geometry::CircleRows;
+using velquad::geometry::circleRows;
 using velquad::geometry::circlesThrough;
-using velquad::geometry::kCircleBatch;
 
 /// No sum of squared deviations is taken that reaches this one.
 constexpr double kWorstError = 1.7e308;
@@ -47,10 +51,88 @@ double errorOf(const Circle& circle, const tagPOINT2D* points, std::size_t count
     return error;
 }
 
-/// Tells early that a circle's error exceeds a limit, from points in an order that jumps over the outline.
-class Screen {
+/// A lower bound of a circle's error from moments of the points.
+class MomentScreen {
   public:
-    Screen(const tagPOINT2D* points, std::size_t count) : points_(points), count_(count) {
+    MomentScreen(const tagPOINT2D* points, std::size_t count) {
+        const auto n = static_cast<double>(count);
+        for (std::size_t i = 0; i < count; ++i) {
+            middle_.x += points[i].x / n;
+            middle_.y += points[i].y / n;
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            const double x = points[i].x - middle_.x;
+            const double y = points[i].y - middle_.y;
+            const double z = x * x + y * y;
+            x_ += x;
+            y_ += y;
+            z_ += z;
+            xx_ += x * x;
+            xy_ += x * y;
+            yy_ += y * y;
+            zx_ += z * x;
+            zy_ += z * y;
+            zz_ += z * z;
+            farthest_ = std::max(farthest_, std::sqrt(z));
+        }
+        n_ = n;
+        rounding_ = n * (n + kRoundingsPerCircle) * kEpsilon;
+    }
+
+    /// @return a mask of circles whose `errorOf` is greater than `limit` for certain.
+    int worse(const CirclePair& circles, double limit) const {
+        // Equation of the circles about the middle of the points: z + d x + e y + f = 0, z = x^2 + y^2.
+        const __m128d cx = _mm_sub_pd(circles.x, _mm_set1_pd(middle_.x));
+        const __m128d cy = _mm_sub_pd(circles.y, _mm_set1_pd(middle_.y));
+        const __m128d d = _mm_mul_pd(cx, _mm_set1_pd(-2.0));
+        const __m128d e = _mm_mul_pd(cy, _mm_set1_pd(-2.0));
+        const __m128d centerSquared = _mm_add_pd(_mm_mul_pd(cx, cx), _mm_mul_pd(cy, cy));
+        const __m128d f = _mm_sub_pd(centerSquared, _mm_mul_pd(circles.radius, circles.radius));
+
+        // The sum of all (z + d x + e y + f)^2.
+        const __m128d two = _mm_set1_pd(2.0);
+        const auto times = [](__m128d a, double b) { return _mm_mul_pd(a, _mm_set1_pd(b)); };
+        const __m128d mixed =
+            _mm_add_pd(_mm_mul_pd(d, _mm_add_pd(_mm_add_pd(_mm_set1_pd(zx_), times(e, xy_)), times(f, x_))),
+                       _mm_add_pd(_mm_mul_pd(e, _mm_add_pd(_mm_set1_pd(zy_), times(f, y_))), times(f, z_)));
+        const __m128d pure =
+            _mm_add_pd(_mm_add_pd(_mm_mul_pd(d, times(d, xx_)), _mm_mul_pd(e, times(e, yy_))),
+                       _mm_add_pd(_mm_mul_pd(f, times(f, n_)), _mm_set1_pd(zz_)));
+        const __m128d sum = _mm_add_pd(_mm_mul_pd(two, mixed), pure);
+
+        // No d + r is greater than this reach.
+        const __m128d reach =
+            _mm_add_pd(_mm_add_pd(_mm_sqrt_pd(centerSquared), _mm_set1_pd(farthest_)), circles.radius);
+        const __m128d reachSquared = _mm_mul_pd(reach, reach);
+        const __m128d allowed = _mm_add_pd(_mm_set1_pd(limit * kMargin), times(reachSquared, rounding_));
+        return _mm_movemask_pd(_mm_cmpgt_pd(sum, _mm_mul_pd(reachSquared, allowed)));
+    }
+
+  private:
+    /// Every term of the sum is at most reach^4 a point, and suffers fewer roundings than these and one a point.
+    static constexpr double kRoundingsPerCircle = 200.0;
+    /// Covers the roundings of `errorOf` that are in proportion to the error.
+    static constexpr double kMargin = 1.0 + 2e-6;
+
+    tagPOINT2D middle_{0.0, 0.0};
+    double n_ = 0.0;
+    double x_ = 0.0;
+    double y_ = 0.0;
+    double z_ = 0.0;
+    double xx_ = 0.0;
+    double xy_ = 0.0;
+    double yy_ = 0.0;
+    double zx_ = 0.0;
+    double zy_ = 0.0;
+    double zz_ = 0.0;
+    double farthest_ = 0.0;
+    double rounding_ = 0.0;
+};
+
+/// Tells early that a circle's error exceeds a limit, from points in an order that jumps over the outline.
+class PointScreen {
+  public:
+    PointScreen(const tagPOINT2D* points, std::size_t count) : points_(points), count_(count) {
         // The golden section spreads any number of first points evenly.
         stride_ = std::max<std::size_t>(static_cast<std::size_t>(0.381966 * static_cast<double>(count)), 1);
         while (std::gcd(stride_, count) != 1)
@@ -99,16 +181,22 @@ class Screen {
     double margin_ = 1.0;
 };
 
+Circle circleOfLane(const CirclePair& pair, int lane) {
+    const auto pick = [lane](__m128d values) {
+        return _mm_cvtsd_f64(lane == 0 ? values : _mm_unpackhi_pd(values, values));
+    };
+    return {pick(pair.x), pick(pair.y), pick(pair.radius)};
+}
+
 /// The error of the best of a few circles whose points lie far apart. The best of all is not worse, so that a
 /// greater error need not be known exactly.
 double attainableError(const tagPOINT2D* points, std::size_t count) {
     double best = kWorstError;
     const std::size_t third = count / 3;
     for (std::size_t i = 0; i < third; ++i) {
-        const tagPOINT2D* last = &points[i + 2 * third];
-        Circle circle;
-        circlesThrough(points[i], points[i + third], last, 1, &circle);
-        const double error = errorOf(circle, points, count);
+        const CirclePair pair = circlesThrough(circleRows(points[i]), circleRows(points[i + third]),
+                                               circleRows(points[i + 2 * third]));
+        const double error = errorOf(circleOfLane(pair, 0), points, count);
         if (best > error) best = error;
     }
     return best;
@@ -117,22 +205,28 @@ double attainableError(const tagPOINT2D* points, std::size_t count) {
 /// @return false when no triple has a circle with a finite error; `best` is unchanged then.
 bool findBestCircle(const tagPOINT2D* points, std::size_t count, Circle& best) {
     if (count < 3) return false;
-    const Screen screen(points, count);
+    const MomentScreen momentScreen(points, count);
+    const PointScreen pointScreen(points, count);
     double bestError = kWorstError;
     double limit = attainableError(points, count);
     bool isFound = false;
-    Circle circles[kCircleBatch];
     for (std::size_t i = 0; i + 2 < count; ++i) {
+        const CircleRows first = circleRows(points[i]);
         for (std::size_t j = i + 1; j + 1 < count; ++j) {
+            const CircleRows second = circleRows(points[j]);
             const std::size_t across = (i + j + count) / 2 % count;
-            for (std::size_t k = j + 1; k < count; k += kCircleBatch) {
-                const std::size_t batch = std::min(kCircleBatch, count - k);
-                circlesThrough(points[i], points[j], &points[k], batch, circles);
-                for (std::size_t b = 0; b < batch; ++b) {
-                    if (screen.isWorse(circles[b], across, limit)) continue;
-                    const double error = errorOf(circles[b], points, count);
+            for (std::size_t k = j + 1; k < count; k += 2) {
+                const bool isAlone = k + 1 == count;
+                const CirclePair pair =
+                    circlesThrough(first, second, circleRows(points[k], points[isAlone ? k : k + 1]));
+                const int rejected = momentScreen.worse(pair, limit) | (isAlone ? 2 : 0);
+                for (int lane = 0; lane < 2; ++lane) {
+                    if ((rejected & (1 << lane)) != 0) continue;
+                    const Circle circle = circleOfLane(pair, lane);
+                    if (pointScreen.isWorse(circle, across, limit)) continue;
+                    const double error = errorOf(circle, points, count);
                     if (!(bestError > error)) continue;
-                    best = circles[b];
+                    best = circle;
                     bestError = error;
                     limit = std::min(limit, bestError);
                     isFound = true;

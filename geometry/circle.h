@@ -11,6 +11,8 @@
 #ifndef VELQUAD_GEOMETRY_CIRCLE_H
 #define VELQUAD_GEOMETRY_CIRCLE_H
 
+#include <emmintrin.h>
+
 #include <cmath>
 #include <cstddef>
 
@@ -31,96 +33,126 @@ inline Circle circleOfEquation(double d, double e, double f) {
     return {x, y, std::sqrt(x * x + y * y - f)};
 }
 
-/// A row of the elimination: x, y and the column of ones as they stand, and the right-hand side.
-struct CircleRow {
-    double x;
-    double y;
-    double rightSide;
+/// Two circles side by side.
+struct CirclePair {
+    __m128d x;
+    __m128d y;
+    __m128d radius;
 };
 
-inline CircleRow circleRow(const tagPOINT2D& p) {
-    return {p.x, p.y, -(p.x * p.x) - p.y * p.y};
+/// Two rows of the elimination side by side: x, y and the right-hand side. The third column holds ones.
+struct CircleRows {
+    __m128d x;
+    __m128d y;
+    __m128d rightSide;
+};
+
+inline CircleRows circleRows(__m128d x, __m128d y) {
+    const __m128d minusXX = _mm_xor_pd(_mm_mul_pd(x, x), _mm_set1_pd(-0.0));
+    return {x, y, _mm_sub_pd(minusXX, _mm_mul_pd(y, y))};
 }
 
-/// The sum of three terms that belong to rows in pivoted order, in the order of the points: the first two in any
-/// order, then the term of the third point.
-inline double sumWithLast(const double (&terms)[3], int last) {
-    const double others =
-        last == 0 ? terms[1] + terms[2] : (last == 1 ? terms[0] + terms[2] : terms[0] + terms[1]);
-    return others + (last == 0 ? terms[0] : (last == 1 ? terms[1] : terms[2]));
+/// The rows of one point, twice.
+inline CircleRows circleRows(const tagPOINT2D& p) {
+    return circleRows(_mm_set1_pd(p.x), _mm_set1_pd(p.y));
 }
 
-/// The circle through three points, given as rows.
-inline Circle circleThrough(const CircleRow& r0, const CircleRow& r1, const CircleRow& r2) {
-    // First column: the largest |x| goes on top by exchanging two rows; the upper one of equal ones.
-    const double size0 = std::fabs(r0.x);
-    const double size1 = std::fabs(r1.x);
-    const double size2 = std::fabs(r2.x);
-    const bool isSecondLarger = size1 > size0;
-    const bool isThirdLargest = size2 > (isSecondLarger ? size1 : size0);
-    const auto pick = [](bool condition, const CircleRow& a, const CircleRow& b) {
-        return CircleRow{condition ? a.x : b.x, condition ? a.y : b.y, condition ? a.rightSide : b.rightSide};
-    };
-    const CircleRow top = pick(isThirdLargest, r2, pick(isSecondLarger, r1, r0));
-    const CircleRow middle = pick(!isThirdLargest && isSecondLarger, r0, r1);
-    const CircleRow bottom = pick(isThirdLargest, r0, r2);
+/// The rows of two points.
+inline CircleRows circleRows(const tagPOINT2D& first, const tagPOINT2D& second) {
+    const __m128d a = _mm_loadu_pd(&first.x);
+    const __m128d b = _mm_loadu_pd(&second.x);
+    return circleRows(_mm_unpacklo_pd(a, b), _mm_unpackhi_pd(a, b));
+}
 
-    const double middleFactor0 = middle.x / top.x;
-    const double bottomFactor0 = bottom.x / top.x;
-    const double middleY = middle.y - middleFactor0 * top.y;
-    const double bottomY = bottom.y - bottomFactor0 * top.y;
+inline __m128d absolute(__m128d value) {
+    return _mm_andnot_pd(_mm_set1_pd(-0.0), value);
+}
 
-    // Second column.
-    const bool isBottomLarger = std::fabs(bottomY) > std::fabs(middleY);
-    const double y1 = isBottomLarger ? bottomY : middleY;
-    const double y2 = isBottomLarger ? middleY : bottomY;
-    const double factor1 = isBottomLarger ? bottomFactor0 : middleFactor0;
-    const double factor2 = isBottomLarger ? middleFactor0 : bottomFactor0;
-    const double b1 = isBottomLarger ? bottom.rightSide : middle.rightSide;
-    const double b2 = isBottomLarger ? middle.rightSide : bottom.rightSide;
-    const int last = isThirdLargest ? 0 : (isBottomLarger ? 1 : 2);
+/// `a` where the mask is set, else `b`.
+inline __m128d select(__m128d mask, __m128d a, __m128d b) {
+    return _mm_or_pd(_mm_and_pd(mask, a), _mm_andnot_pd(mask, b));
+}
 
-    const double one1 = 1.0 - factor1;
-    const double factor21 = y2 / y1;
-    const double one2 = (1.0 - factor2) - factor21 * one1;
+inline CircleRows select(__m128d mask, const CircleRows& a, const CircleRows& b) {
+    return {select(mask, a.x, b.x), select(mask, a.y, b.y), select(mask, a.rightSide, b.rightSide)};
+}
 
-    // The inverse column by column: forward through the factors, back through the reciprocal pivots. Column c
-    // belongs to the row that stands at place c.
-    const double reciprocal0 = 1.0 / top.x;
-    const double reciprocal1 = 1.0 / y1;
-    const double reciprocal2 = 1.0 / one2;
-    const double forward1 = 0.0 - factor1;
-    const double forward[3] = {(0.0 - factor2) - factor21 * forward1, 0.0 - factor21, 1.0};
-    const double forwardMiddle[3] = {forward1, 1.0, 0.0};
-    const double forwardTop[3] = {1.0, 0.0, 0.0};
-    const double rightSide[3] = {top.rightSide, b1, b2};
-    double termsD[3];
-    double termsE[3];
-    double termsF[3];
+/// One row of the inverse times the right-hand side, with the terms in pivoted order. The sum runs in the order of
+/// the points: two terms in either order, then that of the third point. The last column of the inverse holds a
+/// zero with the sign of the pivot.
+inline __m128d solutionElement(const __m128d (&terms)[3], __m128d isThirdOnTop, __m128d isThirdInMiddle,
+                               __m128d reciprocalPivot) {
+    const __m128d last = select(isThirdOnTop, terms[0], select(isThirdInMiddle, terms[1], terms[2]));
+    const __m128d a = select(isThirdOnTop, terms[1], terms[0]);
+    const __m128d b = select(_mm_or_pd(isThirdOnTop, isThirdInMiddle), terms[2], terms[1]);
+    const __m128d sum = _mm_add_pd(_mm_add_pd(a, b), last);
+    return _mm_add_pd(sum, _mm_mul_pd(_mm_setzero_pd(), reciprocalPivot));
+}
+
+/// The circles through three points each, without a branch.
+inline CirclePair circlesThrough(const CircleRows& r0, const CircleRows& r1, const CircleRows& r2) {
+    const __m128d zero = _mm_setzero_pd();
+    const __m128d one = _mm_set1_pd(1.0);
+
+    // First column: the row of the largest |x| goes on top in exchange for the first one; the upper of equal ones.
+    const __m128d size0 = absolute(r0.x);
+    const __m128d size1 = absolute(r1.x);
+    const __m128d isSecondLarger = _mm_cmpgt_pd(size1, size0);
+    const __m128d isThirdOnTop = _mm_cmpgt_pd(absolute(r2.x), select(isSecondLarger, size1, size0));
+    const CircleRows larger = select(isSecondLarger, r1, r0);
+    const CircleRows smaller = select(isSecondLarger, r0, r1);
+    const CircleRows top = select(isThirdOnTop, r2, larger);
+    const CircleRows middle = select(isThirdOnTop, r1, smaller);
+    const CircleRows bottom = select(isThirdOnTop, r0, r2);
+    const __m128d middleFactor = _mm_div_pd(middle.x, top.x);
+    const __m128d bottomFactor = _mm_div_pd(bottom.x, top.x);
+    const __m128d middleY = _mm_sub_pd(middle.y, _mm_mul_pd(middleFactor, top.y));
+    const __m128d bottomY = _mm_sub_pd(bottom.y, _mm_mul_pd(bottomFactor, top.y));
+
+    // Second column: the larger |y| of what is left goes to the middle.
+    const __m128d isExchanged = _mm_cmpgt_pd(absolute(bottomY), absolute(middleY));
+    const __m128d isThirdInMiddle = _mm_andnot_pd(isThirdOnTop, isExchanged);
+    const __m128d y1 = select(isExchanged, bottomY, middleY);
+    const __m128d y2 = select(isExchanged, middleY, bottomY);
+    const __m128d factor1 = select(isExchanged, bottomFactor, middleFactor);
+    const __m128d factor2 = select(isExchanged, middleFactor, bottomFactor);
+    const __m128d rightSides[3] = {top.rightSide, select(isExchanged, bottom.rightSide, middle.rightSide),
+                                   select(isExchanged, middle.rightSide, bottom.rightSide)};
+    const __m128d factor21 = _mm_div_pd(y2, y1);
+    const __m128d one1 = _mm_sub_pd(one, factor1);
+    const __m128d one2 = _mm_sub_pd(_mm_sub_pd(one, factor2), _mm_mul_pd(factor21, one1));
+
+    // The inverse, a column for each row in pivoted order: forward through the factors, back through the
+    // reciprocals of the pivots.
+    const __m128d reciprocal0 = _mm_div_pd(one, top.x);
+    const __m128d reciprocal1 = _mm_div_pd(one, y1);
+    const __m128d reciprocal2 = _mm_div_pd(one, one2);
+    const __m128d minusFactor1 = _mm_sub_pd(zero, factor1);
+    const __m128d forward0[3] = {one, zero, zero};
+    const __m128d forward1[3] = {minusFactor1, one, zero};
+    const __m128d forward2[3] = {_mm_sub_pd(_mm_sub_pd(zero, factor2), _mm_mul_pd(factor21, minusFactor1)),
+                                 _mm_sub_pd(zero, factor21), one};
+    __m128d terms0[3];
+    __m128d terms1[3];
+    __m128d terms2[3];
     for (int c = 0; c < 3; ++c) {
-        const double inverse2 = forward[c] * reciprocal2;
-        const double inverse1 = (forwardMiddle[c] - one1 * inverse2) * reciprocal1;
-        const double inverse0 = ((forwardTop[c] - top.y * inverse1) - inverse2) * reciprocal0;
-        termsD[c] = rightSide[c] * inverse0;
-        termsE[c] = rightSide[c] * inverse1;
-        termsF[c] = rightSide[c] * inverse2;
+        const __m128d inverse2 = _mm_mul_pd(forward2[c], reciprocal2);
+        const __m128d inverse1 = _mm_mul_pd(_mm_sub_pd(forward1[c], _mm_mul_pd(one1, inverse2)), reciprocal1);
+        const __m128d inverse0 = _mm_mul_pd(
+            _mm_sub_pd(_mm_sub_pd(forward0[c], _mm_mul_pd(top.y, inverse1)), inverse2), reciprocal0);
+        terms0[c] = _mm_mul_pd(rightSides[c], inverse0);
+        terms1[c] = _mm_mul_pd(rightSides[c], inverse1);
+        terms2[c] = _mm_mul_pd(rightSides[c], inverse2);
     }
-    // The last column of the inverse holds zeros with the signs of the pivots.
-    return circleOfEquation(sumWithLast(termsD, last) + 0.0 * reciprocal0,
-                            sumWithLast(termsE, last) + 0.0 * reciprocal1,
-                            sumWithLast(termsF, last) + 0.0 * reciprocal2);
-}
+    const __m128d d = solutionElement(terms0, isThirdOnTop, isThirdInMiddle, reciprocal0);
+    const __m128d e = solutionElement(terms1, isThirdOnTop, isThirdInMiddle, reciprocal1);
+    const __m128d f = solutionElement(terms2, isThirdOnTop, isThirdInMiddle, reciprocal2);
 
-/// How many circles are made at once, without a branch between them.
-inline constexpr std::size_t kCircleBatch = 32;
-
-/// The circles through two points and each of `count` third points.
-inline void circlesThrough(const tagPOINT2D& p0, const tagPOINT2D& p1, const tagPOINT2D* thirdPoints,
-                           std::size_t count, Circle* circles) {
-    const CircleRow r0 = circleRow(p0);
-    const CircleRow r1 = circleRow(p1);
-    for (std::size_t i = 0; i < count; ++i)
-        circles[i] = circleThrough(r0, r1, circleRow(thirdPoints[i]));
+    const __m128d minusHalf = _mm_set1_pd(-0.5);
+    const __m128d x = _mm_mul_pd(d, minusHalf);
+    const __m128d y = _mm_mul_pd(e, minusHalf);
+    const __m128d squared = _mm_sub_pd(_mm_add_pd(_mm_mul_pd(x, x), _mm_mul_pd(y, y)), f);
+    return {x, y, _mm_sqrt_pd(squared)};
 }
 
 }  // namespace velquad::geometry
