@@ -460,4 +460,140 @@ VELQUAD_API double matCalcLabsLinear(double low, double high, unsigned int label
 
 }  // extern "C"
 
+/// @name Circles
+/// @{
+
+/// The circle through three points, from its equation x^2 + y^2 + D x + E y + F = 0.
+///
+/// There is no test for collinear points. The inverse of a singular matrix is then whatever
+/// `matInvertMatrix4` yields, and so are the centre and the radius: in general infinite or not a number.
+/// @param points  three points.
+/// @param center  optional.
+/// @param radius  optional; not a number where rounding makes its square negative.
+/// @return 1; 0, with nothing stored, for null `points` and when working memory is lacking.
+VELQUAD_API int matGetCircleThrough3Points(tagPOINT2D* const points, tagPOINT2D* center, double* radius);
+/// @}
+
+extern "C" {
+
+/// @name Best circles and arrows
+/// @{
+
+/// Finds the circle through three of the points that fits all of them best: the one with the smallest sum of
+/// squared distances of the points to its line. Among equal sums the first triple in lexical order of its
+/// indices wins.
+///   (1) Triples whose circle or sum is not a finite number are never taken.
+///   (2) The answer is that of trying every triple in order, to the last bit.
+/// @param count   number of points. Below three, and when no triple has a circle, nothing is stored.
+/// @param center  two doubles x, y.
+/// @return 1.
+/// @par Cost    All count^3 / 6 triples are looked at, each against a few points only, as far as its sum stays
+///              below the best one so far. No allocation. For small sets of points.
+/// @par Source  Models through minimal samples, after M. A. Fischler and R. C. Bolles, Random Sample Consensus,
+///              1981; here every sample is tried.
+VELQUAD_API int poly2dLeastSquareCircle(const tagPOINT2D* points, unsigned int count, double* center,
+                                        double* radius);
+
+/// The form of `poly2dLeastSquareCircle` for pixels. The centre is rounded, halves away from zero; the radius
+/// is not.
+/// @return 1; 0, with nothing stored, when working memory is lacking.
+VELQUAD_API int polyLeastSquareCircle(const tagPOINT* points, unsigned int count, tagPOINT* center,
+                                      double* radius);
+
+/// The outer ends of the two head lines of an arrow that points from `tail` to `tip`. Both lines end at `tip`.
+/// @param angle      between the shaft and a head line; in degrees when `isDegrees` is non-zero.
+/// @param length     of a head line, in the units of the points.
+/// @param left       optional; the shaft turned counter-clockwise about `tip`, in mathematical axes.
+/// @param right      optional; the shaft turned clockwise. It is turned by a full turn less `angle`, so the head is
+///                   symmetric up to rounding.
+/// @return 1; 0, with nothing stored, for a null `tail` or `tip` and for an arrow shorter than 1e-7.
+VELQUAD_API int matComputeArrow(const tagPOINT2D* tail, const tagPOINT2D* tip, double angle, int isDegrees,
+                                double length, tagPOINT2D* left, tagPOINT2D* right);
+
+/// Measures a binary object along a raster line: where the line first meets and last leaves it, and how far the
+/// object reaches without a gap from the line's middle.
+///
+/// A pixel is set when it lies inside the image and is not 0. The outer ends are the first set pixel seen from
+/// either end of the line. The inner ends exist only when `center` is set and one of the three pixels in
+/// the middle of the line is: from the one nearest to `center` the line is followed both ways, as long as its
+/// pixels are set. What does not exist is (0x7fffffff, 0x7fffffff).
+/// @param rows        `height` pointers to `width` pixels each.
+/// @param innerFirst  optional; the inner end towards `to`.
+/// @param innerLast   optional; the inner end towards `from`.
+/// @param outerFirst  optional; the outer end towards `from`.
+/// @param outerLast   optional; the outer end towards `to`.
+/// @param lineBuffer  receives the pixels of the line as `matGetLine` gives them, but never more than 65535 of
+///                    them. Longer lines are measured to their end all the same.
+/// @return 1.
+/// @par Cost    O(width + height) besides the pixels stored, however long the line is.
+VELQUAD_API int matCalcCentralInnerAndOuterDiameter(int width, int height, const unsigned char* const* rows,
+                                                    tagPOINT center, tagPOINT from, tagPOINT to,
+                                                    tagPOINT* innerFirst, tagPOINT* innerLast,
+                                                    tagPOINT* outerFirst, tagPOINT* outerLast,
+                                                    tagPOINT* lineBuffer);
+/// @}
+
+}  // extern "C"
+
+/// Directions of space as small integers, so that a table of shades can be indexed by them.
+///
+/// The sphere of directions is taken as an octahedron with a regular lattice on it. A level sets how fine the
+/// lattice is; with s = 2^level and h = s^2 + (s + 1)^2 the integers are
+///
+///     0 ... h - 1        directions with z >= 0
+///     h ... 2 h - 1      their mirror images, index by index, with z <= 0
+///     2 h                the null vector
+///
+///   (1) A decoded direction encodes to its own index again. Only the directions of the lower half that lie on
+///       the equator, whose z is -0.0, encode to the same directions of the upper half.
+///   (2) Decoded directions have length 1 within the rounding of floats.
+///
+/// **Memory.** The tables take 24 h + 4 (2 s + 1)^2 bytes: 7 MB at level 8. Assigned and copied objects share
+/// them, and the last one releases them.
+/// **Threads.** An object belongs to one thread at a time; objects that share tables may be used side by side.
+/// @par Source  Octahedral maps of the sphere, as surveyed by Z. H. Cigolle, S. Donow, D. Evangelakos, M. Mara,
+///              M. McGuire and Q. Meyer, A Survey of Efficient Representations for Independent Unit Vectors, 2014.
+class CMatNormalEncoder {
+  public:
+    /// Builds the tables of a level: 0 for 11 directions, each further level has about four times as many. A
+    /// level below 0 has no lattice: its directions are not numbers.
+    /// @throws std::bad_alloc  when memory is lacking, and for a level above 14.
+    VELQUAD_API CMatNormalEncoder(int level);
+
+    /// Shares the tables of another object.
+    CMatNormalEncoder(const CMatNormalEncoder& other) { *this = other; }
+
+    VELQUAD_API ~CMatNormalEncoder();
+
+    /// Gives up the own tables and shares those of `other`.
+    VELQUAD_API CMatNormalEncoder& operator=(const CMatNormalEncoder& other);
+
+    /// The index of the direction that is nearest on the lattice.
+    /// @param vector  three floats x, y, z of any length. Three zeros give the null vector's index. Numbers so
+    ///                small that the reciprocal of their sum is infinite, and vectors with infinities or
+    ///                not-a-numbers, give the index of some direction.
+    VELQUAD_API int GetEncodedDirection(float* const vector);
+
+    /// The three floats x, y, z of a direction. They live as long as the tables and may be written.
+    /// @param index  an index in [0, `GetNumberOfEncodedDirections`()); not tested.
+    VELQUAD_API float* GetDecodedGradient(int index);
+
+    /// The table of all directions, three floats each, in the order of their indices.
+    VELQUAD_API float* GetDecodedGradientTable();
+
+    /// The number of indices, 2 h + 1.
+    VELQUAD_API int GetNumberOfEncodedDirections();
+
+  private:
+    VELQUAD_API void InitializeIndexTable();
+
+    int level = 0;                   ///< The level asked for.
+    int* indexTable = nullptr;       ///< (cells + span)^2 indices, from a place in the square to a direction.
+    float* gradientTable = nullptr;  ///< Three floats a direction.
+    int builtLevel = -1;             ///< The level that the tables were built for.
+    int cells = 0;                   ///< 2^level + 1.
+    int span = 0;                    ///< 2^level.
+    int halfCount = 0;               ///< Directions of the upper half.
+};
+
 #endif  // VELQUAD_GEOMETRY_H
