@@ -75,12 +75,18 @@ bool CMatBresenhamLine::GetNextPoint(CPoint& point) {
         return true;
     }
     if (step >= major) return false;
-    const bool isStraight = error < 0;
-    current.x = wrapAdd(current.x, isStraight ? straightX : diagonalX);
-    current.y = wrapAdd(current.y, isStraight ? straightY : diagonalY);
-    error = wrapAdd(error, isStraight ? straightError : diagonalError);
+    // All bits set for a straight step. A branch here would be as good as random to a branch predictor.
+    const Int32 isStraight = error >> 31;
+    const auto choose = [isStraight](Int32 straight, Int32 diagonal) {
+        return (straight & isStraight) | (diagonal & ~isStraight);
+    };
+    // The pixel is stored whole, so that the next call reads it back whole, without waiting for two stores.
+    const CPoint next(wrapAdd(current.x, choose(straightX, diagonalX)),
+                      wrapAdd(current.y, choose(straightY, diagonalY)));
+    error = wrapAdd(error, choose(straightError, diagonalError));
     ++step;
-    point = current;
+    current = next;
+    point = next;
     return true;
 }
 

@@ -59,19 +59,16 @@ constexpr std::uint32_t rasterPixelCount(const RasterSteps& steps) {
 /// Stores the first `count` pixels of the line that begins at (x, y).
 inline void storeRasterLine(const RasterSteps& steps, Int32 x, Int32 y, tagPOINT* points,
                             std::uint32_t count) {
-    // What the minor axis adds to a straight step.
-    const Int32 minorX = steps.diagonalX - steps.straightX;
-    const Int32 minorY = steps.diagonalY - steps.straightY;
-    const Int32 minorError = frame::wrapSub(steps.diagonalError, steps.straightError);
     Int32 error = steps.error;
     for (std::uint32_t i = 0; i < count; ++i) {
         points[i].x = x;
         points[i].y = y;
-        // All bits set for a diagonal step. The sequence of steps is as good as random to a branch predictor.
-        const Int32 isDiagonal = ~(error >> 31);
-        x = frame::wrapAdd(x, steps.straightX + (minorX & isDiagonal));
-        y = frame::wrapAdd(y, steps.straightY + (minorY & isDiagonal));
-        error = frame::wrapAdd(error, frame::wrapAdd(steps.straightError, minorError & isDiagonal));
+        // Selections, not branches: the sequence of steps is as good as random to a branch predictor.
+        const bool isStraight = error < 0;
+        x = frame::wrapAdd(x, isStraight ? steps.straightX : steps.diagonalX);
+        y = frame::wrapAdd(y, isStraight ? steps.straightY : steps.diagonalY);
+        error = isStraight ? frame::wrapAdd(error, steps.straightError)
+                           : frame::wrapAdd(error, steps.diagonalError);
     }
 }
 

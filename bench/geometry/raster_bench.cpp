@@ -107,8 +107,10 @@ void walkedLine(benchmark::State& state) {
     drawAll(state, [](const Line& line, std::vector<tagPOINT>& points) {
         CMatBresenhamLine walk(CPoint(line.x0, line.y0), CPoint(line.x1, line.y1));
         unsigned int count = 0;
-        for (CPoint pixel; walk.GetNextPoint(pixel); ++count)
-            points[count] = pixel;
+        for (CPoint pixel; walk.GetNextPoint(pixel); ++count) {
+            points[count].x = pixel.x;
+            points[count].y = pixel.y;
+        }
         return count;
     });
 }
