@@ -1,6 +1,6 @@
 /// @file
 /// Geometry of the plane and of space: distances, angles, scale factors, crossings of lines, segments and
-/// ellipses, triangles, tetrahedra, cuboids.
+/// ellipses, triangles, tetrahedra, cuboids, clipping, raster lines.
 ///
 /// **Points.** The suffix of a name tells its points: `2D` and `3D` take doubles, `2L` and `3L` take 32-bit
 /// integers, and a name without suffix does exactly what its `2L` sibling does. Integers are computed with in 32
@@ -14,6 +14,7 @@
 #ifndef VELQUAD_GEOMETRY_H
 #define VELQUAD_GEOMETRY_H
 
+#include "velquad/framework.h"
 #include "velquad/types.h"
 
 extern "C" {
@@ -460,6 +461,64 @@ VELQUAD_API double matCalcLabsLinear(double low, double high, unsigned int label
 
 }  // extern "C"
 
+extern "C" {
+
+/// @name Clipping
+/// What of a segment lies in a rectangle, or of a line in a box. Edges and faces belong to the inside. Three
+/// methods, each with its own order of the result. y grows from top to bottom.
+/// @{
+
+/// Cuts a segment between pixels to a rectangle of pixels: left, top, right, bottom with left <= right and
+/// top <= bottom.
+///   (1) An end inside stays as it is. An end outside is moved along the segment to an edge; its other coordinate
+///       is rounded towards where it was.
+///   (2) `p1` is the end nearer to the old `p1`, so the segment keeps its direction.
+///   (3) Differences are taken in 64 bits: segments and rectangles may use the whole range of 32 bits.
+/// @param p1  first end, changed in place; untouched on 0.
+/// @param p2  second end, changed in place; untouched on 0.
+/// @return 1 when something of the segment is inside; 0 when nothing is, and for a null pointer. A rectangle with
+///         exchanged sides has no inside.
+/// @par Cost    At most eight divisions.
+/// @par Source  Cohen and Sutherland's outcodes.
+VELQUAD_API int matClipLine2L(const int* rect, tagPOINT* p1, tagPOINT* p2);
+
+/// The same as `matClipLine2L`.
+VELQUAD_API int matClipLine(const int* rect, tagPOINT* p1, tagPOINT* p2);
+
+/// Cuts a segment to a rectangle. A point up to 1e-7 beyond an edge counts as inside and is not moved, so that a
+/// result may lie that little outside.
+///   (1) Both ends inside: nothing changes.
+///   (2) Ends less than 1e-7 apart in both coordinates are one point, inside when either end is; nothing changes.
+///   (3) Otherwise first `p1` and then `p2` is cut at the edges left, right, top, bottom in turn.
+/// @param p1  first end, changed in place. On 0 it is untouched or already cut.
+/// @param p2  second end, changed in place. On 0 it is untouched, unless rounding alone put an end outside.
+/// @return 1 when something of the segment is inside, else 0. No pointer is tested for null.
+VELQUAD_API int matClipLine2D(const tagMAT_RECT2D* rect, tagPOINT2D* p1, tagPOINT2D* p2);
+
+/// Finds where an infinite line enters and leaves a box with edges along the axes.
+///   (1) An axis along which the direction is smaller than 1e-7 has no faces to cross: a line without direction
+///       meets no box, even from its inside.
+///   (2) Faces are crossed in the order x, y, z, until two crossings at least 1e-7 apart in the parameter of
+///       the line are found.
+///   (3) A line that touches one corner gives one point twice.
+/// @param corner         x, y, z of the corner with the smallest coordinates.
+/// @param sizeX          extent from there along x; not negative, like the others.
+/// @param sizeY          extent along y.
+/// @param sizeZ          extent along z.
+/// @param linePoint      base point of the line.
+/// @param lineDirection  its direction, of any length.
+/// @param first          crossing nearer to `linePoint`; untouched on 0. May be one of the inputs.
+/// @param second         the other crossing, of two equally near ones that against the direction; untouched on 0.
+/// @return 1 when the line meets the box, else 0. No pointer is tested for null.
+/// @note  Crossings are looked for at parameters between -`velquad::kExtentNotSet` and
+///        `velquad::kExtentNotSet`.
+VELQUAD_API int matClipLine3D(const double* corner, double sizeX, double sizeY, double sizeZ,
+                              const tagPOINT3D* linePoint, const tagPOINT3D* lineDirection, tagPOINT3D* first,
+                              tagPOINT3D* second);
+/// @}
+
+}  // extern "C"
+
 /// @name Circles
 /// @{
 
@@ -595,5 +654,68 @@ class CMatNormalEncoder {
     int span = 0;                    ///< 2^level.
     int halfCount = 0;               ///< Directions of the upper half.
 };
+
+/// @name Raster lines
+/// The pixels of a straight line from (x0, y0) to (x1, y1), both ends included, each a neighbour of the one before
+/// along a side or a corner.
+///   (1) There are max(|x1 - x0|, |y1 - y0|) + 1 pixels, one per row or column of the longer extent.
+///   (2) All forms give the same pixels in the same order.
+///   (3) Where the line runs exactly between two pixels, the step is diagonal; so the way back may take other
+///       pixels than the way there.
+///   (4) Arithmetic wraps around at 32 bits. Lines of up to 2^30 steps are straight; the pixels of longer ones are
+///       as many as told, but the minor axis does not step where it should.
+/// @par Source  J. E. Bresenham, IBM Systems Journal 4 (1965).
+/// @{
+
+/// Stores a line, all of it or nothing.
+/// @param points    the pixels; null to ask for their number.
+/// @param capacity  pixels that `points` has room for.
+/// @return the number of pixels; 0, with nothing stored, when `capacity` is smaller.
+VELQUAD_API unsigned int matGetBresenhamLine(int x0, int y0, int x1, int y1, tagPOINT* points,
+                                             unsigned int capacity);
+
+/// Stores as much of a line as fits.
+/// @param points    the first `capacity` pixels of the line; may be null, nothing is stored then.
+/// @param capacity  pixels that `points` has room for.
+/// @return the number of pixels of the whole line, whatever was stored.
+extern "C" VELQUAD_API unsigned int matGetLine(int x0, int y0, int x1, int y1, tagPOINT* points,
+                                               unsigned int capacity);
+
+/// Walks along a line, one pixel per call:
+///
+///     CMatBresenhamLine line(CPoint(0, 0), CPoint(5, 2));
+///     for (CPoint pixel; line.GetNextPoint(pixel);) visit(pixel);
+///
+/// A copy goes on from where the original stands. The fields tell the state and are not for writing.
+class VELQUAD_API CMatBresenhamLine {
+  public:
+    /// Stands before the first pixel of the line from `start` to `end`.
+    CMatBresenhamLine(CPoint start, CPoint end);
+    CMatBresenhamLine(const CMatBresenhamLine& other);
+    CMatBresenhamLine& operator=(const CMatBresenhamLine& other);
+
+    /// Goes to the next pixel.
+    /// @param point  the pixel; untouched on false.
+    /// @return false when the last pixel was given already, and ever after.
+    bool GetNextPoint(CPoint& point);
+
+    /// @return the number of pixels of the whole line.
+    int GetPointCount();
+
+    CPoint start;       ///< First pixel.
+    CPoint end;         ///< Last pixel.
+    int step;           ///< Steps made; -1 before the first pixel was given.
+    CPoint current;     ///< Pixel given last; `start` before the first call.
+    int diagonalX;      ///< Step along both axes: the signs of the differences, 1 for none.
+    int diagonalY;      ///< See `diagonalX`.
+    int straightX;      ///< Step along the longer extent alone.
+    int straightY;      ///< See `straightX`.
+    int diagonalError;  ///< What a diagonal step adds to `error`: 2 * (minor - major).
+    int straightError;  ///< What a straight step adds to `error`: 2 * minor.
+    int error;          ///< Below 0, the next step is straight. Begins as 2 * minor - major.
+    int major;          ///< Larger of the extents |dx| and |dy|, the steps of the line.
+    int minor;          ///< Smaller of the extents, the diagonal steps among them.
+};
+/// @}
 
 #endif  // VELQUAD_GEOMETRY_H
