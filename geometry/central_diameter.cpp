@@ -49,7 +49,7 @@ class RasterLine {
         minor_ = std::max<std::int64_t>(isSteep_ ? absX : absY, 0);
     }
 
-    /// The number of pixels; 1 or less only for coinciding ends and for extents that wrapped to negative ones.
+    /// The number of pixels; not positive for two extents of exactly 2^31, which stay negative.
     std::int64_t count() const { return major_ + 1; }
 
     tagPOINT at(std::int64_t i) const {

@@ -17,7 +17,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
 #include <cstdlib>
 #include <limits>
 #include <memory>
@@ -204,7 +203,7 @@ double attainableError(const tagPOINT2D* points, std::size_t count) {
 
 /// @return false when no triple has a circle with a finite error; `best` is unchanged then.
 bool findBestCircle(const tagPOINT2D* points, std::size_t count, Circle& best) {
-    if (count < 3) return false;
+    if (points == nullptr || count < 3) return false;
     const MomentScreen momentScreen(points, count);
     const PointScreen pointScreen(points, count);
     double bestError = kWorstError;
@@ -281,10 +280,10 @@ extern "C" int polyLeastSquareCircle(const tagPOINT* points, unsigned int count,
     const std::unique_ptr<void, FreeDeleter> block(std::malloc(size));
     if (block == nullptr) return 0;
     auto* copies = static_cast<tagPOINT2D*>(block.get());
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; points != nullptr && i < count; ++i)
         copies[i] = velquad::frame::toPoint2D(points[i]);
     Circle best;
-    if (findBestCircle(copies, count, best)) {
+    if (points != nullptr && findBestCircle(copies, count, best)) {
         center->x = velquad::frame::lroundToInt32(best.x);
         center->y = velquad::frame::lroundToInt32(best.y);
         *radius = best.radius;

@@ -14,7 +14,6 @@
 #include <emmintrin.h>
 
 #include <cmath>
-#include <cstddef>
 
 #include "velquad/types.h"
 

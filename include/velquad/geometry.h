@@ -607,7 +607,7 @@ VELQUAD_API int matCalcCentralInnerAndOuterDiameter(int width, int height, const
 ///       the equator, whose z is -0.0, encode to the same directions of the upper half.
 ///   (2) Decoded directions have length 1 within the rounding of floats.
 ///
-/// **Memory.** The tables take 24 h + 4 (2 s + 1)^2 bytes: 7 MB at level 8. Assigned and copied objects share
+/// **Memory.** The tables take 24 h + 4 (2 s + 1)^2 bytes: 4 MB at level 8. Assigned and copied objects share
 /// them, and the last one releases them.
 /// **Threads.** An object belongs to one thread at a time; objects that share tables may be used side by side.
 /// @par Source  Octahedral maps of the sphere, as surveyed by Z. H. Cigolle, S. Donow, D. Evangelakos, M. Mara,

@@ -273,6 +273,16 @@ TEST(Poly2dLeastSquareCircle, GivesTheBitsOfThePlainLoopsAtTheEndsOfTheRange) {
     }
 }
 
+TEST(Poly2dLeastSquareCircle, NullPointsStoreNothing) {
+    Found found;
+    EXPECT_EQ(poly2dLeastSquareCircle(nullptr, 5, found.center, &found.radius), 1);
+    EXPECT_TRUE(found.isUntouched());
+    tagPOINT center{11, 12};
+    EXPECT_EQ(polyLeastSquareCircle(nullptr, 5, &center, &found.radius), 1);
+    EXPECT_EQ(center.x, 11);
+    EXPECT_TRUE(found.isUntouched());
+}
+
 TEST(Poly2dLeastSquareCircle, NeedsNoMemory) {
     const std::size_t before = velquad::test::allocationCount();
     double center[2];
