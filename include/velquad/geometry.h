@@ -545,7 +545,9 @@ VELQUAD_API unsigned int matEstimatePointsInEllipse(const int* rect);
 
 /// Lists the outline of the ellipse in a rectangle. It starts at the right end of the horizontal axis, passes the
 /// bottom first, and its last point equals its first.
-///   (1) The outline touches all four sides, is symmetric about the rectangle's centre and never leaves it.
+///   (1) The outline is symmetric about the rectangle's centre, never leaves the rectangle and touches its left and
+///       right sides; top and bottom too, unless the ellipse is upright and very thin: the corrections of the last
+///       rows are skipped then (4 pixels wide and 17 high: it ends one row short).
 ///   (2) A rectangle of up to three pixels in width or height gets the pixels of `polyGetRotatedEllipse` around its
 ///       centre. That chain may be a single pixel, and halves are rounded away from zero there.
 /// @return the number of points. 0 for a null rectangle, and when `points` is null or too small; a part of the points
@@ -605,9 +607,8 @@ VELQUAD_API void* polyGetArbitraryEllipse(const tagPOINT2D* center, double semiA
 /// semi-axis B and back. Points that are not neighbours are joined by a line. The sign of a semi-axis does not
 /// matter; semi-axes of 0 are allowed and give a line.
 ///   (1) Up to a longer semi-axis of 1 pixel the ellipse is its centre pixel.
-///   (2) Neighbours in the chain are neighbours in the grid and differ. Where the parameter ends the chain comes back
-///       to its first point.
-/// @note  Where the curve passes through pixel (0, 0), a pixel next to the one before may be repeated in its place.
+///   (2) Neighbours in the chain are neighbours in the grid and differ.
+/// @note  Where the curve passes through pixel (0, 0), a pixel considered just before takes its place.
 /// @return 1, or 0 when `callback` stopped the drawing or the size of a pixel is below 1e-7.
 VELQUAD_API int matDrawRotatedEllipse(double* const center, double semiAxisA, double semiAxisB, double angle,
                                       int isCounterClockwise, int isDegrees, double scaleX, double scaleY,
