@@ -14,6 +14,9 @@
 #ifndef VELQUAD_GEOMETRY_H
 #define VELQUAD_GEOMETRY_H
 
+#include <cstdint>
+#include <vector>
+
 #include "velquad/framework.h"
 #include "velquad/types.h"
 
@@ -460,6 +463,166 @@ VELQUAD_API double matCalcLabsLinear(double low, double high, unsigned int label
 /// @}
 
 }  // extern "C"
+
+namespace velquad {
+
+/// Receives the points of a curve one by one.
+/// @param index  0 for the first point, one more for each that follows.
+/// @param arg1   the caller's values, passed through.
+/// @return non-zero to go on; 0 ends the drawing.
+using PointCallback = int (*)(tagPOINT point, DWORD index, std::uint64_t arg1, std::int64_t arg2);
+
+namespace geometry {
+struct AngleTable;
+}  // namespace geometry
+
+}  // namespace velquad
+
+/// @name Sine and cosine from a table
+/// @{
+
+/// Sine and cosine with limited precision and without a call of the mathematical library. The table covers one
+/// quadrant; the nearest entry is the result, nothing is interpolated, so an angle is in effect rounded to a
+/// multiple of 1 / `stepsPerDegree` degrees.
+///   (1) Multiples of a quarter turn in degrees are exact: 0, 1 or -1. The sine of 360 degrees is -0.0.
+///   (2) Angles are reduced to one turn first, whatever their size. Not a number for an infinity and for what is
+///       not a number.
+/// Reading is safe from several threads. Memory: 720 * `stepsPerDegree` + 8 bytes.
+class VELQUAD_API CMatAngleInterpolator {
+  public:
+    /// Builds the table. With 0 steps every result is not a number.
+    /// @throws std::bad_alloc, std::length_error
+    CMatAngleInterpolator(std::uint64_t stepsPerDegree);  // NOLINT(google-explicit-constructor)
+    CMatAngleInterpolator(const CMatAngleInterpolator& other);
+    /// `other` may only be assigned to or destroyed afterwards.
+    CMatAngleInterpolator(CMatAngleInterpolator&& other);
+    CMatAngleInterpolator& operator=(const CMatAngleInterpolator& other);
+    /// `other` may only be assigned to or destroyed afterwards.
+    CMatAngleInterpolator& operator=(CMatAngleInterpolator&& other);
+    ~CMatAngleInterpolator();
+
+    /// The sine of an angle in degrees or radians.
+    double sin(double angle, bool isDegrees);
+
+    /// The cosine: the sine of the angle and a quarter turn more.
+    double cos(double angle, bool isDegrees);
+
+  private:
+    friend struct velquad::geometry::AngleTable;
+
+    void SelfTest();
+
+    std::vector<double> table;  // sines of the first quadrant, both ends included
+    std::uint64_t steps;        // intervals of the table
+    double epsilon;             // how far a quadrant reaches beyond its end, in degrees
+};
+/// @}
+
+/// @name Ellipses
+/// Ellipses as chains of pixels, drawn in three independent ways that need not give the same pixels: by mirroring a
+/// quarter in a rectangle, by mirroring octants around the origin, and as tilted ellipses on a grid whose pixels
+/// need not be square.
+///
+/// A rectangle is four integers, left, top, right, bottom, all four inclusive. A polygon is an unlocked movable block
+/// with a `tagPOLY`; the caller releases it with `polyFree`.
+///
+/// A tilted ellipse has its centre and semi-axes in units of measurement; `scaleX` and `scaleY` are the width and
+/// height of a pixel in these units, and pixel (0, 0) has its centre at the origin. `angle` is the tilt of semi-axis
+/// A against the x axis, in degrees when `isDegrees` is non-zero and else in radians, towards the y axis when
+/// `isCounterClockwise` is non-zero and away from it otherwise. `callback` may be null. A null `center` is invalid.
+/// @{
+
+/// Lists the quarter of an ellipse around the origin from (a, 0) to (0, b), x falling and y rising. Neighbours in
+/// the list are neighbours in the grid.
+/// @param a, b      semi-axes in pixels, not negative. Exact up to a million; far larger ones give some bounded list.
+/// @param points    buffer for `capacity` points.
+/// @return the number of points; 0 for a null buffer, and when `capacity` is too small: what fits is stored then.
+/// @par Source  midpoint method; J. R. Van Aken, An efficient ellipse-drawing algorithm, 1984.
+VELQUAD_API DWORD matCalcEllipseQuadrant(int a, int b, tagPOINT* points, unsigned int capacity);
+
+extern "C" {
+
+/// A capacity that suffices for `matCalcEllipse`: 12 for each pixel of the longer semi-axis, and 12 at least.
+/// @return the number of points; 0 for a null rectangle.
+VELQUAD_API unsigned int matEstimatePointsInEllipse(const int* rect);
+
+/// Lists the outline of the ellipse in a rectangle. It starts at the right end of the horizontal axis, passes the
+/// bottom first, and its last point equals its first.
+///   (1) The outline is symmetric about the rectangle's centre, never leaves the rectangle and touches its left and
+///       right sides; top and bottom too, unless the ellipse is upright and very thin: the corrections of the last
+///       rows are skipped then (4 pixels wide and 17 high: it ends one row short).
+///   (2) A rectangle of up to three pixels in width or height gets the pixels of `polyGetRotatedEllipse` around its
+///       centre. That chain may be a single pixel, and halves are rounded away from zero there.
+/// @return the number of points. 0 for a null rectangle, and when `points` is null or too small; a part of the points
+///         is stored then, but none of a narrow rectangle. The points of a narrow rectangle are counted when
+///         `points` is null.
+VELQUAD_API DWORD matCalcEllipse(const int* rect, tagPOINT* points, unsigned int capacity);
+
+/// The points of `matCalcEllipse` as a polygon.
+/// @return its handle; null for a null rectangle and when there is no memory.
+VELQUAD_API void* polyGetEllipse(const int* rect);
+
+/// Lists an ellipse around the origin. The whole contour starts at (a, 0), runs through (0, -b), (-a, 0) and (0, b),
+/// and ends at a neighbour of its start, which is not repeated.
+///   (1) An ellipse with a semi-axis 0 is the line from (0, -b) to (0, b), or from (-a, 0) to (a, 0). What fits of
+///       it is stored, and the count is always the full one.
+///   (2) Everything else fails when it does not fit. Each of the two arcs of a quarter needs half of the capacity
+///       at most, so the count told for a null `points` always suffices.
+/// @param a, b         semi-axes in pixels.
+/// @param points       may be null: the points are only counted, and `capacity` plays no part.
+/// @param fullContour  zero: the points of the quarter lie on its two sides by turns, and the lower half repeats
+///                     them mirrored; the topmost and lowest points are lost. Ellipses with a semi-axis below 3 are
+///                     whole in any case.
+/// @return the number of points; -1 for a negative semi-axis, for one whose products do not fit 64 bits, for a count
+///         beyond 32 bits and for a buffer that is too small. A part of the points may be stored then.
+/// @par Source  midpoint method for two octants; J. R. Van Aken, An efficient ellipse-drawing algorithm, 1984.
+VELQUAD_API int matGetEllipse(int a, int b, tagPOINT* points, int capacity, int fullContour);
+
+/// Tells whether a pixel lies inside the ellipse in a rectangle. Centre and semi-axes are whole quotients by 2, as in
+/// `matIntersectLineAndEllipse`.
+/// @param distance  optional; how far the pixel lies from the nearer one of the two crossings of the ellipse with the
+///                  line through centre and pixel. Left alone when the pixel is the centre.
+/// @return 1 inside, and for the centre; 0 outside; -1 on the curve, within 1e-7 of the length between the
+///         crossings.
+VELQUAD_API int matIsPointInsideEllipse(const int* rect, const tagPOINT* point, double* distance);
+
+/// Draws a tilted ellipse by following the curve from pixel to pixel. Each step turns by a quarter turn at most and
+/// takes the pixel nearest to the curve. The chain starts at the end of semi-axis A, and its last point equals its
+/// first.
+/// @note  The chain is closed as soon as it comes within one pixel of its start, the second step included: a very
+///        thin ellipse can end early.
+/// @return 1, or 0 when `callback` stopped the drawing, when a semi-axis divided by its scale is not above zero, and
+///         when the chain has not closed after 131072 points, all of which have been delivered.
+VELQUAD_API int matDrawArbitraryEllipse(const tagPOINT2D* center, double semiAxisA, double semiAxisB,
+                                        double angle, int isCounterClockwise, int isDegrees, double scaleX,
+                                        double scaleY, velquad::PointCallback callback, std::uint64_t arg1,
+                                        std::int64_t arg2);
+
+/// The points of `matDrawArbitraryEllipse` as a polygon. The block may be larger than its points.
+/// @return its handle; null where the drawing gives 0 and when there is no memory.
+VELQUAD_API void* polyGetArbitraryEllipse(const tagPOINT2D* center, double semiAxisA, double semiAxisB,
+                                          double angle, int isCounterClockwise, int isDegrees, double scaleX,
+                                          double scaleY);
+
+}  // extern "C"
+
+/// Draws a tilted ellipse by stepping its parameter through one turn, from the end of semi-axis A towards that of
+/// semi-axis B and back. Points that are not neighbours are joined by a line. The sign of a semi-axis does not
+/// matter; semi-axes of 0 are allowed and give a line.
+///   (1) Up to a longer semi-axis of 1 pixel the ellipse is its centre pixel.
+///   (2) Neighbours in the chain are neighbours in the grid and differ.
+/// @note  Where the curve passes through pixel (0, 0), a pixel considered just before takes its place.
+/// @return 1, or 0 when `callback` stopped the drawing or the size of a pixel is below 1e-7.
+VELQUAD_API int matDrawRotatedEllipse(double* const center, double semiAxisA, double semiAxisB, double angle,
+                                      int isCounterClockwise, int isDegrees, double scaleX, double scaleY,
+                                      velquad::PointCallback callback, std::uint64_t arg1, std::int64_t arg2);
+
+/// The points of `matDrawRotatedEllipse` as a polygon. The block may be larger than its points.
+/// @return its handle; null where the drawing gives 0 and when there is no memory.
+VELQUAD_API void* polyGetRotatedEllipse(double* const center, double semiAxisA, double semiAxisB,
+                                        double angle, int isCounterClockwise, int isDegrees, double scaleX,
+                                        double scaleY);
+/// @}
 
 extern "C" {
 
