@@ -226,6 +226,7 @@ Coordinates referenceRotatedEllipse(const TiltedEllipse& q, Sine sine, Cosine co
 /// The pixel walk from a given start. Empty when it does not close within 131072 points.
 inline Coordinates referencePixelWalk(const TiltedEllipse& q, const Pixel& start, int direction) {
     const double squareA = q.a * q.a, squareB = q.b * q.b;
+    const double sine = std::sin(q.angle), cosine = std::cos(q.angle);
     Coordinates points{start};
     Pixel current = start;
     for (unsigned int index = 1;;) {
@@ -236,8 +237,8 @@ inline Coordinates referencePixelWalk(const TiltedEllipse& q, const Pixel& start
             const int k = (direction + turn + 8) % 8;
             const Pixel p{current.first + kReferenceDx[k], current.second + kReferenceDy[k]};
             const double x = p.first * q.scaleX - q.centerX, y = p.second * q.scaleY - q.centerY;
-            const double u = x * std::cos(q.angle) + y * std::sin(q.angle);
-            const double v = y * std::cos(q.angle) - x * std::sin(q.angle);
+            const double u = x * cosine + y * sine;
+            const double v = y * cosine - x * sine;
             const double error = std::fabs(v * v / squareB + u * u / squareA - 1.0);
             if (error < smallest) {
                 smallest = error;
