@@ -5,13 +5,17 @@
 
 #include "frame/convert.h"
 #include "geometry/distance.h"
+#include "geometry/raster_line.h"
 #include "velquad/geometry.h"
 
 using velquad::frame::Int32;
+using velquad::geometry::rasterPixelCount;
+using velquad::geometry::RasterSteps;
+using velquad::geometry::rasterSteps;
 
 namespace {
 
-constexpr std::int64_t kBufferedPixels = 65535;
+constexpr std::uint32_t kBufferedPixels = 65535;
 constexpr tagPOINT kNoPixel{velquad::kCoordinateNotSet, velquad::kCoordinateNotSet};
 
 /// A binary image, seen through coordinates that may lie anywhere.
@@ -36,21 +40,18 @@ struct Span {
 /// major axis and round(i * minor / major) along the minor one, halves away from the start.
 class RasterLine {
   public:
-    RasterLine(const tagPOINT& from, const tagPOINT& to) : from_(from) {
-        const Int32 dx = velquad::frame::wrapSub(to.x, from.x);
-        const Int32 dy = velquad::frame::wrapSub(to.y, from.y);
-        signX_ = dx < 0 ? -1 : 1;
-        signY_ = dy < 0 ? -1 : 1;
-        const Int32 absX = velquad::frame::wrapAbs(dx);
-        const Int32 absY = velquad::frame::wrapAbs(dy);
-        isSteep_ = absX < absY;
-        major_ = isSteep_ ? absY : absX;
-        // The smallest integer is its own absolute value; twice that is 0.
-        minor_ = std::max<std::int64_t>(isSteep_ ? absX : absY, 0);
-    }
+    RasterLine(const tagPOINT& from, const RasterSteps& steps)
+        : from_(from),
+          count_(rasterPixelCount(steps)),
+          major_(steps.major),
+          // An extent of exactly 2^31 stays negative; twice that is 0, so the minor axis never steps.
+          minor_(std::max<std::int64_t>(steps.minor, 0)),
+          signX_(steps.diagonalX),
+          signY_(steps.diagonalY),
+          isSteep_(steps.straightX == 0) {}
 
-    /// The number of pixels; not positive for two extents of exactly 2^31, which stay negative.
-    std::int64_t count() const { return major_ + 1; }
+    /// The number of pixels, at least one.
+    std::int64_t count() const { return count_; }
 
     tagPOINT at(std::int64_t i) const {
         const std::int64_t across = major_ == 0 ? 0 : (2 * minor_ * i + major_) / (2 * major_);
@@ -72,11 +73,12 @@ class RasterLine {
 
   private:
     tagPOINT from_;
-    std::int64_t major_ = 0;
-    std::int64_t minor_ = 0;
-    std::int64_t signX_ = 1;
-    std::int64_t signY_ = 1;
-    bool isSteep_ = false;
+    std::int64_t count_;
+    std::int64_t major_;
+    std::int64_t minor_;
+    std::int64_t signX_;
+    std::int64_t signY_;
+    bool isSteep_;
 };
 
 /// The set one of the three pixels in the middle of the line that is nearest to `center`, the earliest of equally
@@ -126,12 +128,12 @@ extern "C" int matCalcCentralInnerAndOuterDiameter(int width, int height, const 
                                                    tagPOINT* outerFirst, tagPOINT* outerLast,
                                                    tagPOINT* lineBuffer) {
     const BinaryImage image{width, height, rows};
-    const RasterLine line(from, to);
+    const RasterSteps steps = rasterSteps(from.x, from.y, to.x, to.y);
     if (lineBuffer != nullptr) {
-        const std::int64_t storedCount = std::min(line.count(), kBufferedPixels);
-        for (std::int64_t i = 0; i < storedCount; ++i)
-            lineBuffer[i] = line.at(i);
+        const std::uint32_t storedCount = std::min(rasterPixelCount(steps), kBufferedPixels);
+        velquad::geometry::storeRasterLine(steps, from.x, from.y, lineBuffer, storedCount);
     }
+    const RasterLine line(from, steps);
 
     const Span span = line.spanWithin(image);
     tagPOINT firstSet = kNoPixel;

@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "frame/convert.h"
-#include "geometry/line_pixels.h"
+#include "geometry/raster_line.h"
 #include "geometry/wrapping64.h"
 #include "velquad/geometry.h"
 
@@ -143,15 +143,13 @@ void makeZigzag(tagPOINT* points, std::int64_t count) {
 
 /// The ellipse without extent along one axis. @return the number of its points, whatever fits.
 int storeLine(const tagPOINT& start, const tagPOINT& end, tagPOINT* points, std::int64_t capacity) {
-    velquad::geometry::LinePixels line(start, end);
-    const Int32 count = line.count();
-    if (points == nullptr || capacity <= 0) return count;
-    const std::int64_t stored = count < capacity ? count : capacity;
-    for (std::int64_t i = 0; i < stored; ++i) {
-        points[i] = line.current();
-        line.advance();
+    const auto steps = velquad::geometry::rasterSteps(start.x, start.y, end.x, end.y);
+    const std::uint32_t count = velquad::geometry::rasterPixelCount(steps);
+    if (points != nullptr && capacity > 0) {
+        const auto stored = static_cast<std::uint32_t>(count < capacity ? count : capacity);
+        velquad::geometry::storeRasterLine(steps, start.x, start.y, points, stored);
     }
-    return count;
+    return static_cast<int>(count);
 }
 
 }  // namespace

@@ -56,19 +56,31 @@ constexpr std::uint32_t rasterPixelCount(const RasterSteps& steps) {
     return static_cast<std::uint32_t>(steps.major) + 1U;
 }
 
-/// Stores the first `count` pixels of the line that begins at (x, y).
-inline void storeRasterLine(const RasterSteps& steps, Int32 x, Int32 y, tagPOINT* points,
-                            std::uint32_t count) {
-    Int32 error = steps.error;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        points[i].x = x;
-        points[i].y = y;
+/// A place on a line. It does not know the line's end.
+struct RasterCursor {
+    Int32 x;
+    Int32 y;
+    Int32 error;  ///< `RasterSteps::error` at the first pixel.
+
+    /// Goes on to the next pixel.
+    constexpr void advance(const RasterSteps& steps) {
         // Selections, not branches: the sequence of steps is as good as random to a branch predictor.
         const bool isStraight = error < 0;
         x = frame::wrapAdd(x, isStraight ? steps.straightX : steps.diagonalX);
         y = frame::wrapAdd(y, isStraight ? steps.straightY : steps.diagonalY);
         error = isStraight ? frame::wrapAdd(error, steps.straightError)
                            : frame::wrapAdd(error, steps.diagonalError);
+    }
+};
+
+/// Stores the first `count` pixels of the line that begins at (x, y).
+inline void storeRasterLine(const RasterSteps& steps, Int32 x, Int32 y, tagPOINT* points,
+                            std::uint32_t count) {
+    RasterCursor cursor{x, y, steps.error};
+    for (std::uint32_t i = 0; i < count; ++i) {
+        points[i].x = cursor.x;
+        points[i].y = cursor.y;
+        cursor.advance(steps);
     }
 }
 

@@ -12,7 +12,7 @@
 #include "geometry/angle_table.h"
 #include "geometry/compass.h"
 #include "geometry/growing_outline.h"
-#include "geometry/line_pixels.h"
+#include "geometry/raster_line.h"
 
 namespace velquad::geometry {
 
@@ -145,9 +145,11 @@ bool CMatRotatedEllipse::deliver(const tagPOINT& point) {
 }
 
 bool CMatRotatedEllipse::deliverLine(const tagPOINT& previous, const tagPOINT& current) {
-    LinePixels line(previous, current);
-    while (line.advance()) {
-        if (!deliver(line.current())) return false;
+    const RasterSteps steps = rasterSteps(previous.x, previous.y, current.x, current.y);
+    RasterCursor cursor{static_cast<Int32>(previous.x), static_cast<Int32>(previous.y), steps.error};
+    for (Int32 i = 0; i < steps.major; ++i) {
+        cursor.advance(steps);
+        if (!deliver({cursor.x, cursor.y})) return false;
     }
     return true;
 }

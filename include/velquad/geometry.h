@@ -449,8 +449,8 @@ VELQUAD_API bool matMergeCuboids(double* out, const double* a, const double* b);
 /// Finds a round step for the labels of a linear axis and bounds that are multiples of it. The step is the
 /// smallest number of the series that lies above the largest one not above
 /// (high - low) / (max(labelCount, 2) - 1). The series starts at 5 times the power of ten of the axis's
-/// length, its logarithm cut towards zero; a quotient from there upwards is the step itself. A quotient that is round already gives the next larger step: 0 to 100 with 11 labels and mode 1 gives
-/// the step 20.
+/// length, its logarithm cut towards zero; a quotient from there upwards is the step itself. A quotient that is
+/// round already gives the next larger step: 0 to 100 with 11 labels and mode 1 gives the step 20.
 /// @param mode         mantissas of the series: 1 for 1, 2, 5; 2 for 1, 2.5, 5; 3 for 1, 5; any other value for 1,
 ///                     2, 2.5, 5. They are multiplied by powers of ten.
 /// @param roundedLow   a multiple of the step at or below `low`: `low` cut towards zero when it is positive, and one
@@ -745,7 +745,8 @@ VELQUAD_API int matComputeArrow(const tagPOINT2D* tail, const tagPOINT2D* tip, d
 /// @param outerFirst  optional; the outer end towards `from`.
 /// @param outerLast   optional; the outer end towards `to`.
 /// @param lineBuffer  receives the pixels of the line as `matGetLine` gives them, but never more than 65535 of
-///                    them. Longer lines are measured to their end all the same.
+///                    them. Longer lines are measured to their end all the same, those of more than 2^30 steps
+///                    along their true course.
 /// @return 1.
 /// @par Cost    O(width + height) besides the pixels stored, however long the line is.
 VELQUAD_API int matCalcCentralInnerAndOuterDiameter(int width, int height, const unsigned char* const* rows,

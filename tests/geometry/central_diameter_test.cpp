@@ -266,6 +266,40 @@ TEST(CentralDiameter, LongLinesAreMeasuredAtOnce) {
     expectPoint(d.innerLast, 2, 1);
 }
 
+TEST(CentralDiameter, BufferHoldsThePixelsOfTheRasterLine) {
+    constexpr int kMin = std::numeric_limits<int>::min();
+    constexpr int kMax = std::numeric_limits<int>::max();
+    struct Ends {
+        tagPOINT from;
+        tagPOINT to;
+    };
+    // Longer lines than 2^30 steps, whose error term wraps, and extents of 2^31 included.
+    const Ends lines[] = {
+        {{0, 0}, {5, 2}},          {{3, 9}, {-40, 200000}},      {{0, 0}, {kMax, 2000000000}},
+        {{7, kMax}, {-9, 100}},    {{0, 0}, {1999999999, kMax}}, {{0, 0}, {kMin, kMin}},
+        {{0, 0}, {kMin, 2000000}}, {{0, 0}, {3, kMin}}};
+    Image image({"##", "##"});
+    for (const Ends& ends : lines) {
+        SCOPED_TRACE(testing::Message() << "to " << ends.to.x << ", " << ends.to.y);
+        std::vector<tagPOINT> expected(kBufferedPixels, {-1, -1});
+        matGetLine(ends.from.x, ends.from.y, ends.to.x, ends.to.y, expected.data(), kBufferedPixels);
+        const Diameters d = measure(image, {0, 0}, ends.from, ends.to);
+        for (std::size_t i = 0; i < kBufferedPixels; ++i) {
+            ASSERT_EQ(d.line[i].x, expected[i].x) << i;
+            ASSERT_EQ(d.line[i].y, expected[i].y) << i;
+        }
+    }
+}
+
+TEST(CentralDiameter, LineOfTwoExtentsOfTwoTo31RunsAlongItsRow) {
+    constexpr int kMin = std::numeric_limits<int>::min();
+    Image image({"....", "####"});
+    const Diameters d = measure(image, {2, 1}, {2, 1}, {kMin + 2, kMin + 1});
+    expectPoint(d.outerFirst, 2, 1);
+    expectPoint(d.outerLast, 0, 1);
+    expectPoint(d.innerFirst, kUnset, kUnset);
+}
+
 TEST(CentralDiameter, EndsAnywhereAreSafe) {
     constexpr int kMin = std::numeric_limits<int>::min();
     constexpr int kMax = std::numeric_limits<int>::max();
