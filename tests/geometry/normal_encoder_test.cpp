@@ -326,7 +326,7 @@ TEST(NormalEncoder, FailedRebuildLeavesTheObjectWhole) {
 TEST(NormalEncoder, RefusesLevelsBeyondItsIndices) {
     EXPECT_THROW(CMatNormalEncoder(15), std::bad_alloc);
     EXPECT_THROW(CMatNormalEncoder(31), std::bad_alloc);
-    EXPECT_THROW(CMatNormalEncoder(std::numeric_limits<int>::max()), std::bad_alloc);
+    EXPECT_THROW(CMatNormalEncoder{std::numeric_limits<int>::max()}, std::bad_alloc);
 }
 
 TEST(NormalEncoder, LevelBelowZeroHasNoLattice) {
