@@ -25,9 +25,9 @@ CMatAngleInterpolator::CMatAngleInterpolator(std::uint64_t stepsPerDegree)
 }
 
 CMatAngleInterpolator::CMatAngleInterpolator(const CMatAngleInterpolator& other) = default;
-CMatAngleInterpolator::CMatAngleInterpolator(CMatAngleInterpolator&& other) = default;
+CMatAngleInterpolator::CMatAngleInterpolator(CMatAngleInterpolator&& other) noexcept = default;
 CMatAngleInterpolator& CMatAngleInterpolator::operator=(const CMatAngleInterpolator& other) = default;
-CMatAngleInterpolator& CMatAngleInterpolator::operator=(CMatAngleInterpolator&& other) = default;
+CMatAngleInterpolator& CMatAngleInterpolator::operator=(CMatAngleInterpolator&& other) noexcept = default;
 CMatAngleInterpolator::~CMatAngleInterpolator() = default;
 
 double CMatAngleInterpolator::sin(double angle, bool isDegrees) {

@@ -145,7 +145,8 @@ CMatNormalEncoder::~CMatNormalEncoder() {
 }
 
 CMatNormalEncoder& CMatNormalEncoder::operator=(const CMatNormalEncoder& other) {
-    // The other's tables get their new owner first: both may be the same.
+    if (this == &other) return *this;
+    // The other's tables get their new owner first: both objects may share them already.
     if (other.gradientTable != nullptr)
         headerOf(other.gradientTable)->ownerCount.fetch_add(1, std::memory_order_relaxed);
     releaseTables(gradientTable);
@@ -191,7 +192,8 @@ void CMatNormalEncoder::InitializeIndexTable() {
     const int newHalfCount = resolution.cells * resolution.cells + resolution.span * resolution.span;
     const std::size_t floatCount =
         2 * kFloatsPerDirection * static_cast<std::size_t>(newHalfCount) + kFloatsPerDirection;
-    const auto stride = static_cast<std::size_t>(resolution.cells + resolution.span);
+    const std::size_t stride =
+        static_cast<std::size_t>(resolution.cells) + static_cast<std::size_t>(resolution.span);
     const std::size_t cellCount = stride * stride;
 
     // The new tables are complete before the old ones go, so that a lack of memory leaves the object as it was.

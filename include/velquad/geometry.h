@@ -495,10 +495,10 @@ class VELQUAD_API CMatAngleInterpolator {
     CMatAngleInterpolator(std::uint64_t stepsPerDegree);  // NOLINT(google-explicit-constructor)
     CMatAngleInterpolator(const CMatAngleInterpolator& other);
     /// `other` may only be assigned to or destroyed afterwards.
-    CMatAngleInterpolator(CMatAngleInterpolator&& other);
+    CMatAngleInterpolator(CMatAngleInterpolator&& other) noexcept;
     CMatAngleInterpolator& operator=(const CMatAngleInterpolator& other);
     /// `other` may only be assigned to or destroyed afterwards.
-    CMatAngleInterpolator& operator=(CMatAngleInterpolator&& other);
+    CMatAngleInterpolator& operator=(CMatAngleInterpolator&& other) noexcept;
     ~CMatAngleInterpolator();
 
     /// The sine of an angle in degrees or radians.

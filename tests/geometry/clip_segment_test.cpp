@@ -130,7 +130,7 @@ TEST(ClipLine2D, RandomSegmentsMatchTheReferenceToTheLastBit) {
     std::uniform_int_distribution<int> whole(-3, 13);
     std::uniform_int_distribution<int> exponent(-10, 60);
     std::uniform_int_distribution<int> kind(0, 3);
-    std::uniform_real_distribution<double> near(-2e-7, 2e-7);
+    std::uniform_real_distribution<double> besideEdge(-2e-7, 2e-7);
     const auto coordinate = [&] {
         switch (kind(random)) {
             case 0:
@@ -140,7 +140,7 @@ TEST(ClipLine2D, RandomSegmentsMatchTheReferenceToTheLastBit) {
             case 2:
                 return std::ldexp(place(random), exponent(random));
             default:
-                return (whole(random) < 5 ? 0.0 : 10.0) + near(random);
+                return (whole(random) < 5 ? 0.0 : 10.0) + besideEdge(random);
         }
     };
     int cut = 0;
