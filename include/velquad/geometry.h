@@ -589,8 +589,8 @@ VELQUAD_API int matIsPointInsideEllipse(const int* rect, const tagPOINT* point, 
 /// Draws a tilted ellipse by following the curve from pixel to pixel. Each step turns by a quarter turn at most and
 /// takes the pixel nearest to the curve. The chain starts at the end of semi-axis A, and its last point equals its
 /// first.
-/// @note  The chain is closed as soon as it comes within one pixel of its start, the second step included: a very
-///        thin ellipse can end early.
+/// @note  The chain is closed as soon as it comes within one pixel of its start, the second step included. So it ends
+///        early on very thin ellipses, and at some tilts of others where its first two steps go round a corner.
 /// @return 1, or 0 when `callback` stopped the drawing, when a semi-axis divided by its scale is not above zero, and
 ///         when the chain has not closed after 131072 points, all of which have been delivered.
 VELQUAD_API int matDrawArbitraryEllipse(const tagPOINT2D* center, double semiAxisA, double semiAxisB,
