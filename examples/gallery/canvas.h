@@ -36,6 +36,11 @@ class Canvas {
 
     /// Fills a cell; cells outside are ignored.
     void fillCell(int x, int y, Rgb colour);
+    /// Fills the cells of a chain of pixels.
+    void fillCells(const std::vector<tagPOINT>& pixels, Rgb colour) {
+        for (const tagPOINT& pixel : pixels)
+            fillCell(static_cast<int>(pixel.x), static_cast<int>(pixel.y), colour);
+    }
     /// Draws a straight line with soft edges. The width is in screen pixels.
     void stroke(const tagPOINT2D& from, const tagPOINT2D& to, double width, Rgb colour);
     /// Draws the outline of a rectangle.

@@ -40,6 +40,30 @@ constexpr Picture kPictures[] = {
      drawClippedPixels},
     {"clipped_segments.png", "Segments clipped to a rectangle of doubles",
      "matClipLine2D: each end that lies outside moves along its segment to the edge.", drawClippedSegments},
+    {"arrows.png", "Arrows",
+     "matComputeArrow: from one middle, with heads of 15 degrees (right) and 7.5 more from arrow to arrow, "
+     "clockwise. The left line is orange, the right one blue. They are named in axes whose y grows upwards; "
+     "in an image it grows "
+     "downwards, so they change sides.",
+     drawArrows},
+    {"ellipses_in_rectangles.png", "Ellipses in rectangles",
+     "matCalcEllipse: odd and even widths and heights, and rectangles of a few pixels. The thin curve is the "
+     "ellipse through the middles of the outermost pixels.",
+     drawEllipsesInRectangles},
+    {"ellipses_around_origin.png", "Ellipses around the origin",
+     "matGetEllipse with semi-axes from 1 to 19: whole contours on the left. On the right the shortened "
+     "ones, whose quarter takes every other point on each side.",
+     drawEllipsesAroundOrigin},
+    {"tilted_ellipses.png", "Tilted ellipses",
+     "polyGetRotatedEllipse (orange) and polyGetArbitraryEllipse (blue); common pixels are grey. The last "
+     "two have pixels twice as high as wide, and twice as wide as high. The second ellipse is one where the "
+     "walk from pixel to pixel closes after two steps, as they go round a corner.",
+     drawTiltedEllipses},
+    {"directions.png", "Directions as indices",
+     "CMatNormalEncoder: spheres seen obliquely from above, coloured by the index of each cell's direction; "
+     "the lower half darker. Left level 2 with the decoded directions as dots, right level 4 with colours in "
+     "the order of the indices.",
+     drawDirections},
 };
 
 void writePage(const std::string& path) {

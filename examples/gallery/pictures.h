@@ -15,6 +15,16 @@ Canvas drawThereAndBack();
 Canvas drawClippedPixels();
 /// Segments cut to a rectangle of doubles.
 Canvas drawClippedSegments();
+/// Arrows with heads of several angles.
+Canvas drawArrows();
+/// Ellipses in rectangles of odd and even sizes, narrow ones included.
+Canvas drawEllipsesInRectangles();
+/// Ellipses around the origin, as whole contours and as the shortened ones.
+Canvas drawEllipsesAroundOrigin();
+/// Tilted ellipses, drawn in two ways, on square pixels and others.
+Canvas drawTiltedEllipses();
+/// A sphere coloured by the indices of its directions.
+Canvas drawDirections();
 
 }  // namespace gallery
 

@@ -1,4 +1,4 @@
-// Raster lines and clipped segments.
+// Raster lines, clipped segments and arrows.
 #include <velquad/geometry.h>
 
 #include <vector>
@@ -31,8 +31,7 @@ Canvas drawFanOfLines() {
     const Rgb colours[] = {kOrange, kBlue, kGreen, kRed, kViolet};
     int index = 0;
     for (const tagPOINT& end : ends) {
-        for (const tagPOINT& pixel : pixelsOf(hub, end))
-            canvas.fillCell(static_cast<int>(pixel.x), static_cast<int>(pixel.y), colours[index % 5]);
+        canvas.fillCells(pixelsOf(hub, end), colours[index % 5]);
         ++index;
     }
     for (const tagPOINT& end : ends)
@@ -74,15 +73,13 @@ Canvas drawClippedPixels() {
     const Rgb colours[] = {kOrange, kBlue, kGreen, kRed, kViolet};
     int index = 0;
     for (const auto& segment : segments) {
-        for (const tagPOINT& pixel : pixelsOf(segment[0], segment[1]))
-            canvas.fillCell(static_cast<int>(pixel.x), static_cast<int>(pixel.y), kFaint);
+        canvas.fillCells(pixelsOf(segment[0], segment[1]), kFaint);
     }
     for (const auto& segment : segments) {
         tagPOINT p1 = segment[0];
         tagPOINT p2 = segment[1];
         if (matClipLine2L(rect, &p1, &p2) != 0) {
-            for (const tagPOINT& pixel : pixelsOf(p1, p2))
-                canvas.fillCell(static_cast<int>(pixel.x), static_cast<int>(pixel.y), colours[index % 5]);
+            canvas.fillCells(pixelsOf(p1, p2), colours[index % 5]);
         }
         ++index;
     }
@@ -110,6 +107,32 @@ Canvas drawClippedSegments() {
         canvas.dot(p2, 4.0, colours[i % 5]);
     }
     canvas.frame(rect, 2.0, kInk);
+    return canvas;
+}
+
+Canvas drawArrows() {
+    Canvas canvas(41, 41, kZoom);
+    const tagPOINT hub{20, 20};
+    const tagPOINT tips[] = {{38, 20}, {35, 34}, {20, 38}, {8, 32}, {2, 20}, {5, 6}, {20, 2}, {33, 8}};
+    constexpr int kDegrees = 1;
+    constexpr double kHeadLength = 6.0;
+    double angle = 15.0;
+    for (const tagPOINT& tip : tips) {
+        const tagPOINT2D from = middleOf(hub);
+        const tagPOINT2D to = middleOf(tip);
+        canvas.fillCells(pixelsOf(hub, tip), kFaint);
+        canvas.stroke(from, to, 2.5, kInk);
+        tagPOINT2D left{};
+        tagPOINT2D right{};
+        if (matComputeArrow(&from, &to, angle, kDegrees, kHeadLength, &left, &right) != 0) {
+            canvas.stroke(left, to, 2.5, kOrange);
+            canvas.dot(left, 4.0, kOrange);
+            canvas.stroke(right, to, 2.5, kBlue);
+            canvas.dot(right, 4.0, kBlue);
+        }
+        angle += 7.5;
+    }
+    canvas.dot(middleOf(hub), 5.0, kInk);
     return canvas;
 }
 

@@ -24,6 +24,33 @@ while read -r picture; do
     [ "$(head -c 4 "$work/first/$picture" | tail -c 3)" = PNG ] || fail "$picture is not a PNG"
 done <"$work/pictures"
 
+# Every picture by name and size: columns and rows times zoom, and one more for the last grid line.
+cat >"$work/expected" <<'END'
+lines.png 657 657
+there_and_back.png 657 273
+clipped_pixels.png 657 465
+clipped_segments.png 657 465
+arrows.png 657 657
+ellipses_in_rectangles.png 869 617
+ellipses_around_origin.png 883 575
+tilted_ellipses.png 925 617
+directions.png 889 453
+END
+big_endian_32() { # FILE OFFSET
+    od -An -tu1 -j "$2" -N 4 "$1" | awk '{ print (($1 * 256 + $2) * 256 + $3) * 256 + $4 }'
+}
+while read -r picture; do
+    echo "$picture $(big_endian_32 "$work/first/$picture" 16) $(big_endian_32 "$work/first/$picture" 20)"
+done <"$work/pictures" >"$work/found"
+diff "$work/expected" "$work/found" || fail "names, order or sizes of the pictures"
+# No picture took the place of another one.
+[ -z "$(cksum "$work"/first/*.png | cut -d ' ' -f 1,2 | sort | uniq -d)" ] || fail "two pictures are the same"
+# Each picture is explained by the function that it shows.
+for name in matGetBresenhamLine CMatBresenhamLine matClipLine2L matClipLine2D matComputeArrow matCalcEllipse \
+    matGetEllipse polyGetRotatedEllipse polyGetArbitraryEllipse CMatNormalEncoder; do
+    grep -q "figcaption>.*$name" "$work/first/index.html" || fail "the page does not name $name"
+done
+
 touch "$work/file"
 status=0
 "$gallery" "$work/file/below" 2>"$work/stderr" || status=$?
