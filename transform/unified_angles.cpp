@@ -14,11 +14,11 @@ using velquad::geometry::normalizeAngle;
 constexpr tagPOINT3D kUnitY{0.0, 1.0, 0.0};
 constexpr tagPOINT3D kUnitZ{0.0, 0.0, 1.0};
 
-/// A tilt below 0 by less than this is taken for 0.
+/// A tilt below 0 by less than this is kept as it is.
 constexpr double kNegativeTiltTolerance = 1e-7;
-/// Smallest tilts that are too large. Kept: degrees have a tolerance above the half turn, radians have none.
+/// The smallest tilts that are too large: half a turn and 1e-7 of the unit.
 constexpr double kTiltLimitDegrees = 180.0000001;
-constexpr double kTiltLimitRad = 3.141592653589793;
+constexpr double kTiltLimitRad = 3.141592753589793;
 
 struct UnifiedAngles {
     double tilt = 0.0;

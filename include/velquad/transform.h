@@ -239,8 +239,8 @@ VELQUAD_API int matConvertRotationMatrixToUnifiedAngles4(double (*m)[4], double*
                                                          double* last, int isDegrees);
 
 /// Brings three angles to their normal form, which describes the same rotation: `tilt` from 0 to half a turn,
-/// the others from 0 to below a full turn. A tilt that exceeds this range by rounding only, from -1e-7, is kept;
-/// so is one up to 180.0000001 degrees, while in radians pi itself is converted already.
+/// the others from 0 to below a full turn. A tilt that is less than 1e-7, in its unit, outside this range is
+/// kept as it is.
 /// @return 1; 0 when working memory is lacking, with `tilt` unchanged.
 VELQUAD_API int matNormalizeUnifiedAngles4(double* tilt, double* first, double* last, int isDegrees);
 /// @}

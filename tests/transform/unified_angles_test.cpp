@@ -249,17 +249,22 @@ TEST(MatNormalizeUnifiedAngles4, TiltBelowZeroByRoundingIsKept) {
     }
 }
 
-TEST(MatNormalizeUnifiedAngles4, HalfTurnInDegreesHasATolerance) {
-    expectAngles(normalized({180.0, 1.0, 2.0}, 1), {180.0, 1.0, 2.0}, 0.0);
-    const double kept = std::nextafter(180.0000001, 0.0);
-    expectAngles(normalized({kept, 1.0, 2.0}, 1), {kept, 1.0, 2.0}, 0.0);
-    expectAngles(normalized({180.0000001, 1.0, 2.0}, 1), {180.0, 0.0, 1.0}, 1e-6);
-}
-
-TEST(MatNormalizeUnifiedAngles4, HalfTurnInRadiansIsConverted) {
-    const double kept = std::nextafter(kPi, 0.0);
-    expectAngles(normalized({kept, 1.0, 2.0}, 0), {kept, 1.0, 2.0}, 0.0);
-    expectAngles(normalized({kPi, 1.0, 2.0}, 0), {kPi, 0.0, 1.0}, 1e-14);
+TEST(MatNormalizeUnifiedAngles4, TiltAboveHalfATurnByRoundingIsKept) {
+    struct Case {
+        int isDegrees;
+        double halfTurn;
+        double limit;
+    };
+    for (const Case& c : {Case{1, 180.0, 180.0000001}, Case{0, kPi, 3.141592753589793}}) {
+        SCOPED_TRACE(c.isDegrees);
+        expectAngles(normalized({c.halfTurn, 1.0, 2.0}, c.isDegrees), {c.halfTurn, 1.0, 2.0}, 0.0);
+        const double kept = std::nextafter(c.limit, 0.0);
+        expectAngles(normalized({kept, 1.0, 2.0}, c.isDegrees), {kept, 1.0, 2.0}, 0.0);
+        // At the limit the triple is converted: so near to half a turn only the difference of the others counts.
+        const Angles converted = normalized({c.limit, 1.0, 2.0}, c.isDegrees);
+        expectAngles(converted, {c.halfTurn, 0.0, 1.0}, 1e-6);
+        EXPECT_LE(converted.tilt, c.halfTurn);
+    }
 }
 
 TEST(MatNormalizeUnifiedAngles4, NotANumberIsConverted) {
