@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The Windows module: cross-compiles it, runs every test under Wine, packs build/windows/VELQUAD-<version>-win64.zip,
-# and builds and runs an outside project against what is in the archive.
+# and builds and runs an outside project and the examples against what is in the archive.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source scripts/packages.sh
@@ -28,3 +28,33 @@ cmake --build "$work/consumer" >/dev/null
 cp "$prefix/bin/VELQUAD.dll" "$work/consumer"
 scripts/wine_run.sh "$work/consumer/consumer.exe"
 echo "the archive serves a Windows project: $(ls build/windows/VELQUAD-*-win64.zip)"
+
+# Wraps a Windows program so that a shell test runs it like any other.
+wrap() { # PROGRAM
+    printf '#!/usr/bin/env bash\nexec %q %q "$@"\n' "$PWD/scripts/wine_run.sh" "$PWD/$1.exe" >"$1"
+    chmod +x "$1"
+}
+
+# The examples, with their own tests.
+if ! scripts/windows_libpng.sh build/windows-libpng; then
+    echo "the examples are not run under Wine"
+    exit 0
+fi
+png=$PWD/build/windows-libpng
+for example in outline gallery; do
+    cmake -S "examples/$example" -B "$work/$example" -G Ninja -DVELQUAD_DIR="$prefix/lib/cmake/VELQUAD" \
+        -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/windows-toolchain.cmake" -DCMAKE_EXE_LINKER_FLAGS=-static \
+        -DPNG_LIBRARY="$png/lib/libpng.a" -DPNG_PNG_INCLUDE_DIR="$png/include" \
+        -DZLIB_LIBRARY=/usr/x86_64-w64-mingw32/lib/libz.a >/dev/null
+    cmake --build "$work/$example" >/dev/null
+    cp "$prefix/bin/VELQUAD.dll" "$work/$example"
+    programs=()
+    for program in "$work/$example"/*.exe; do
+        wrap "${program%.exe}"
+        programs+=("${program%.exe}")
+    done
+    # The program itself comes first, what makes its test pictures second.
+    mapfile -t programs < <(printf '%s\n' "${programs[@]}" | sort -r)
+    "examples/$example/test.sh" "${programs[@]}"
+    echo "the example $example passes its tests under Wine"
+done

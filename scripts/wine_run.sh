@@ -46,10 +46,13 @@ case "${1:-}" in
         exec 9>&-
         # Processes of the system that the program is the first to need inherit its output too, so that is a file.
         output=$(mktemp)
-        trap 'rm -f "$output"' EXIT
+        errors=$(mktemp)
+        trap 'rm -f "$output" "$errors"' EXIT
         status=0
-        timeout -k 5 "$time_limit" "$wine" "$@" </dev/null >"$output" 2>&1 || status=$?
-        cat "$output"
+        timeout -k 5 "$time_limit" "$wine" "$@" </dev/null >"$output" 2>"$errors" || status=$?
+        # Lines end as they do on this system.
+        tr -d '\r' <"$output"
+        tr -d '\r' <"$errors" >&2
         exit "$status"
         ;;
 esac
