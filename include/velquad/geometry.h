@@ -854,7 +854,7 @@ extern "C" VELQUAD_API unsigned int matGetLine(int x0, int y0, int x1, int y1, t
 class VELQUAD_API CMatBresenhamLine {
   public:
     /// Stands before the first pixel of the line from `start` to `end`.
-    CMatBresenhamLine(CPoint start, CPoint end);
+    CMatBresenhamLine(CPoint startPoint, CPoint endPoint);
     CMatBresenhamLine(const CMatBresenhamLine& other);
     CMatBresenhamLine& operator=(const CMatBresenhamLine& other);
 
@@ -879,7 +879,51 @@ class VELQUAD_API CMatBresenhamLine {
     int error;          ///< Below 0, the next step is straight. Begins as 2 * minor - major.
     int major;          ///< Larger of the extents |dx| and |dy|, the steps of the line.
     int minor;          ///< Smaller of the extents, the diagonal steps among them.
+
+  private:
+    static constexpr int add(int a, int b) {
+        return static_cast<int>(static_cast<unsigned int>(a) + static_cast<unsigned int>(b));
+    }
+    static constexpr int negate(int value) { return static_cast<int>(0U - static_cast<unsigned int>(value)); }
 };
+
+// Walking is worth inlining: a line then lives in the caller's registers. The module exports both all the same.
+VELQUAD_EMIT_INLINE inline CMatBresenhamLine::CMatBresenhamLine(CPoint startPoint, CPoint endPoint)
+    : start(startPoint), end(endPoint), step(-1), current(startPoint) {
+    const int dx = add(end.x, negate(start.x));
+    const int dy = add(end.y, negate(start.y));
+    const int extentX = dx < 0 ? negate(dx) : dx;
+    const int extentY = dy < 0 ? negate(dy) : dy;
+    const bool isFlat = extentX >= extentY;
+    diagonalX = dx < 0 ? -1 : 1;
+    diagonalY = dy < 0 ? -1 : 1;
+    straightX = isFlat ? diagonalX : 0;
+    straightY = isFlat ? 0 : diagonalY;
+    major = isFlat ? extentX : extentY;
+    minor = isFlat ? extentY : extentX;
+    straightError = add(minor, minor);
+    diagonalError = add(straightError, negate(add(major, major)));
+    error = add(straightError, negate(major));
+}
+
+VELQUAD_EMIT_INLINE inline bool CMatBresenhamLine::GetNextPoint(CPoint& point) {
+    if (step == -1) {
+        point = start;
+        step = 0;
+        return true;
+    }
+    if (step >= major) return false;
+    // Masks, not branches: the sequence of steps is as good as random to a branch predictor. A straight step is a
+    // diagonal one and what takes the difference back.
+    const int isStraight = error >> 31;
+    const CPoint next(add(add(current.x, diagonalX), (straightX - diagonalX) & isStraight),
+                      add(add(current.y, diagonalY), (straightY - diagonalY) & isStraight));
+    error = add(add(error, diagonalError), add(straightError, negate(diagonalError)) & isStraight);
+    ++step;
+    current = next;
+    point = next;
+    return true;
+}
 /// @}
 
 #endif  // VELQUAD_GEOMETRY_H

@@ -22,6 +22,12 @@
 #define VELQUAD_API __attribute__((visibility("default")))
 #endif
 
+/// Stands before the exported members that a header defines inline; the one file of the module that holds their
+/// exported copies gives it a meaning.
+#if !defined(VELQUAD_EMIT_INLINE)
+#define VELQUAD_EMIT_INLINE
+#endif
+
 #if defined(_WIN32)
 
 #if !defined(NOMINMAX)
