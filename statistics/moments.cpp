@@ -11,8 +11,7 @@
 //   - Elsewhere the order of the elements decides about the rounding, and they are added one by one.
 #include "statistics/moments.h"
 
-#include <emmintrin.h>
-
+#include "statistics/element_pair.h"
 #include "statistics/element_type.h"
 #include "statistics/narrow_sums.h"
 
@@ -30,38 +29,6 @@ constexpr std::size_t kMinNarrowBlock = 16;
 constexpr std::size_t kMarkBlock = 1024;
 
 constexpr std::size_t kLanes = 4;
-
-/// Two neighbouring elements as doubles.
-template <class T>
-__m128d loadPair(const void* values, std::size_t index) {
-    return _mm_setr_pd(elementAt<T>(values, index), elementAt<T>(values, index + 1));
-}
-
-template <>
-__m128d loadPair<double>(const void* values, std::size_t index) {
-    return _mm_loadu_pd(static_cast<const double*>(tailOf<double>(values, index)));
-}
-
-template <>
-__m128d loadPair<float>(const void* values, std::size_t index) {
-    const __m128i bits = _mm_loadl_epi64(static_cast<const __m128i*>(tailOf<float>(values, index)));
-    return _mm_cvtps_pd(_mm_castsi128_ps(bits));
-}
-
-template <>
-__m128d loadPair<std::int32_t>(const void* values, std::size_t index) {
-    return _mm_cvtepi32_pd(_mm_loadl_epi64(static_cast<const __m128i*>(tailOf<std::int32_t>(values, index))));
-}
-
-/// The lower and the upper lane.
-struct Lanes {
-    double low = 0.0;
-    double high = 0.0;
-};
-
-Lanes lanesOf(__m128d pair) {
-    return {_mm_cvtsd_f64(pair), _mm_cvtsd_f64(_mm_unpackhi_pd(pair, pair))};
-}
 
 double lesser(Lanes lanes) {
     return lanes.high < lanes.low ? lanes.high : lanes.low;

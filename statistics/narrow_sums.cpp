@@ -1,55 +1,15 @@
-// Sums over integers of 8 and 16 bits with the vector instructions that every x86-64 has.
-//
-// The elements are moved first so that one body serves signed and unsigned types: those of 8 bits to 0 ... 255,
-// those of 16 bits to -32768 ... 32767, where the products of neighbours are added by one instruction. With
+// Sums over integers of 8 and 16 bits with the vector instructions that every x86-64 has. With moved elements
 // x = y + s the sums of x follow from those of y: sum x = sum y + n s, sum x^2 = sum y^2 + 2 s sum y + n s^2.
 #include "statistics/narrow_sums.h"
-
-#include <emmintrin.h>
 
 #include <limits>
 
 #include "statistics/element_type.h"
+#include "statistics/narrow_lanes.h"
 
 namespace velquad::statistics {
 
 namespace {
-
-constexpr std::size_t kVectorBytes = 16;
-
-__m128i load(const char* at) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-}
-
-template <class Lane>
-std::int64_t sumOfLanes(__m128i vector) {
-    Lane lanes[kVectorBytes / sizeof(Lane)];
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(lanes), vector);
-    std::int64_t sum = 0;
-    for (const Lane lane : lanes)
-        sum += static_cast<std::int64_t>(lane);
-    return sum;
-}
-
-template <class Lane>
-Lane leastLane(__m128i vector) {
-    Lane lanes[kVectorBytes / sizeof(Lane)];
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(lanes), vector);
-    Lane least = lanes[0];
-    for (const Lane lane : lanes)
-        least = lane < least ? lane : least;
-    return least;
-}
-
-template <class Lane>
-Lane greatestLane(__m128i vector) {
-    Lane lanes[kVectorBytes / sizeof(Lane)];
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(lanes), vector);
-    Lane greatest = lanes[0];
-    for (const Lane lane : lanes)
-        greatest = lane > greatest ? lane : greatest;
-    return greatest;
-}
 
 /// Sums of the moved elements.
 struct MovedSums {
@@ -91,17 +51,10 @@ MovedSums gather(const char* values, std::size_t vectorCount, std::uint8_t flip)
             leastLane<std::uint8_t>(least), greatestLane<std::uint8_t>(greatest)};
 }
 
-/// A sum of up to 2^15 unsigned 32-bit values, from its low 32 bits and the sum of their high halves, which tells
-/// it up to 2^15 * 2^16: between the two there is one number only.
-std::int64_t sumFromParts(std::uint32_t lowBits, std::uint32_t highHalves) {
-    const std::uint64_t floor = static_cast<std::uint64_t>(highHalves) << 16;
-    return static_cast<std::int64_t>(floor + (lowBits - static_cast<std::uint32_t>(floor)));
-}
-
 /// Elements of 16 bits as -32768 ... 32767. The squares of two neighbours add up to at most 2^31, which is right as
 /// an unsigned number. Their lanes are summed modulo 2^32 and by their high halves.
 MovedSums gather(const char* values, std::size_t vectorCount, std::uint16_t flip) {
-    static_assert(kNarrowBlock / (kVectorBytes / 2) <= (1U << 15));
+    static_assert(kNarrowBlock / (kVectorBytes / 2) <= kMaxVectorsOfParts);
     const __m128i ones = _mm_set1_epi16(1);
     const __m128i mask = _mm_set1_epi16(static_cast<short>(flip));
     __m128i least = _mm_set1_epi16(std::numeric_limits<short>::max());
@@ -120,38 +73,9 @@ MovedSums gather(const char* values, std::size_t vectorCount, std::uint16_t flip
     }
     MovedSums result{sumOfLanes<std::int32_t>(sums), 0, leastLane<short>(least),
                      greatestLane<short>(greatest)};
-    std::uint32_t low[kVectorBytes / 4];
-    std::uint32_t high[kVectorBytes / 4];
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(low), squaresLow);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(high), squaresHigh);
-    for (std::size_t k = 0; k < kVectorBytes / 4; ++k)
-        result.sumOfSquares += sumFromParts(low[k], high[k]);
+    result.sumOfSquares = sumFromParts(squaresLow, squaresHigh);
     return result;
 }
-
-/// How the elements of a type are moved: which bits are flipped, and how far an element lies above the moved one.
-template <class T>
-struct Move;
-template <>
-struct Move<std::int8_t> {
-    static constexpr std::uint8_t kFlip = 0x80;
-    static constexpr std::int32_t kShift = -128;
-};
-template <>
-struct Move<std::uint8_t> {
-    static constexpr std::uint8_t kFlip = 0;
-    static constexpr std::int32_t kShift = 0;
-};
-template <>
-struct Move<std::int16_t> {
-    static constexpr std::uint16_t kFlip = 0;
-    static constexpr std::int32_t kShift = 0;
-};
-template <>
-struct Move<std::uint16_t> {
-    static constexpr std::uint16_t kFlip = 0x8000;
-    static constexpr std::int32_t kShift = 32768;
-};
 
 }  // namespace
 
