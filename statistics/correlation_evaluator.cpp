@@ -12,7 +12,7 @@
 
 #include "statistics/element_pair.h"
 #include "statistics/element_type.h"
-#include "statistics/narrow_pair_sums.h"
+#include "statistics/narrow_sums.h"
 #include "velquad/statistics.h"
 
 namespace velquad::statistics {
@@ -97,7 +97,7 @@ struct PairSums {
         if (!isExact(e.sumX) || !isExact(e.sumXX) || !isExact(e.sumY) || !isExact(e.sumYY) ||
             !isExact(e.sumXY))
             return false;
-        addTotals(e, narrowPairSums<T>(x, y, count));
+        addTotals(e, narrowKernelsFor<T>().pairSums(x, y, count));
         return true;
     }
 
@@ -129,13 +129,18 @@ struct PairSums {
             return;
         }
         const auto n = static_cast<std::size_t>(count);
-        NarrowPairSums sums;
+        NarrowPairSums total{};
         for (std::size_t begin = 0; begin < n; begin += kNarrowBlock) {
             const std::size_t rest = n - begin;
-            sums += narrowPairSums<T>(tailOf<T>(x, begin), tailOf<T>(y, begin),
-                                      rest < kNarrowBlock ? rest : kNarrowBlock);
+            const NarrowPairSums block = narrowKernelsFor<T>().pairSums(
+                tailOf<T>(x, begin), tailOf<T>(y, begin), rest < kNarrowBlock ? rest : kNarrowBlock);
+            total.x += block.x;
+            total.y += block.y;
+            total.xx += block.xx;
+            total.yy += block.yy;
+            total.xy += block.xy;
         }
-        addTotals(e, sums);
+        addTotals(e, total);
         e.count += static_cast<DWORD>(count);
     }
 

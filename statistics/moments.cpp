@@ -125,10 +125,10 @@ bool Moments::addTotals(Evaluator& e, std::int64_t sum, std::uint64_t squares, s
 template <class T>
 bool Moments::addExactly(Evaluator& e, const void* values, std::size_t count) {
     if (!isExactSum(e.sum) || !isExactSumOfSquares(e.sumOfSquares)) return false;
-    const NarrowSums sums = narrowSums<T>(values, count);
-    const std::uint64_t odd =
-        e.sumOfSquares >= static_cast<double>(kTwoTo53) ? countOdd<T>(values, count) : 0;
-    if (!addTotals(e, sums.sum, sums.sumOfSquares, odd)) return false;
+    const NarrowSums sums = narrowKernelsFor<T>().sums(values, count);
+    const bool isRounding = e.sumOfSquares >= static_cast<double>(kTwoTo53);
+    const std::size_t odd = isRounding ? narrowKernelsFor<T>().oddCount(values, count) : 0;
+    if (!addTotals(e, sums.sum, static_cast<std::uint64_t>(sums.sumOfSquares), odd)) return false;
     if (e.min > sums.min) e.min = sums.min;
     if (sums.max > e.max) e.max = sums.max;
     return true;
