@@ -23,8 +23,8 @@ namespace {
 /// Integers up to this stay exact in doubles through a block: 2^53 less the most that a block of products can add.
 constexpr auto kMaxExactSum =
     static_cast<double>((std::uint64_t{1} << 53) - kNarrowBlock * (std::uint64_t{1} << 32));
-/// Fewer pairs than this are added one by one.
-constexpr std::size_t kMinNarrowBlock = 16;
+/// Fewer pairs than this take no longer one by one.
+constexpr std::size_t kMinNarrowBlock = 32;
 
 bool isExact(double sum) {
     return sum >= -kMaxExactSum && sum <= kMaxExactSum &&

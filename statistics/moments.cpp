@@ -24,8 +24,8 @@ constexpr std::uint64_t kTwoTo53 = std::uint64_t{1} << 53;
 constexpr std::uint64_t kTwoTo55 = std::uint64_t{1} << 55;
 /// A sum of values up to this stays exact through a block: 2^53 less the most that a block can add.
 constexpr auto kMaxExactSum = static_cast<double>(kTwoTo53 - kNarrowBlock * 65536);
-/// Fewer elements than this are added one by one.
-constexpr std::size_t kMinNarrowBlock = 16;
+/// Fewer elements than this take no longer one by one.
+constexpr std::size_t kMinNarrowBlock = 48;
 /// Elements that are looked through for the mark at once.
 constexpr std::size_t kMarkBlock = 1024;
 

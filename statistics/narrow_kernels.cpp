@@ -44,7 +44,7 @@ struct Move<std::uint16_t> {
 /// The elements behind the last full vector of an array, continued to a vector.
 template <class T>
 struct Tail {
-    static constexpr std::size_t kPerVector = kVectorBytes / sizeof(T);
+    static constexpr std::size_t kPerVector = Vector::kBytes / sizeof(T);
     T elements[kPerVector];
 
     /// @param used  1 to `kPerVector`.
@@ -81,7 +81,7 @@ class WideSums {
 };
 
 /// Lanes of bytes: a lane of products grows by at most 4 * 255^2 with each vector.
-constexpr std::size_t kMaxVectors = kNarrowBlock / kVectorBytes + 1;
+constexpr std::size_t kMaxVectors = kNarrowBlock / Vector::kBytes + 1;
 static_assert(kMaxVectors * 4 * 255 * 255 < (1U << 31));
 /// Lanes of words: twice as many vectors.
 static_assert(2 * kMaxVectors <= (1U << 15));
@@ -200,10 +200,10 @@ NarrowSums sums(const void* values, std::size_t count) {
     const std::size_t vectorCount = (count - 1) / kPerVector;
     Gatherer<sizeof(T)> gatherer;
     for (std::size_t i = 0; i < vectorCount; ++i) {
-        prefetchAhead(at + i * kVectorBytes);
-        gatherer.add(Vector::load(at + i * kVectorBytes) ^ flip);
+        prefetchAhead(at + i * Vector::kBytes);
+        gatherer.add(Vector::load(at + i * Vector::kBytes) ^ flip);
     }
-    const Tail<T> tail(at + vectorCount * kVectorBytes, count - vectorCount * kPerVector);
+    const Tail<T> tail(at + vectorCount * Vector::kBytes, count - vectorCount * kPerVector);
     gatherer.add(Vector::load(tail.elements) ^ flip);
     const NarrowSums moved = gatherer.totals();
 
@@ -226,13 +226,13 @@ NarrowPairSums pairSums(const void* x, const void* y, std::size_t count) {
     const std::size_t vectorCount = (count - 1) / kPerVector;
     PairGatherer<sizeof(T)> gatherer;
     for (std::size_t i = 0; i < vectorCount; ++i) {
-        prefetchAhead(atX + i * kVectorBytes);
-        prefetchAhead(atY + i * kVectorBytes);
-        gatherer.add(Vector::load(atX + i * kVectorBytes) ^ flip,
-                     Vector::load(atY + i * kVectorBytes) ^ flip);
+        prefetchAhead(atX + i * Vector::kBytes);
+        prefetchAhead(atY + i * Vector::kBytes);
+        gatherer.add(Vector::load(atX + i * Vector::kBytes) ^ flip,
+                     Vector::load(atY + i * Vector::kBytes) ^ flip);
     }
-    const Tail<T> tailX(atX + vectorCount * kVectorBytes, count - vectorCount * kPerVector);
-    const Tail<T> tailY(atY + vectorCount * kVectorBytes, count - vectorCount * kPerVector);
+    const Tail<T> tailX(atX + vectorCount * Vector::kBytes, count - vectorCount * kPerVector);
+    const Tail<T> tailY(atY + vectorCount * Vector::kBytes, count - vectorCount * kPerVector);
     gatherer.add(Vector::load(tailX.elements) ^ flip, Vector::load(tailY.elements) ^ flip);
     const NarrowPairSums moved = gatherer.totals(vectorCount + 1);
 

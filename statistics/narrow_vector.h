@@ -24,6 +24,7 @@ namespace {
 #if defined(__AVX512BW__)
 
 struct Vector {
+    static constexpr std::size_t kBytes = 64;
     __m512i bits;
 
     VELQUAD_ALWAYS_INLINE static Vector load(const void* at) { return {_mm512_loadu_si512(at)}; }
@@ -42,6 +43,7 @@ struct Vector {
 #elif defined(__AVX2__)
 
 struct Vector {
+    static constexpr std::size_t kBytes = 32;
     __m256i bits;
 
     VELQUAD_ALWAYS_INLINE static Vector load(const void* at) {
@@ -62,6 +64,7 @@ struct Vector {
 #else
 
 struct Vector {
+    static constexpr std::size_t kBytes = 16;
     __m128i bits;
 
     VELQUAD_ALWAYS_INLINE static Vector load(const void* at) {
@@ -78,8 +81,6 @@ struct Vector {
 #define VELQUAD_VECTOR_XOR _mm_xor_si128
 
 #endif
-
-constexpr std::size_t kVectorBytes = sizeof(Vector);
 
 VELQUAD_ALWAYS_INLINE Vector operator^(Vector a, Vector b) {
     return {VELQUAD_VECTOR_XOR(a.bits, b.bits)};
@@ -129,7 +130,7 @@ VELQUAD_ALWAYS_INLINE Vector products(Vector a, Vector b) {
 
 template <class Lane>
 struct LanesOf {
-    static constexpr std::size_t kCount = kVectorBytes / sizeof(Lane);
+    static constexpr std::size_t kCount = Vector::kBytes / sizeof(Lane);
     Lane lane[kCount];
 
     VELQUAD_ALWAYS_INLINE explicit LanesOf(Vector vector) { vector.store(lane); }

@@ -198,7 +198,7 @@ class CMatCorrelationEvaluator {
     /// No pairs yet.
     VELQUAD_API CMatCorrelationEvaluator();
     CMatCorrelationEvaluator(const CMatCorrelationEvaluator& other) = default;
-    VELQUAD_API ~CMatCorrelationEvaluator();
+    VELQUAD_API ~CMatCorrelationEvaluator();  // NOLINT(performance-trivially-destructible): a name of the module
     VELQUAD_API CMatCorrelationEvaluator& operator=(const CMatCorrelationEvaluator& other);
 
     /// Takes one pair, whatever its values. @return 1.
