@@ -106,7 +106,8 @@ struct PairSums {
 
     /// Leaves the bits behind that the pairs one by one leave.
     template <class T>
-    static void addAll(Evaluator& e, const void* x, const void* y, int count) {
+    static int addAll(Evaluator& e, const void* x, const void* y, int count) {
+        if (count > 0 && (x == nullptr || y == nullptr)) return 0;
         const std::size_t n = count > 0 ? static_cast<std::size_t>(count) : 0;
         if constexpr (kIsNarrowInteger<T>) {
             for (std::size_t begin = 0; begin < n; begin += kNarrowBlock) {
@@ -122,15 +123,14 @@ struct PairSums {
         }
         // Kept: the count is added even when nothing was read, so a negative one lowers the number of pairs.
         e.count += static_cast<DWORD>(count);
+        return 1;
     }
 
     /// Sums the call as integers and rounds once.
     template <class T>
-    static void addWhole(Evaluator& e, const void* x, const void* y, int count) {
-        if (count < 0) {
-            addAll<T>(e, x, y, count);
-            return;
-        }
+    static int addWhole(Evaluator& e, const void* x, const void* y, int count) {
+        if (count <= 0) return addAll<T>(e, x, y, count);
+        if (x == nullptr || y == nullptr) return 0;
         const auto n = static_cast<std::size_t>(count);
         NarrowPairSums total{};
         for (std::size_t begin = 0; begin < n; begin += kNarrowBlock) {
@@ -145,6 +145,7 @@ struct PairSums {
         }
         addTotals(e, total);
         e.count += static_cast<DWORD>(count);
+        return 1;
     }
 
     static double correlation(const Evaluator& e) {
@@ -178,29 +179,27 @@ int CMatCorrelationEvaluator::AddValuePair(double x, double y) {
 }
 
 int CMatCorrelationEvaluator::AddValuePairs(unsigned char* x, unsigned char* y, int n) {
-    PairSums::addWhole<std::uint8_t>(*this, x, y, n);
-    return 1;
+    return PairSums::addWhole<std::uint8_t>(*this, x, y, n);
 }
 
 int CMatCorrelationEvaluator::AddValuePairs(unsigned short* x, unsigned short* y, int n) {
-    PairSums::addWhole<std::uint16_t>(*this, x, y, n);
-    return 1;
+    return PairSums::addWhole<std::uint16_t>(*this, x, y, n);
 }
 
 int CMatCorrelationEvaluator::AddValuePairs(float* x, float* y, int n) {
-    PairSums::addAll<float>(*this, x, y, n);
-    return 1;
+    return PairSums::addAll<float>(*this, x, y, n);
 }
 
 int CMatCorrelationEvaluator::AddValuePairs(double* x, double* y, int n) {
-    PairSums::addAll<double>(*this, x, y, n);
-    return 1;
+    return PairSums::addAll<double>(*this, x, y, n);
 }
 
 int CMatCorrelationEvaluator::AddValuePairs(void* x, void* y, int n, unsigned int typeCode) {
-    const bool isKnown = velquad::statistics::withElementType(
-        typeCode, [&]<class T>(std::type_identity<T> /*type*/) { PairSums::addAll<T>(*this, x, y, n); });
-    return isKnown ? 1 : 0;
+    int result = 0;
+    velquad::statistics::withElementType(typeCode, [&]<class T>(std::type_identity<T> /*type*/) {
+        result = PairSums::addAll<T>(*this, x, y, n);
+    });
+    return result;
 }
 
 double CMatCorrelationEvaluator::ComputeCorrelation() {

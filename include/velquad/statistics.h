@@ -54,7 +54,7 @@ class VELQUAD_API CMatMomentEvaluator {
     /// like any other value, and the number of values wraps at 32 bits.
     /// @param values  may be null when `count` is not above 0: nothing is read then.
     /// @param count   added to the number of values whatever its sign, so a negative one lowers that number.
-    /// @return 1.
+    /// @return 1; 0 with nothing changed when an array of elements is null.
     /// @par Cost  O(count), no allocation. Integers of 8 and 16 bits are several times faster than the rest while
     ///            the sums are integers, of squares up to 2^55.
     /// @{
@@ -64,7 +64,7 @@ class VELQUAD_API CMatMomentEvaluator {
     int AddValues(float* values, int count);
 
     /// @param typeCode  1 to 8, see the head of this file.
-    /// @return 1; 0 with nothing changed for an unknown code.
+    /// @return as above; 0 with nothing changed for an unknown code too.
     int AddValues(void* values, int count, unsigned int typeCode);
     /// @}
 
@@ -211,7 +211,7 @@ class CMatCorrelationEvaluator {
     ///   (2) All others leave the bits behind that the pairs in their order leave.
     /// @param x, y   may be null when `count` is not above 0: nothing is read then.
     /// @param count  added to the number of pairs whatever its sign, so a negative one lowers that number.
-    /// @return 1.
+    /// @return 1; 0 with nothing changed when an array of elements is null.
     /// @{
     VELQUAD_API int AddValuePairs(unsigned char* x, unsigned char* y, int count);
     VELQUAD_API int AddValuePairs(unsigned short* x, unsigned short* y, int count);
@@ -219,7 +219,7 @@ class CMatCorrelationEvaluator {
     VELQUAD_API int AddValuePairs(double* x, double* y, int count);
 
     /// @param typeCode  of both arrays, 1 to 8, see the head of this file.
-    /// @return 1; 0 with nothing changed for an unknown code.
+    /// @return as above; 0 with nothing changed for an unknown code too.
     VELQUAD_API int AddValuePairs(void* x, void* y, int count, unsigned int typeCode);
     /// @}
 

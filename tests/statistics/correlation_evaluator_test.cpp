@@ -170,6 +170,18 @@ TEST(CorrelationArrays, OfNoPairsChangeNothing) {
     expectSameBits(evaluator, {2.0, 4.0, 3.0, 9.0, 6.0, 1});
 }
 
+TEST(CorrelationArrays, WithoutAnAddressAreRefused) {
+    CMatCorrelationEvaluator evaluator;
+    unsigned char bytes[100] = {};
+    double numbers[2] = {};
+    EXPECT_EQ(evaluator.AddValuePairs(bytes, nullptr, 100), 0);
+    EXPECT_EQ(evaluator.AddValuePairs(nullptr, bytes, 1), 0);
+    EXPECT_EQ(evaluator.AddValuePairs(numbers, nullptr, 2), 0);
+    for (unsigned int code = 1; code <= 8; ++code)
+        EXPECT_EQ(evaluator.AddValuePairs(nullptr, numbers, 1, code), 0);
+    expectSameBits(evaluator, ReferenceCorrelation());
+}
+
 TEST(CorrelationArrays, OfNegativeCountLowerTheCount) {
     CMatCorrelationEvaluator evaluator;
     EXPECT_EQ(evaluator.AddValuePairs(static_cast<unsigned char*>(nullptr), nullptr, -1), 1);

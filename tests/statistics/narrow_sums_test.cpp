@@ -27,12 +27,12 @@ void expectSums(const std::vector<T>& x, const std::vector<T>& y) {
     NarrowPairSums expectedPairs{};
     std::size_t odd = 0;
     for (std::size_t i = 0; i < x.size(); ++i) {
-        const std::int64_t a = x[i];
-        const std::int64_t b = y[i];
+        const auto a = static_cast<std::int64_t>(x[i]);
+        const auto b = static_cast<std::int64_t>(y[i]);
         expected.sum += a;
         expected.sumOfSquares += a * a;
-        if (a < expected.min) expected.min = x[i];
-        if (a > expected.max) expected.max = x[i];
+        if (a < expected.min) expected.min = static_cast<int>(a);
+        if (a > expected.max) expected.max = static_cast<int>(a);
         if (a % 2 != 0) ++odd;
         expectedPairs.x += a;
         expectedPairs.y += b;
