@@ -29,36 +29,36 @@ const void* tailOf(const void* values, std::size_t index) {
 }
 
 /// Calls `action(std::type_identity<T>{})` for the type that a code stands for.
-/// @return false for an unknown code.
+/// An unknown code calls nothing.
 template <class Action>
-bool withElementType(unsigned int typeCode, Action&& action) {
+void withElementType(unsigned int typeCode, Action&& action) {
     switch (typeCode) {
         case 1:
             action(std::type_identity<std::int8_t>{});
-            return true;
+            break;
         case 2:
             action(std::type_identity<std::uint8_t>{});
-            return true;
+            break;
         case 3:
             action(std::type_identity<std::int16_t>{});
-            return true;
+            break;
         case 4:
             action(std::type_identity<std::uint16_t>{});
-            return true;
+            break;
         case 5:
             action(std::type_identity<std::int32_t>{});
-            return true;
+            break;
         case 6:
             action(std::type_identity<std::uint32_t>{});
-            return true;
+            break;
         case 7:
             action(std::type_identity<float>{});
-            return true;
+            break;
         case 8:
             action(std::type_identity<double>{});
-            return true;
+            break;
         default:
-            return false;
+            break;
     }
 }
 

@@ -18,7 +18,10 @@ namespace {
 
 template <class T>
 int addArray(CMatMomentEvaluator& evaluator, const void* values, int count) {
-    if (count > 0) Moments::addAll<T>(evaluator, values, static_cast<std::size_t>(count));
+    if (count > 0) {
+        if (values == nullptr) return 0;
+        Moments::addAll<T>(evaluator, values, static_cast<std::size_t>(count));
+    }
     // Kept: the count is added even when nothing was read, so a negative one lowers the number of values.
     Moments::setCount(evaluator, Moments::count(evaluator) + static_cast<DWORD>(count));
     return 1;
@@ -61,9 +64,10 @@ int CMatMomentEvaluator::AddValues(float* values, int n) {
 }
 
 int CMatMomentEvaluator::AddValues(void* values, int n, unsigned int typeCode) {
-    const bool isKnown = velquad::statistics::withElementType(
-        typeCode, [&]<class T>(std::type_identity<T> /*type*/) { addArray<T>(*this, values, n); });
-    return isKnown ? 1 : 0;
+    int result = 0;
+    velquad::statistics::withElementType(
+        typeCode, [&]<class T>(std::type_identity<T> /*type*/) { result = addArray<T>(*this, values, n); });
+    return result;
 }
 
 double CMatMomentEvaluator::GetMin() {

@@ -357,6 +357,33 @@ void digestCurveSamples(Digest& digest, Random& random) {
     }
 }
 
+void digestMoments(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds / 4; ++round) {
+        // Any bytes as integers of every type, and numbers as doubles; now and then with sums beyond 2^53.
+        const int count = 1 + random.below(400);
+        std::vector<std::uint64_t> x, y;
+        std::vector<double> numbers;
+        for (int i = 0; i < count; ++i) {
+            x.push_back(random.bits());
+            y.push_back(random.bits());
+            numbers.push_back(random.real() * (round % 50 == 0 ? 1e8 : 1.0));
+        }
+        CMatMomentEvaluator moments;
+        CMatCorrelationEvaluator correlation;
+        digest.add(moments.AddValues(numbers.data(), count));
+        for (unsigned int type = 0; type < 7; ++type) {
+            const int values = type < 5 ? 2 * count : count;
+            digest.add(moments.AddValues(x.data(), values, type));
+            digest.add(correlation.AddValuePairs(x.data(), y.data(), values, type));
+        }
+        digest.add(moments.GetMin(), moments.GetMax(), moments.GetMean(), moments.GetVariance());
+        digest.add(moments.GetStdDev(), moments.GetCount(), correlation.ComputeCorrelation());
+        auto* words = reinterpret_cast<unsigned short*>(x.data());
+        CMatCorrelationEvaluator whole;
+        digest.add(whole.AddValuePairs(words, words + 1, 4 * count - 1), whole.ComputeCorrelation());
+    }
+}
+
 void print(const char* family, std::uint64_t seed, void (*run)(Digest&, Random&)) {
     Digest digest;
     Random random(seed);
@@ -375,5 +402,6 @@ int main() {
     print("polygon", 6, digestPolygon);
     print("curves", 7, digestCurves);
     print("curve-samples", 8, digestCurveSamples);
+    print("moments", 61, digestMoments);
     return 0;
 }

@@ -286,6 +286,15 @@ TEST(MomentEvaluatorArrays, OfNoElementsChangeNothing) {
     EXPECT_EQ(evaluator.GetVariance(), 0.0);
 }
 
+TEST(MomentEvaluatorArrays, WithoutAnAddressAreRefused) {
+    CMatMomentEvaluator evaluator;
+    EXPECT_EQ(evaluator.AddValues(static_cast<double*>(nullptr), 5), 0);
+    EXPECT_EQ(evaluator.AddValues(static_cast<unsigned char*>(nullptr), 100), 0);
+    for (unsigned int code = 1; code <= 8; ++code)
+        EXPECT_EQ(evaluator.AddValues(nullptr, 1, code), 0);
+    expectEmpty(evaluator);
+}
+
 TEST(MomentEvaluatorArrays, OfNegativeCountLowerTheCount) {
     CMatMomentEvaluator evaluator;
     EXPECT_EQ(evaluator.AddValues(static_cast<double*>(nullptr), -1), 1);
