@@ -74,11 +74,12 @@ struct EdgeBox {
 
     /// The test of single segments.
     bool isApartFrom(const EdgeBox& other) const {
-        const bool isApartInX =
-            Segments::isFarAbove(left, other.right) | Segments::isFarBelow(right, other.left);
-        const bool isApartInY =
-            Segments::isFarAbove(top, other.bottom) | Segments::isFarBelow(bottom, other.top);
-        return isApartInX | isApartInY;
+        // All four comparisons at once: which of them tells is hard to predict.
+        const bool isRight = Segments::isFarAbove(left, other.right);
+        const bool isLeft = Segments::isFarBelow(right, other.left);
+        const bool isBelow = Segments::isFarAbove(top, other.bottom);
+        const bool isAbove = Segments::isFarBelow(bottom, other.top);
+        return isRight | isLeft | isBelow | isAbove;
     }
 };
 
