@@ -74,12 +74,12 @@ struct EdgeBox {
 
     /// The test of single segments.
     bool isApartFrom(const EdgeBox& other) const {
-        // All four comparisons at once: which of them tells is hard to predict.
-        const bool isRight = Segments::isFarAbove(left, other.right);
-        const bool isLeft = Segments::isFarBelow(right, other.left);
+        // All four comparisons at once, as in the test itself.
+        const bool isRightOf = Segments::isFarAbove(left, other.right);
+        const bool isLeftOf = Segments::isFarBelow(right, other.left);
         const bool isBelow = Segments::isFarAbove(top, other.bottom);
         const bool isAbove = Segments::isFarBelow(bottom, other.top);
-        return isRight | isLeft | isBelow | isAbove;
+        return isRightOf | isLeftOf | isBelow | isAbove;
     }
 };
 
