@@ -28,13 +28,13 @@ VELQUAD_ALWAYS_INLINE double atLeastZero(double value) {
 // To float.
 
 template <class Value>
-void widenToFloat(const void* source, float* destination, std::size_t count) {
+void widenToFloat(const void* source, void* destination, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i)
         storeElement(destination, i, static_cast<float>(loadElement<Value>(source, i)));
 }
 
 template <std::size_t kBytes>
-void meanToFloat(const void* source, float* destination, std::size_t count) {
+void meanToFloat(const void* source, void* destination, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         const int sum = loadElement<std::uint8_t>(source, kBytes * i) +
                         loadElement<std::uint8_t>(source, kBytes * i + 1) +
@@ -44,7 +44,7 @@ void meanToFloat(const void* source, float* destination, std::size_t count) {
 }
 
 template <std::size_t kBytes>
-void largestToFloat(const void* source, float* destination, std::size_t count) {
+void largestToFloat(const void* source, void* destination, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         const auto b0 = loadElement<std::uint8_t>(source, kBytes * i);
         const auto b1 = loadElement<std::uint8_t>(source, kBytes * i + 1);

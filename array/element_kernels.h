@@ -33,9 +33,9 @@ struct Normalisation {
 
 /// Each table is indexed by type code; an entry is null where there is no such loop. Counts are elements.
 struct ElementKernels {
-    void (*toFloat[kTypeCodes])(const void* source, float* destination, std::size_t count);
+    void (*toFloat[kTypeCodes])(const void* source, void* destination, std::size_t count);
     /// Pixels by their largest byte.
-    void (*largestToFloat[kTypeCodes])(const void* source, float* destination, std::size_t count);
+    void (*largestToFloat[kTypeCodes])(const void* source, void* destination, std::size_t count);
     void (*fromFloat[kTypeCodes])(const void* source, void* destination, std::size_t count,
                                   const Normalisation& normalisation);
     /// Fills with the element at `element`.
