@@ -10,7 +10,7 @@
 namespace velquad::array {
 
 /// Values that one piece of a row holds at most.
-inline constexpr std::size_t kZoomPiece = 512;
+inline constexpr std::size_t kZoomPiece = 448;
 
 /// Where the columns of a piece lie in the source. A column is one value: pixels of bytes have one for each byte.
 struct ZoomColumns {
