@@ -2,8 +2,6 @@
 //
 // Running moments take whole rows at once where a channel's elements stand side by side and none is masked out. Else
 // they are gathered in a small buffer first, which leaves the same bits behind.
-#include "array/range.h"
-
 #include <cstdint>
 #include <cstring>
 
@@ -85,15 +83,6 @@ void measureChannel(const Measured& measured, unsigned int channel, CMatMomentEv
 }
 
 }  // namespace
-
-bool rangeOfFloats(const void* rows, unsigned int width, unsigned int height, double& min, double& max) {
-    CMatMomentEvaluator evaluator;
-    measureChannel<float>({rows, nullptr, width, height, 1}, 0, evaluator);
-    if (Moments::count(evaluator) == 0) return false;
-    min = Moments::min(evaluator);
-    max = Moments::max(evaluator);
-    return true;
-}
 
 }  // namespace velquad::array
 

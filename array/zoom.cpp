@@ -36,6 +36,9 @@ namespace {
 /// A source must have this much more than the samples that a position needs.
 constexpr double kNeighbourMargin = 1e-7;
 
+/// Columns of a strip for nearest samples, which needs no more than an index of each.
+constexpr std::size_t kNearestStrip = 2048;
+
 constexpr unsigned int kBilinearFlag = 2;
 constexpr unsigned int kCubicFlag = 4;
 
@@ -160,8 +163,8 @@ struct SourceSpan {
 
 void zoomNearest(const Zoom& zoom, const CellRect& rect) {
     const auto copyRow = zoomKernels().nearest[zoom.elementSize];
-    forEachStrip(rect, kZoomPiece, [&](unsigned int left, std::size_t count) {
-        std::int32_t index[kZoomPiece];
+    forEachStrip(rect, kNearestStrip, [&](unsigned int left, std::size_t count) {
+        std::int32_t index[kNearestStrip] = {};
         for (std::size_t i = 0; i < count; ++i)
             index[i] = static_cast<std::int32_t>(zoom.x.nearestSample(left + static_cast<unsigned int>(i)));
         const SourceSpan span(index, count, zoom.elementSize);
