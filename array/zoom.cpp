@@ -39,6 +39,9 @@ constexpr double kNeighbourMargin = 1e-7;
 /// Columns of a strip for nearest samples, which needs no more than an index of each.
 constexpr std::size_t kNearestStrip = 2048;
 
+/// Below this scale hardly any source row serves two destination rows.
+constexpr double kDirectScale = 0.8;
+
 constexpr unsigned int kBilinearFlag = 2;
 constexpr unsigned int kCubicFlag = 4;
 
@@ -191,6 +194,7 @@ void placeColumns(const Zoom& zoom, unsigned int left, std::size_t elementCount,
     const unsigned int parts = zoom.valuesPerElement;
     columns.count = elementCount * parts;
     columns.step = static_cast<std::int32_t>(parts);
+    columns.lastIndex = static_cast<std::int32_t>(zoom.x.sourceSize * parts - 1);
     for (std::size_t i = 0; i < elementCount; ++i) {
         const Position at(zoom.x, left + static_cast<unsigned int>(i));
         for (std::size_t part = 0; part < parts; ++part) {
@@ -220,6 +224,8 @@ void prefetchRows(const Zoom& zoom, const SourceSpan& span, const Position& now,
 void zoomBilinear(const Zoom& zoom, const CellRect& rect) {
     constexpr unsigned int kNoRow = 0xFFFFFFFFU;
     const ZoomValueKernels& kernels = zoomKernels().values[zoom.valueType];
+    const bool isDirect =
+        kernels.bilinearDirect != nullptr && zoom.y.scale < kDirectScale && zoom.valuesPerElement <= 3;
     ZoomColumns columns;
     forEachStrip(rect, kZoomPiece / zoom.valuesPerElement, [&](unsigned int left, std::size_t count) {
         placeColumns(zoom, left, count, columns);
@@ -235,6 +241,11 @@ void zoomBilinear(const Zoom& zoom, const CellRect& rect) {
             const Position at(zoom.y, y);
             if (y != static_cast<unsigned int>(rect.bottom))
                 prefetchRows(zoom, span, at, Position(zoom.y, y + 1), 1);
+            if (isDirect) {
+                kernels.bilinearDirect(rowAt(zoom.sourceRows, at.index), rowAt(zoom.sourceRows, at.index + 1),
+                                       columns, at.fraction, zoom.destination(y, left));
+                continue;
+            }
             const BilinearRow& upper = rowOf(at.index);
             kernels.bilinearAcross(upper, rowOf(at.index + 1), at.fraction, zoom.destination(y, left),
                                    columns.count);
