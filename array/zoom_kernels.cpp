@@ -182,6 +182,19 @@ std::size_t bilinearLanes(const unsigned char* upper, const unsigned char* lower
     return end;
 }
 
+/// The part of bilinear interpolation along x. @return the columns that are done.
+template <class Value>
+std::size_t bilinearLanesAlong(const unsigned char* source, const ZoomColumns& columns, BilinearRow& row) {
+    const std::size_t end = endOfLanes<Value>(columns, 0);
+    for (std::size_t i = 0; i < end; i += 8) {
+        __m512d p[2];
+        Lanes<Value>::pair(source, loadIndex(columns.index + i), columns.step, p);
+        _mm512_storeu_pd(row.left + i, _mm512_mul_pd(p[0], _mm512_loadu_pd(columns.rest + i)));
+        _mm512_storeu_pd(row.right + i, _mm512_mul_pd(p[1], _mm512_loadu_pd(columns.fraction + i)));
+    }
+    return end;
+}
+
 /// `index` counts from the sample at a position; the row is taken one sample earlier.
 template <class Value>
 std::size_t cubicLanes(const unsigned char* row, const ZoomColumns& columns, std::size_t begin,
@@ -264,6 +277,21 @@ VELQUAD_ALWAYS_INLINE void bilinearPixelsAlong(const void* sourceRow, const Zoom
 template <class ElementType>
 void bilinearAlong(const void* sourceRow, const ZoomColumns& columns, BilinearRow& row) {
     using Value = typename ElementType::Value;
+#if VELQUAD_ZOOM_GATHERS
+    if constexpr (kHasLanes<ElementType>) {
+        if (columns.step <= 3) {
+            const auto* from = static_cast<const unsigned char*>(sourceRow);
+            const auto step = static_cast<std::size_t>(columns.step);
+            for (std::size_t i = bilinearLanesAlong<Value>(from, columns, row); i < columns.count; ++i) {
+                const auto index = static_cast<std::size_t>(columns.index[i]);
+                row.left[i] = static_cast<double>(loadElement<Value>(from, index)) * columns.rest[i];
+                row.right[i] =
+                    static_cast<double>(loadElement<Value>(from, index + step)) * columns.fraction[i];
+            }
+            return;
+        }
+    }
+#endif
     if constexpr (ElementType::kType == MAT_ARRAY_UINT8) {
         if (columns.step == 3) return bilinearPixelsAlong<3>(sourceRow, columns, row);
         if (columns.step == 4) return bilinearPixelsAlong<4>(sourceRow, columns, row);
