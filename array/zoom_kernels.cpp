@@ -1,0 +1,473 @@
+// Inner loops of zoom. Compiled for several instruction sets; see frame/kernels.h for what may be used here.
+#include "array/zoom_kernels.h"
+
+#include "array/rounding.h"
+
+#if defined(__AVX512F__) && defined(__AVX512DQ__) && defined(__AVX512VL__)
+#define VELQUAD_ZOOM_GATHERS 1
+#if !defined(__clang__)
+// The compiler's own header leaves the operand undefined that an unmasked conversion does not use.
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
+#include <immintrin.h>
+#else
+#define VELQUAD_ZOOM_GATHERS 0
+#endif
+
+namespace velquad::array::VELQUAD_KERNEL_LEVEL {
+
+namespace {
+
+/// The result of an interpolation as an element. `kIsWithin`: the result lies between the samples, up to rounding.
+template <class ElementType, bool kIsWithin>
+VELQUAD_ALWAYS_INLINE typename ElementType::Value stored(double v) {
+    using Value = typename ElementType::Value;
+    constexpr unsigned int kType = ElementType::kType;
+    if constexpr (kType == MAT_ARRAY_DOUBLE) {
+        return v;
+    } else if constexpr (kType == MAT_ARRAY_FLOAT) {
+        return static_cast<float>(limited(v, -kLargestFloat, kLargestFloat));
+    } else if constexpr (kType == MAT_ARRAY_INT32) {
+        if (v > 2147483646.45) return INT32_MAX;
+        if (-2147483647.45 > v) return INT32_MIN;
+        return roundHalfAway(v);
+    } else if constexpr (kType == MAT_ARRAY_UINT32) {
+        if (v > 4294967294.45) return UINT32_MAX;
+        if (0.55 > v) return 0;
+        // Kept: truncation to signed 32 bits, so that 2147483647.5 and above store 0x80000000.
+        return static_cast<Value>(roundHalfAway(v));
+    } else {
+        // The weights never make more than nine times the largest 16-bit value, so the truncation stays within
+        // 32 bits.
+        constexpr bool kIsSigned = Value(-1) < Value(0);
+        constexpr int kLowest = kIsSigned ? -(1 << (8 * sizeof(Value) - 1)) : 0;
+        constexpr int kHighest = kLowest + (1 << (8 * sizeof(Value))) - 1;
+        // What is below 0 ends at the lower limit of an unsigned type, whichever half is added.
+        const int rounded = static_cast<int>(v + (kIsSigned ? __builtin_copysign(0.5, v) : 0.5));
+        return static_cast<Value>(kIsWithin ? rounded : limited(rounded, kLowest, kHighest));
+    }
+}
+
+#if VELQUAD_ZOOM_GATHERS
+
+/// Eight columns at a time, with the neighbours of each gathered as one word. The operations and their order are those
+/// of the plain loops. Only for the types that measure most; `load` never reads beyond what the interpolation needs,
+/// but for bytes with the step 1, whose pairs take two more.
+template <class Value>
+struct Lanes;
+
+VELQUAD_ALWAYS_INLINE __m256i loadIndex(const std::int32_t* index) {
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i_u*>(index));
+}
+
+VELQUAD_ALWAYS_INLINE __m512d byteOf(__m256i words, int shift) {
+    const __m256i bytes =
+        _mm256_and_si256(_mm256_srl_epi32(words, _mm_cvtsi32_si128(shift)), _mm256_set1_epi32(255));
+    return _mm512_cvtepi32_pd(bytes);
+}
+
+template <>
+struct Lanes<std::uint8_t> {
+    VELQUAD_ALWAYS_INLINE static void pair(const unsigned char* row, __m256i index, int step, __m512d* p) {
+        const __m256i words =
+            _mm256_i32gather_epi32(static_cast<const int*>(static_cast<const void*>(row)), index, 1);
+        p[0] = byteOf(words, 0);
+        p[1] = byteOf(words, 8 * step);
+    }
+    /// The samples before, at, behind and two behind; `index` is that of the first.
+    VELQUAD_ALWAYS_INLINE static void quad(const unsigned char* row, __m256i index, int step, __m512d* p) {
+        if (step == 1) {
+            const __m256i words =
+                _mm256_i32gather_epi32(static_cast<const int*>(static_cast<const void*>(row)), index, 1);
+            for (int i = 0; i < 4; ++i)
+                p[i] = byteOf(words, 8 * i);
+        } else {
+            pair(row, index, step, p);
+            pair(row + 2 * step, index, step, p + 2);
+        }
+    }
+};
+
+template <>
+struct Lanes<std::uint16_t> {
+    VELQUAD_ALWAYS_INLINE static void pair(const unsigned char* row, __m256i index, int /*step*/,
+                                           __m512d* p) {
+        const __m256i words =
+            _mm256_i32gather_epi32(static_cast<const int*>(static_cast<const void*>(row)), index, 2);
+        p[0] = _mm512_cvtepi32_pd(_mm256_and_si256(words, _mm256_set1_epi32(0xFFFF)));
+        p[1] = _mm512_cvtepi32_pd(_mm256_srli_epi32(words, 16));
+    }
+    VELQUAD_ALWAYS_INLINE static void quad(const unsigned char* row, __m256i index, int step, __m512d* p) {
+        pair(row, index, step, p);
+        pair(row + 4, index, step, p + 2);
+    }
+};
+
+template <>
+struct Lanes<float> {
+    VELQUAD_ALWAYS_INLINE static void pair(const unsigned char* row, __m256i index, int /*step*/,
+                                           __m512d* p) {
+        const __m512i words = _mm512_i32gather_epi64(index, row, 4);
+        p[0] = _mm512_cvtps_pd(_mm256_castsi256_ps(_mm512_cvtepi64_epi32(words)));
+        p[1] = _mm512_cvtps_pd(_mm256_castsi256_ps(_mm512_cvtepi64_epi32(_mm512_srli_epi64(words, 32))));
+    }
+    VELQUAD_ALWAYS_INLINE static void quad(const unsigned char* row, __m256i index, int step, __m512d* p) {
+        pair(row, index, step, p);
+        pair(row + 8, index, step, p + 2);
+    }
+};
+
+template <>
+struct Lanes<double> {
+    VELQUAD_ALWAYS_INLINE static void pair(const unsigned char* row, __m256i index, int /*step*/,
+                                           __m512d* p) {
+        p[0] = _mm512_i32gather_pd(index, row, 8);
+        p[1] = _mm512_i32gather_pd(index, row + 8, 8);
+    }
+    VELQUAD_ALWAYS_INLINE static void quad(const unsigned char* row, __m256i index, int step, __m512d* p) {
+        pair(row, index, step, p);
+        pair(row + 16, index, step, p + 2);
+    }
+};
+
+/// Columns that may be worked on in lanes: whole groups of eight within [begin, count), of which bytes with the step 1
+/// leave out those whose word would reach beyond the row.
+template <class Value>
+VELQUAD_ALWAYS_INLINE std::size_t endOfLanes(const ZoomColumns& columns, std::size_t begin) {
+    std::size_t end = columns.count;
+    if (sizeof(Value) == 1 && columns.step == 1) {
+        while (end > begin && columns.index[end - 1] > columns.lastIndex - 3)
+            --end;
+    }
+    return end <= begin ? begin : begin + (end - begin) / 8 * 8;
+}
+
+template <class Value>
+VELQUAD_ALWAYS_INLINE void storeLanes(void* destination, std::size_t i, __m512d v) {
+    auto* to = static_cast<unsigned char*>(destination) + i * sizeof(Value);
+    if constexpr (sizeof(Value) == 8) {
+        _mm512_storeu_pd(to, v);
+    } else if constexpr (sizeof(Value) == 4) {
+        v = _mm512_max_pd(_mm512_set1_pd(-kLargestFloat), _mm512_min_pd(_mm512_set1_pd(kLargestFloat), v));
+        _mm256_storeu_ps(static_cast<float*>(static_cast<void*>(to)), _mm512_cvtpd_ps(v));
+    } else {
+        const __m256i rounded = _mm512_cvttpd_epi32(_mm512_add_pd(v, _mm512_set1_pd(0.5)));
+        if constexpr (sizeof(Value) == 2) {
+            _mm_storeu_si128(reinterpret_cast<__m128i_u*>(to), _mm256_cvtepi32_epi16(rounded));
+        } else {
+            _mm_storel_epi64(reinterpret_cast<__m128i_u*>(to), _mm256_cvtepi32_epi8(rounded));
+        }
+    }
+}
+
+template <class Value>
+std::size_t bilinearLanes(const unsigned char* upper, const unsigned char* lower, const ZoomColumns& columns,
+                          double fraction, void* destination) {
+    const std::size_t end = endOfLanes<Value>(columns, 0);
+    const __m512d down = _mm512_set1_pd(fraction);
+    const __m512d up = _mm512_set1_pd(1.0 - fraction);
+    for (std::size_t i = 0; i < end; i += 8) {
+        const __m256i index = loadIndex(columns.index + i);
+        const __m512d right = _mm512_loadu_pd(columns.fraction + i);
+        const __m512d left = _mm512_loadu_pd(columns.rest + i);
+        __m512d p[2];
+        Lanes<Value>::pair(upper, index, columns.step, p);
+        __m512d v = _mm512_mul_pd(_mm512_mul_pd(p[0], left), up);
+        v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_mul_pd(p[1], right), up));
+        Lanes<Value>::pair(lower, index, columns.step, p);
+        v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_mul_pd(p[0], left), down));
+        v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_mul_pd(p[1], right), down));
+        storeLanes<Value>(destination, i, v);
+    }
+    return end;
+}
+
+/// The part of bilinear interpolation along x. @return the columns that are done.
+template <class Value>
+std::size_t bilinearLanesAlong(const unsigned char* source, const ZoomColumns& columns, BilinearRow& row) {
+    const std::size_t end = endOfLanes<Value>(columns, 0);
+    for (std::size_t i = 0; i < end; i += 8) {
+        __m512d p[2];
+        Lanes<Value>::pair(source, loadIndex(columns.index + i), columns.step, p);
+        _mm512_storeu_pd(row.left + i, _mm512_mul_pd(p[0], _mm512_loadu_pd(columns.rest + i)));
+        _mm512_storeu_pd(row.right + i, _mm512_mul_pd(p[1], _mm512_loadu_pd(columns.fraction + i)));
+    }
+    return end;
+}
+
+/// `index` counts from the sample at a position; the row is taken one sample earlier.
+template <class Value>
+std::size_t cubicLanes(const unsigned char* row, const ZoomColumns& columns, std::size_t begin,
+                       CubicRow& result) {
+    const std::size_t end = begin + (columns.count - begin) / 8 * 8;
+    const __m256i back = _mm256_set1_epi32(columns.step);
+    for (std::size_t i = begin; i < end; i += 8) {
+        __m512d p[4];
+        Lanes<Value>::quad(row, _mm256_sub_epi32(loadIndex(columns.index + i), back), columns.step, p);
+        __m512d v = _mm512_mul_pd(p[1], _mm512_loadu_pd(columns.weight[1] + i));
+        v = _mm512_sub_pd(v, _mm512_mul_pd(p[0], _mm512_loadu_pd(columns.weight[0] + i)));
+        v = _mm512_add_pd(v, _mm512_mul_pd(p[2], _mm512_loadu_pd(columns.weight[2] + i)));
+        v = _mm512_sub_pd(v, _mm512_mul_pd(p[3], _mm512_loadu_pd(columns.weight[3] + i)));
+        _mm512_storeu_pd(result.value + i, v);
+    }
+    return end;
+}
+
+#endif
+
+/// The types whose rows are interpolated directly where that is faster.
+template <class ElementType>
+constexpr bool kHasLanes = VELQUAD_ZOOM_GATHERS != 0 &&
+                           (ElementType::kType == MAT_ARRAY_UINT8 || ElementType::kType == MAT_ARRAY_UINT16 ||
+                            ElementType::kType == MAT_ARRAY_FLOAT || ElementType::kType == MAT_ARRAY_DOUBLE);
+
+/// `kCount` neighbours of a source row.
+template <class Value, std::size_t kCount>
+struct Neighbours {
+    Value value[kCount];
+};
+
+/// Gathers the neighbours that begin `back` values before the index of each column. Copying them as one word first
+/// leaves contiguous loops for the arithmetic.
+template <class Value, std::size_t kCount>
+VELQUAD_ALWAYS_INLINE void gather(const void* sourceRow, const ZoomColumns& columns, std::size_t begin,
+                                  std::int32_t back, Neighbours<Value, kCount>* neighbours) {
+    const auto* from = static_cast<const unsigned char*>(sourceRow);
+    for (std::size_t i = begin; i < columns.count; ++i) {
+        const auto index = static_cast<std::size_t>(columns.index[i] - back);
+        __builtin_memcpy(&neighbours[i], from + index * sizeof(Value), sizeof(neighbours[i]));
+    }
+}
+
+/// Bytes that four bytes are stored beyond the last pixel of three.
+constexpr std::size_t kSlack = 4;
+
+/// Gathers the pixels that lie `kPixel` pixels behind the index of each column, three or four bytes each. The pixel
+/// behind is in the row too unless it is the `last` one in use; then the one before is.
+template <std::size_t kStep>
+VELQUAD_ALWAYS_INLINE void gatherPixels(const unsigned char* from, const ZoomColumns& columns,
+                                        std::size_t begin, bool isLast, unsigned char* pixels) {
+    for (std::size_t i = begin; i < columns.count; i += kStep) {
+        const auto* at = from + columns.index[i];
+        std::uint32_t pixel;
+        if (kStep == 3 && isLast) {
+            __builtin_memcpy(&pixel, at - 1, 4);
+            pixel >>= 8;
+        } else {
+            __builtin_memcpy(&pixel, at, 4);
+        }
+        __builtin_memcpy(pixels + i, &pixel, 4);
+    }
+}
+
+template <std::size_t kStep>
+VELQUAD_ALWAYS_INLINE void bilinearPixelsAlong(const void* sourceRow, const ZoomColumns& columns,
+                                               BilinearRow& row) {
+    unsigned char here[kZoomPiece + kSlack];
+    unsigned char next[kZoomPiece + kSlack];
+    const auto* from = static_cast<const unsigned char*>(sourceRow);
+    gatherPixels<kStep>(from, columns, 0, false, here);
+    gatherPixels<kStep>(from + kStep, columns, 0, true, next);
+    for (std::size_t i = 0; i < columns.count; ++i)
+        row.left[i] = here[i] * columns.rest[i];
+    for (std::size_t i = 0; i < columns.count; ++i)
+        row.right[i] = next[i] * columns.fraction[i];
+}
+
+template <class ElementType>
+void bilinearAlong(const void* sourceRow, const ZoomColumns& columns, BilinearRow& row) {
+    using Value = typename ElementType::Value;
+#if VELQUAD_ZOOM_GATHERS
+    if constexpr (kHasLanes<ElementType>) {
+        if (columns.step <= 3) {
+            const auto* from = static_cast<const unsigned char*>(sourceRow);
+            const auto step = static_cast<std::size_t>(columns.step);
+            for (std::size_t i = bilinearLanesAlong<Value>(from, columns, row); i < columns.count; ++i) {
+                const auto index = static_cast<std::size_t>(columns.index[i]);
+                row.left[i] = static_cast<double>(loadElement<Value>(from, index)) * columns.rest[i];
+                row.right[i] =
+                    static_cast<double>(loadElement<Value>(from, index + step)) * columns.fraction[i];
+            }
+            return;
+        }
+    }
+#endif
+    if constexpr (ElementType::kType == MAT_ARRAY_UINT8) {
+        if (columns.step == 3) return bilinearPixelsAlong<3>(sourceRow, columns, row);
+        if (columns.step == 4) return bilinearPixelsAlong<4>(sourceRow, columns, row);
+    }
+    Neighbours<Value, 2> pairs[kZoomPiece];
+    gather(sourceRow, columns, 0, 0, pairs);
+    for (std::size_t i = 0; i < columns.count; ++i) {
+        row.left[i] = static_cast<double>(pairs[i].value[0]) * columns.rest[i];
+        row.right[i] = static_cast<double>(pairs[i].value[1]) * columns.fraction[i];
+    }
+}
+
+template <class ElementType>
+void bilinearAcross(const BilinearRow& upper, const BilinearRow& lower, double fraction, void* destination,
+                    std::size_t count) {
+    const double rest = 1.0 - fraction;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double v = upper.left[i] * rest + upper.right[i] * rest + lower.left[i] * fraction +
+                         lower.right[i] * fraction;
+        storeElement(destination, i, stored<ElementType, true>(v));
+    }
+}
+
+VELQUAD_ALWAYS_INLINE double weighed(double before, double here, double next, double last,
+                                     const ZoomColumns& columns, std::size_t i) {
+    return here * columns.weight[1][i] - before * columns.weight[0][i] + next * columns.weight[2][i] -
+           last * columns.weight[3][i];
+}
+
+/// Columns on the first sample of the row, which has none before it. Only a source that becomes one column has them,
+/// and the weight of that sample is 0.
+/// @return the first other column.
+template <class Value>
+VELQUAD_ALWAYS_INLINE std::size_t cubicAtFirstSample(const void* sourceRow, const ZoomColumns& columns,
+                                                     CubicRow& row) {
+    const auto step = static_cast<std::size_t>(columns.step);
+    std::size_t i = 0;
+    for (; i < columns.count && columns.index[i] < columns.step; ++i) {
+        const auto index = static_cast<std::size_t>(columns.index[i]);
+        row.value[i] =
+            weighed(0.0, static_cast<double>(loadElement<Value>(sourceRow, index)),
+                    static_cast<double>(loadElement<Value>(sourceRow, index + step)),
+                    static_cast<double>(loadElement<Value>(sourceRow, index + 2 * step)), columns, i);
+    }
+    return i;
+}
+
+#if VELQUAD_ZOOM_GATHERS
+/// The columns that are left over by lanes.
+template <class Value>
+VELQUAD_ALWAYS_INLINE void cubicOneByOne(const void* sourceRow, const ZoomColumns& columns, std::size_t begin,
+                                         CubicRow& row) {
+    const auto step = static_cast<std::size_t>(columns.step);
+    for (std::size_t i = begin; i < columns.count; ++i) {
+        const auto index = static_cast<std::size_t>(columns.index[i]);
+        const auto at = [sourceRow](std::size_t x) {
+            return static_cast<double>(loadElement<Value>(sourceRow, x));
+        };
+        row.value[i] =
+            weighed(at(index - step), at(index), at(index + step), at(index + 2 * step), columns, i);
+    }
+}
+#endif
+
+template <std::size_t kStep>
+VELQUAD_ALWAYS_INLINE void cubicPixelsAlong(const void* sourceRow, const ZoomColumns& columns,
+                                            std::size_t begin, CubicRow& row) {
+    unsigned char pixels[4][kZoomPiece + kSlack];
+    const auto* from = static_cast<const unsigned char*>(sourceRow);
+    gatherPixels<kStep>(from - kStep, columns, begin, false, pixels[0]);
+    gatherPixels<kStep>(from, columns, begin, false, pixels[1]);
+    gatherPixels<kStep>(from + kStep, columns, begin, false, pixels[2]);
+    gatherPixels<kStep>(from + 2 * kStep, columns, begin, true, pixels[3]);
+    for (std::size_t i = begin; i < columns.count; ++i)
+        row.value[i] = weighed(pixels[0][i], pixels[1][i], pixels[2][i], pixels[3][i], columns, i);
+}
+
+template <class ElementType>
+void cubicAlong(const void* sourceRow, const ZoomColumns& columns, CubicRow& row) {
+    using Value = typename ElementType::Value;
+    std::size_t begin = cubicAtFirstSample<Value>(sourceRow, columns, row);
+#if VELQUAD_ZOOM_GATHERS
+    if constexpr (kHasLanes<ElementType>) {
+        if (columns.step <= 3) {
+            begin = cubicLanes<Value>(static_cast<const unsigned char*>(sourceRow), columns, begin, row);
+            cubicOneByOne<Value>(sourceRow, columns, begin, row);
+            return;
+        }
+    }
+#endif
+    if constexpr (ElementType::kType == MAT_ARRAY_UINT8) {
+        if (columns.step == 3) return cubicPixelsAlong<3>(sourceRow, columns, begin, row);
+        if (columns.step == 4) return cubicPixelsAlong<4>(sourceRow, columns, begin, row);
+    }
+    Neighbours<Value, 4> quads[kZoomPiece];
+    gather(sourceRow, columns, begin, 1, quads);
+    for (std::size_t i = begin; i < columns.count; ++i) {
+        const auto& q = quads[i].value;
+        row.value[i] = weighed(static_cast<double>(q[0]), static_cast<double>(q[1]),
+                               static_cast<double>(q[2]), static_cast<double>(q[3]), columns, i);
+    }
+}
+
+template <class ElementType>
+void cubicAcross(const CubicRow* const rows[4], const CubicWeights& weights, void* destination,
+                 std::size_t count) {
+    const double* before = rows[0]->value;
+    const double* here = rows[1]->value;
+    const double* next = rows[2]->value;
+    const double* last = rows[3]->value;
+    const CubicWeights w = weights;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double v = here[i] * w.b - before[i] * w.a + next[i] * w.c - last[i] * w.d;
+        storeElement(destination, i, stored<ElementType, false>(v));
+    }
+}
+
+/// Both parts of a bilinear interpolation at once, for rows that serve one destination row only.
+template <class ElementType>
+void bilinearDirect(const void* upperRow, const void* lowerRow, const ZoomColumns& columns, double fraction,
+                    void* destination) {
+    using Value = typename ElementType::Value;
+    const double up = 1.0 - fraction;
+    std::size_t i = 0;
+#if VELQUAD_ZOOM_GATHERS
+    i = bilinearLanes<Value>(static_cast<const unsigned char*>(upperRow),
+                             static_cast<const unsigned char*>(lowerRow), columns, fraction, destination);
+#endif
+    for (; i < columns.count; ++i) {
+        const auto index = static_cast<std::size_t>(columns.index[i]);
+        const auto next = index + static_cast<std::size_t>(columns.step);
+        const auto at = [](const void* row, std::size_t x) {
+            return static_cast<double>(loadElement<Value>(row, x));
+        };
+        const double v = at(upperRow, index) * columns.rest[i] * up +
+                         at(upperRow, next) * columns.fraction[i] * up +
+                         at(lowerRow, index) * columns.rest[i] * fraction +
+                         at(lowerRow, next) * columns.fraction[i] * fraction;
+        storeElement(destination, i, stored<ElementType, true>(v));
+    }
+}
+
+/// Bytes that are copied as one.
+template <std::size_t kSize>
+struct Bytes {
+    unsigned char byte[kSize];
+};
+
+template <class Value>
+void nearest(const void* sourceRow, const std::int32_t* index, void* destination, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+        storeElement(destination, i, loadElement<Value>(sourceRow, static_cast<std::size_t>(index[i])));
+}
+
+template <class ElementType>
+constexpr ZoomValueKernels kernelsOf() {
+    ZoomValueKernels kernels = {bilinearAlong<ElementType>, bilinearAcross<ElementType>, nullptr,
+                                cubicAlong<ElementType>, cubicAcross<ElementType>};
+    if constexpr (kHasLanes<ElementType>) kernels.bilinearDirect = bilinearDirect<ElementType>;
+    return kernels;
+}
+
+}  // namespace
+
+extern const ZoomKernels kZoomKernels;
+const ZoomKernels kZoomKernels = {
+    {{},
+     kernelsOf<Int8Element>(),
+     kernelsOf<UInt8Element>(),
+     kernelsOf<Int16Element>(),
+     kernelsOf<UInt16Element>(),
+     kernelsOf<Int32Element>(),
+     kernelsOf<UInt32Element>(),
+     kernelsOf<FloatElement>(),
+     kernelsOf<DoubleElement>()},
+    {nullptr, nearest<std::uint8_t>, nearest<std::uint16_t>, nearest<Bytes<3>>, nearest<std::uint32_t>,
+     nullptr, nullptr, nullptr, nearest<std::uint64_t>}};
+
+}  // namespace velquad::array::VELQUAD_KERNEL_LEVEL
