@@ -33,6 +33,16 @@ struct MembershipTraits<tagPOINT> {
     }
 };
 
+template <>
+struct MembershipTraits<tagPOINT2D> {
+    /// The same for doubles. A line whose ends are one point has a position for that point only; any other
+    /// point has `kNoValue`.
+    static double positionOnLine(const tagPOINT2D& a, const tagPOINT2D& b, const tagPOINT2D& point) {
+        constexpr double kTolerance = PointTraits<tagPOINT2D>::kEqualTolerance;
+        return geometry::scaleFactor(a, b, point, kTolerance, kTolerance);
+    }
+};
+
 /// Parameters and sides below this are zero.
 inline constexpr double kMembershipTolerance = 1e-7;
 /// The parameters that lie on an edge, ends and tolerance included.
