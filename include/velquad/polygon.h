@@ -316,6 +316,86 @@ VELQUAD_API DWORD polyRemovePosition(const tagPOINT* points, DWORD count, int cl
                                      tagPOLY_POSITION* positions, DWORD positionCount, tagPOINT point);
 /// @}
 
+/// @name Outlines of doubles
+/// The functions with the prefix `poly2d` do for points of doubles what their namesakes do for integer points, with
+/// these differences throughout:
+///   - Two points are one when both coordinates differ by less than 1e-7.
+///   - Nothing wraps around; a coordinate that is not a number has no contact with anything and no distance.
+///   - Of two segments whose contact is tested the first is half open: it begins at its start within 1e-40 and ends
+///     before its end, so that a chain meets each shared vertex once (see `matIntersectSegments2D`).
+/// There are no handles: the caller owns the array. What else differs is told at each function.
+/// @{
+
+/// Tells whether a point lies inside an outline; see `polyIsPointInside`. A point that is one with a vertex lies on
+/// the outline.
+/// @param point  the point asked about. Not null unless `count` is 0.
+/// @return 1 inside, 0 outside or for a count of 0, -1 on the outline.
+/// @par Cost    O(count), no allocation.
+/// @par Source  Crossing count: M. Shimrat, Algorithm 112, Communications of the ACM 5, 1962.
+VELQUAD_API int poly2dIsPointInside(const tagPOINT2D* points, DWORD count, const tagPOINT2D* point);
+
+/// Tells how two outlines lie to one another; see `polyGetRelativePosition`. The edges of A are the half-open ones, so
+/// outlines that only touch may meet in one order of the arguments and not in the other: an end of an edge of A that
+/// is no start of another edge, the last point of an open chain, does not touch anything.
+/// @return 0 apart, 1 the outlines meet, 2 B lies inside A, 3 A lies inside B. An outline without points is apart
+///         from everything.
+/// @par Cost  O(n log n) for outlines of n points in all that lie apart, are nested or run side by side; O(n^2) when
+///            the boxes of most edges overlap. No allocation.
+VELQUAD_API int poly2dGetRelativePosition(const tagPOINT2D* pointsA, DWORD countA, int closedA,
+                                          const tagPOINT2D* pointsB, DWORD countB, int closedB);
+
+/// The distance of a point from an outline; see `polyCalcDistance`. The foot on an edge lies between its ends; within
+/// 2.3e-16 of an end it is that end.
+/// @param closed     non-zero: the edge from the last point to the first counts too, unless the two are equal exactly.
+///                   This is the one place of the family without a tolerance.
+/// @param point      the point asked about. Not null unless `count` is 0.
+/// @param isSquared  non-zero: the result is the squared distance.
+/// @param nearest    optional; receives the nearest point of the outline.
+/// @param index      optional; receives the first point of the nearest edge, the lowest one among equal distances.
+/// @param fraction   optional; receives the place on that edge, 0 at its start.
+/// @return the distance. A single point is measured to itself, with index and fraction 0. Without any edge that has a
+///         distance the result and both coordinates of `nearest` are the largest double, index and fraction 0.
+/// @par Cost  O(count), no allocation.
+VELQUAD_API double poly2dCalcDistance(const tagPOINT2D* points, DWORD count, int closed,
+                                      const tagPOINT2D* point, int isSquared, tagPOINT2D* nearest,
+                                      DWORD* index, double* fraction);
+
+/// The length of an outline; see `polyCalcLength`.
+/// @return the length, or the sum of the squares of the edge lengths; 0 for fewer than two points.
+VELQUAD_API double poly2dCalcLength(const tagPOINT2D* points, DWORD count, int closed, int isSquared);
+
+/// Tells whether an outline with a stored closing point runs counter-clockwise in mathematical axes: its turning
+/// angles sum up to more than 0. The points are taken as they stand. Without a closing point one corner is missing
+/// from the sum; a reversal turns by half a turn to the left.
+/// @return 1 counter-clockwise, 0 clockwise, -1 when there is no direction: the sum is below 1e-7 in magnitude, there
+///         are fewer than two points, or `points` is null. A sum that is not a number gives 0.
+/// @par Cost  O(count), no allocation.
+VELQUAD_API int poly2dIsCCW(const tagPOINT2D* points, DWORD count);
+
+/// Gives an outline the wanted sense of rotation, as `poly2dIsCCW` tells it, by reversing the points where needed. An
+/// outline without direction counts as counter-clockwise.
+/// @param wanted  non-zero for counter-clockwise, 0 for the other sense.
+/// @return 1 always.
+VELQUAD_API int poly2dMakeCCW(tagPOINT2D* points, DWORD count, int wanted);
+
+/// Reverses the order of the points in place; a closing point takes part.
+/// @return 1, or 0 for a null pointer.
+VELQUAD_API int poly2dReverseOrder(tagPOINT2D* points, DWORD count);
+
+/// Tells whether two outlines, given as records, run the same way. Closed ones do when `poly2dIsCCW` gives the same of
+/// both, -1 included. Open ones do when each begins strictly nearer to the other's beginning than to the other's end.
+/// @return 1 or 0; 0 also for a null record, and for an open chain without points.
+VELQUAD_API int poly2dCompareDirections(const tagPOLY2D* a, const tagPOLY2D* b, int closed);
+
+/// Removes points that are one with the point before, in place. Behind a removed point only the front half of the tail
+/// moves down, counted in bytes, so that of an odd tail half a point moves. The points behind are then not those of the
+/// input; a tail of an even number of points even leaves a new double point, which goes in its turn. A list without
+/// double points is left alone.
+/// @return the new count; `count` when it is below 2 or `points` is null.
+/// @par Cost  O(count) plus half a tail for each removed point, no allocation.
+VELQUAD_API DWORD poly2dRemoveDoublePoints(tagPOINT2D* points, DWORD count);
+/// @}
+
 }  // extern "C"
 
 #endif  // VELQUAD_POLYGON_H
