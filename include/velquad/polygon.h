@@ -316,6 +316,75 @@ VELQUAD_API DWORD polyRemovePosition(const tagPOINT* points, DWORD count, int cl
                                      tagPOLY_POSITION* positions, DWORD positionCount, tagPOINT point);
 /// @}
 
+}  // extern "C"
+
+/// @name Splitting and decomposition
+/// An outline is cut at places on it. Pieces are new polygons, given out as unlocked handles that the caller ends with
+/// `polyFree`; the source is not written to. Every place that lands in a piece is rounded as by `polyMakeInt`, and a
+/// piece has no double points. Its block is as large as the piece was before they were removed.
+///   - *Snap tolerance*: a place nearer than this to an end of its edge is moved there, see `polyReplacePointByVertex`.
+///     The largest double stands for 0, which snaps nothing.
+///   - *Closed*: non-zero for a closed outline, which stores its closing point.
+///   - A result of false leaves nothing allocated.
+/// @{
+
+/// Splits an outline along a cut line. The outline is cut where it is nearest to the first and to the last point of the
+/// line; the points between these two become part of both pieces.
+///   (1) The first piece follows the outline from the earlier place to the later one and goes back along the cut line.
+///       Where the two places are one, the way back does not end in that place again.
+///   (2) The second piece, of a closed outline only, follows the outline from the later place over its end to the
+///       earlier one, and goes back along the cut line.
+///   (3) Both pieces are closed polygons and run in the direction of the outline.
+/// @param count     at least 3.
+/// @param cut       the points of the cut line. Its direction does not matter.
+/// @param cutCount  at least 2.
+/// @param out1      optional; receives the first piece.
+/// @param out2      optional; receives the second piece. Left alone when the outline is open.
+/// @return false, with null in both outputs, when a pointer is null, a count is too small or there is no memory.
+/// @par Cost  O(count + cutCount) and one block for each piece.
+VELQUAD_API bool polySplit(const tagPOINT* points, DWORD count, int closed, double tolerance,
+                           const tagPOINT* cut, DWORD cutCount, void** out1, void** out2);
+
+/// Cuts an outline at two positions, given in any order.
+///   (1) The first piece is the chain from the earlier position to the later one: a single point when they are one.
+///   (2) The second piece, of a closed outline only, is the chain from the later position over the end of the outline
+///       to the earlier one: all the way round when they are one.
+///   (3) Neither piece is closed by a point of its own.
+/// A position that does not exist, as any at the last point of an open chain, lies at (-2147483648, -2147483648).
+/// @param count               at least 2.
+/// @param index1, fraction1   a position; see `polyCalcPoint`.
+/// @param index2, fraction2   the other position. The first one again when the index is 0xFFFFFFFF or the fraction the
+///                            largest double.
+/// @param out1                optional; receives the first piece.
+/// @param out2                optional; receives the second piece. Left alone when the outline is open.
+/// @return false, with null in both outputs, when `points` is null, `count` is too small, the first index is 0xFFFFFFFF
+///         or its fraction the largest double, an arc would lead over indices beyond `count`, or there is no memory.
+/// @par Cost  O(count) and one block for each piece.
+VELQUAD_API bool matDecomposePolygon(const tagPOINT* points, DWORD count, int closed, double tolerance,
+                                     DWORD index1, double fraction1, DWORD index2, double fraction2,
+                                     void** out1, void** out2);
+
+/// Cuts an outline at all positions of a list, which has to be in ascending order (`polySortPositions`). Each piece is
+/// a chain as of `matDecomposePolygon`, in this order:
+///   - open chain: from the start to the first position, unless that is the start itself (index 0 and a fraction up to
+///     1e-7); from each position to the next; and, unless the last position stands at the last point, one from the
+///     start of the chain to the last position. The end of the chain behind that position is in no piece.
+///   - closed outline: from each position to the next, and from the last one over the end of the outline to the first.
+/// @param positions      not null.
+/// @param positionCount  not 0.
+/// @param handles        receives the pieces; entries that are not used are left alone.
+/// @param room           entries of `handles`, not 0. One of them always stays free: at most `room` - 1 pieces are made.
+/// @param number         receives the number of pieces.
+/// @return true also when the room was too small for all pieces. False, with `number` 0 and every entry that had been
+///         filled null again, when a pointer is null, `positionCount` or `room` is 0, or a piece cannot be made.
+/// @par Cost  O(count + positionCount) for a sorted list, and one block for each piece.
+VELQUAD_API bool polyDecompose(const tagPOINT* points, DWORD count, int closed, double tolerance,
+                               const tagPOLY_POSITION* positions, DWORD positionCount, void** handles,
+                               DWORD room, DWORD* number);
+/// @}
+
+extern "C" {
+
 /// @name Outlines of doubles
 /// The functions with the prefix `poly2d` do for points of doubles what their namesakes do for integer points, with
 /// these differences throughout:
