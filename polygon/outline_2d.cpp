@@ -3,8 +3,11 @@
 #include "polygon/double_points_impl.h"
 #include "polygon/measures_impl.h"
 #include "polygon/membership_impl.h"
+#include "polygon/mini_vector_impl.h"
 #include "polygon/relative_position_impl.h"
 #include "polygon/reverse_order_impl.h"
+#include "polygon/simplicity_impl.h"
+#include "polygon/simplicity_repair_impl.h"
 #include "velquad/polygon.h"
 
 using velquad::polygon::NearestPlace;
@@ -82,4 +85,22 @@ extern "C" int poly2dCompareDirections(const tagPOLY2D* a, const tagPOLY2D* b, i
 extern "C" DWORD poly2dRemoveDoublePoints(tagPOINT2D* points, DWORD count) {
     if (points == nullptr) return count;
     return velquad::polygon::removeDoublePoints(points, count);
+}
+
+extern "C" int poly2dIsSimple(const tagPOINT2D* points, DWORD count, int closed, DWORD* first,
+                              DWORD* second) {
+    return velquad::polygon::isSimple(points, count, closed != 0, first, second);
+}
+
+extern "C" DWORD poly2dMakeSimple(tagPOINT2D* points, DWORD count, double maximalLoopSize) {
+    return velquad::polygon::makeSimple(points, count, maximalLoopSize);
+}
+
+extern "C" DWORD poly2dMakeSimpleEx(tagPOINT2D* points, DWORD count, int closed, double maximalLoopSize) {
+    return velquad::polygon::makeSimpleEx(points, count, closed != 0, maximalLoopSize);
+}
+
+extern "C" double poly2dGetMiniVecCount(const tagPOINT2D* points, DWORD count, DWORD from, DWORD to,
+                                        int outside) {
+    return velquad::polygon::miniVectorCount(points, count, from, to, outside != 0);
 }

@@ -564,6 +564,40 @@ VELQUAD_API int poly2dCompareDirections(const tagPOLY2D* a, const tagPOLY2D* b, 
 /// @return the new count; `count` when it is below 2 or `points` is null.
 /// @par Cost  O(count) plus half a tail for each removed point, no allocation.
 VELQUAD_API DWORD poly2dRemoveDoublePoints(tagPOINT2D* points, DWORD count);
+
+/// Tells whether an outline is simple; see `polyIsSimple`. Contact is that of `matIntersectSegments2D` with the lower
+/// edge as the first, half-open segment: the end of an edge meets nothing, the start of the next one does.
+/// @param closed  non-zero: an edge leads from the last point to the first; it may be stored or not.
+/// @param first   optional; receives the lowest edge that is at fault, by the index of the point that it starts at.
+/// @param second  optional; receives the lowest edge, above `first`, that it must not meet. Both are left alone when
+///                the outline is simple.
+/// @return 1 simple, 0 not; 1 for fewer than two different points.
+/// @par Cost  as of `polyIsSimple`.
+VELQUAD_API int poly2dIsSimple(const tagPOINT2D* points, DWORD count, int closed, DWORD* first,
+                               DWORD* second);
+
+/// Makes an outline, always taken as closed, simple; see `polyMakeSimple`. The size of a side is its length.
+/// @param points           altered in place.
+/// @param maximalLoopSize  a length: when both sides of a fault reach this, nothing is done.
+/// @return the new count. For an outline without a stored closing point this is one more than the points that were
+///         written: a simple one of n points gives n + 1. 0, with the points as they were, when both sides of a fault
+///         are too long, when nothing would be left, and without memory.
+VELQUAD_API DWORD poly2dMakeSimple(tagPOINT2D* points, DWORD count, double maximalLoopSize);
+
+/// Makes an outline or an open chain simple; see `polyMakeSimpleEx`.
+/// @param closed           non-zero: the same as `poly2dMakeSimple`.
+/// @param maximalLoopSize  a loop of this length or more may not go.
+/// @return the new count. 0, with the points as they were, when a loop is too long and without memory.
+VELQUAD_API DWORD poly2dMakeSimpleEx(tagPOINT2D* points, DWORD count, int closed, double maximalLoopSize);
+
+/// The length of a run of an outline. Unlike the steps of `polyGetMiniVecCount` it has no one added, and nothing behind
+/// the last point is read.
+/// @param from, to  vertices.
+/// @param outside   0: the run from `from` to `to`. Non-zero: the rest, from the first vertex to `from` and on from `to`
+///                  to the last one.
+/// @return the length; 0.0 for an empty run.
+VELQUAD_API double poly2dGetMiniVecCount(const tagPOINT2D* points, DWORD count, DWORD from, DWORD to,
+                                         int outside);
 /// @}
 
 }  // extern "C"
