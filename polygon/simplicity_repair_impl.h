@@ -82,8 +82,9 @@ bool cutSmallerSides(LoopCutter<Point>& outline, MiniVectorSize<Point> maximalLo
         }
         outline.close();
         // Doubles that are equal in pairs only can lead to a last point that is cut off and put back for ever.
+        const bool wasLastCut = fault.second + 1 == countBefore && outline.count() == countBefore;
         const Point last = outline.points()[outline.count() - 1];
-        if (outline.count() == countBefore && last.x == lastBefore.x && last.y == lastBefore.y) return false;
+        if (wasLastCut && last.x == lastBefore.x && last.y == lastBefore.y) return false;
     }
 }
 

@@ -230,6 +230,123 @@ inline double length(const Outline& points, bool closed, bool isSquared) {
     return sum;
 }
 
+/// Length of a run, or of what lies outside of it.
+inline double runLength(const Outline& points, std::size_t from, std::size_t to, bool outside) {
+    double sum = 0.0;
+    for (std::size_t k = outside ? 1 : from + 1; k <= (outside ? from : to); ++k)
+        sum += distance(points[k - 1], points[k], false);
+    for (std::size_t k = to + 1; outside && k < points.size(); ++k)
+        sum += distance(points[k - 1], points[k], false);
+    return sum;
+}
+
+struct Fault {
+    bool isFound = false;
+    std::size_t first = 0;
+    std::size_t second = 0;
+};
+
+/// The first pair of edges that makes an outline not simple, by the plain loop over all pairs.
+inline Fault firstFault(const Outline& points, bool closed) {
+    const std::size_t count = points.size();
+    std::size_t s = 0;
+    while (s + 1 < count && same(points[s], points[s + 1]))
+        ++s;
+    if (s + 1 >= count) return {};
+    const Outline p(points.begin() + static_cast<std::ptrdiff_t>(s), points.end());
+    std::size_t m = count - s;
+    while (m > 1 && same(p[m - 1], p[0]))
+        --m;
+    while (m > 1 && same(p[m - 1], p[m - 2]))
+        --m;
+    if (m == 1) return {};
+    const std::size_t edges = closed ? m : m - 1;
+    bool isFirstOuter = true;
+    for (std::size_t i = 0; i < edges; ++i) {
+        const tagPOINT2D& a0 = p[i];
+        const tagPOINT2D& a1 = p[(i + 1) % m];
+        if (same(a0, a1)) continue;
+        bool isAdjacent = true;
+        for (std::size_t j = i + 1; j < edges; ++j) {
+            const tagPOINT2D& b0 = p[j];
+            const tagPOINT2D& b1 = p[(j + 1) % m];
+            if (same(b0, b1)) continue;
+            const bool wasAdjacent = isAdjacent;
+            isAdjacent = false;
+            const bool closes = isFirstOuter && j == m - 1;
+            int isParallel = 0;
+            if (!doSegmentsMeet(a0, a1, b0, b1, &isParallel)) continue;
+            bool isFault = false;
+            if (isParallel == 0) {
+                isFault = !wasAdjacent && !closes;
+            } else {
+                const double s0 = positionOnLine(a0, a1, b0, 1e-7);
+                const double s1 = positionOnLine(a0, a1, b1, 1e-7);
+                if (wasAdjacent) {
+                    isFault = s1 < 1.0000001;
+                } else if (closes) {
+                    isFault = s0 > -1e-7;
+                } else if (s0 > 1.0000001) {
+                    isFault = !(s1 > 1.0000001);
+                } else {
+                    isFault = !(s0 < -1e-7 && s1 < -1e-7);
+                }
+            }
+            if (isFault) return {true, i + s, j + s};
+        }
+        isFirstOuter = false;
+    }
+    return {};
+}
+
+struct Repair {
+    DWORD count;
+    Outline points;  ///< The caller's array afterwards.
+};
+
+/// Cuts the smaller side of each fault off.
+inline Repair makeSimple(const Outline& points, double limit) {
+    const bool wasClosed = same(points.front(), points.back());
+    Outline work = points;
+    if (!wasClosed) work.push_back(points.front());
+    Fault fault = firstFault(work, true);
+    for (int round = 0; fault.isFound; ++round) {
+        // A cut that changes nothing would come again for ever.
+        if (round > 10000) return {0, points};
+        const double loop = runLength(work, fault.first, fault.second, false);
+        const double rest = runLength(work, 0, work.size() - 1, false) - loop;
+        if (loop >= limit && rest >= limit) return {0, points};
+        const auto at = [&](std::size_t i) { return work.begin() + static_cast<std::ptrdiff_t>(i); };
+        if (loop < rest) {
+            work.erase(at(fault.first + 1), at(fault.second + 1));
+        } else {
+            work = Outline(at(fault.first + 1), at(fault.second));
+        }
+        if (work.empty()) return {0, points};
+        if (!same(work.front(), work.back())) work.push_back(work.front());
+        fault = firstFault(work, true);
+    }
+    Repair repair{static_cast<DWORD>(work.size()), points};
+    const std::size_t stored = wasClosed ? work.size() : work.size() - 1;
+    for (std::size_t i = 0; i < stored; ++i)
+        repair.points[i] = work[i];
+    return repair;
+}
+
+/// Cuts the loops of an open chain off.
+inline Repair makeChainSimple(const Outline& points, double limit) {
+    Outline work = points;
+    for (Fault fault = firstFault(work, false); fault.isFound; fault = firstFault(work, false)) {
+        if (runLength(work, fault.first, fault.second, false) >= limit) return {0, points};
+        work.erase(work.begin() + static_cast<std::ptrdiff_t>(fault.first) + 1,
+                   work.begin() + static_cast<std::ptrdiff_t>(fault.second) + 1);
+    }
+    Repair repair{static_cast<DWORD>(work.size()), points};
+    for (std::size_t i = 0; i < work.size(); ++i)
+        repair.points[i] = work[i];
+    return repair;
+}
+
 }  // namespace velquad::test::reference2d
 
 #endif  // VELQUAD_TESTS_SUPPORT_POLYGON2D_REFERENCE_H
