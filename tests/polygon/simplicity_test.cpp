@@ -202,18 +202,20 @@ Coordinates refined(const Coordinates& points, std::size_t before, int pieces) {
 }
 
 TEST(PolyIsSimple, FindsContactWithinTheToleranceInLongChainsToo) {
-    // As above, with the edge between the two in pieces, which puts them far apart in the chain.
+    // As above, with an edge between the two in pieces, which puts them far apart in the chain. The edge behind edge 0
+    // is short, so that it stays off the last one.
     const auto chain = [](int size, int pieces) {
         const Coordinates coarse{{5000 - size, 5000 - size},
                                  {5000, 5000},
+                                 {4900, 5000},
                                  {-9000, 5000},
                                  {-9000, 9000},
                                  {4001, 6000},
                                  {6000, 3999}};
-        return refined(coarse, 1, pieces);
+        return refined(coarse, 2, pieces);
     };
     for (const int pieces : {0, 29, 60, 200}) {
-        const auto second = static_cast<DWORD>(4 + pieces);
+        const auto second = static_cast<DWORD>(5 + pieces);
         EXPECT_EQ(answer(chain(2501, pieces), 0), faultAt(0, second)) << pieces;
         EXPECT_EQ(answer(chain(2500, pieces), 0), kSimple) << pieces;
     }

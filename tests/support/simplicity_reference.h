@@ -170,7 +170,7 @@ inline std::size_t removeStings(Outline& points, bool noWrap, double width) {
     const auto at = [&](std::size_t index) { return points.begin() + static_cast<std::ptrdiff_t>(index); };
     while (true) {
         points = withoutRepeats(points);
-        if (points.size() == 1) return 1;
+        if (points.size() <= 1) return points.size();
         const bool isClosed = same(points.front(), points.back());
         if (isClosed) {
             if (points.size() == 3) return 1;
