@@ -72,8 +72,9 @@ class PieceWriter {
 
     /// Adds points[first] to points[end - 1].
     void addVertices(const tagPOINT* points, std::uint64_t first, std::uint64_t end) {
-        for (std::uint64_t i = first; i < end; ++i)
-            add(points[i]);
+        if (first >= end) return;
+        std::copy(points + first, points + end, points_ + count_);
+        count_ += static_cast<DWORD>(end - first);
     }
 
     /// Adds `number` vertices from `first` on, going round after vertex `period` - 1.
@@ -107,8 +108,8 @@ struct CutPieces {
 
     /// Hands the pieces to whom they are wanted by.
     void release(void** out1, void** out2) {
-        if (first) *out1 = first.releaseHandle();
-        if (second) *out2 = second.releaseHandle();
+        if (first && out1 != nullptr) *out1 = first.releaseHandle();
+        if (second && out2 != nullptr) *out2 = second.releaseHandle();
     }
 };
 
