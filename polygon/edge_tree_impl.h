@@ -73,11 +73,12 @@ struct EdgeBox {
 
     /// The test of single segments.
     bool isApartFrom(const EdgeBox& other) const {
-        const bool isApartInX =
-            Segments::isFarAbove(left, other.right) | Segments::isFarBelow(right, other.left);
-        const bool isApartInY =
-            Segments::isFarAbove(top, other.bottom) | Segments::isFarBelow(bottom, other.top);
-        return isApartInX | isApartInY;
+        // All four comparisons at once, as in the test itself.
+        const bool isRightOf = Segments::isFarAbove(left, other.right);
+        const bool isLeftOf = Segments::isFarBelow(right, other.left);
+        const bool isBelow = Segments::isFarAbove(top, other.bottom);
+        const bool isAbove = Segments::isFarBelow(bottom, other.top);
+        return isRightOf | isLeftOf | isBelow | isAbove;
     }
 };
 
