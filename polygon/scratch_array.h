@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdlib>
-#include <memory>
 #include <type_traits>
 
 namespace velquad::polygon {
@@ -15,28 +14,30 @@ class ScratchArray {
     static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
 
   public:
-    /// Makes room for `count` elements; the room there is is used again. The contents are lost when it grows.
+    ScratchArray() = default;
+    ScratchArray(const ScratchArray&) = delete;
+    ScratchArray& operator=(const ScratchArray&) = delete;
+    ~ScratchArray() { std::free(elements_); }
+
+    /// Makes room for `count` elements; room that is there is used again. The contents are lost when it grows.
     /// @return false without memory.
     bool reserve(std::size_t count) {
         if (count <= room_) return true;
-        elements_.reset();
+        std::free(elements_);
+        elements_ = nullptr;
         room_ = 0;
         if (count > static_cast<std::size_t>(-1) / sizeof(T)) return false;
-        elements_.reset(static_cast<T*>(std::malloc(count * sizeof(T))));
+        elements_ = static_cast<T*>(std::malloc(count * sizeof(T)));
         if (elements_ == nullptr) return false;
         room_ = count;
         return true;
     }
 
-    T* data() const { return elements_.get(); }
+    T* data() const { return elements_; }
     T& operator[](std::size_t index) const { return elements_[index]; }
 
   private:
-    struct Free {
-        void operator()(void* memory) const { std::free(memory); }
-    };
-
-    std::unique_ptr<T[], Free> elements_;
+    T* elements_ = nullptr;
     std::size_t room_ = 0;
 };
 

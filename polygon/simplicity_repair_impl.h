@@ -30,8 +30,6 @@ class LoopCutter {
     const Point* points() const { return points_.data(); }
     DWORD count() const { return count_; }
 
-    EdgePair firstFault(bool closed) { return test_.firstFault(points_.data(), count_, closed); }
-
     Size loopSize(const EdgePair& fault) const {
         return miniVectorCount(points_.data(), count_, fault.first, fault.second, false);
     }
@@ -57,7 +55,6 @@ class LoopCutter {
   private:
     ScratchArray<Point> points_;
     DWORD count_ = 0;
-    SimplicityTest<Point> test_;
 };
 
 /// Cuts off the smaller side of the first fault, again and again. @return false when both sides of a fault are too
@@ -65,8 +62,9 @@ class LoopCutter {
 template <class Point>
 bool cutSmallerSides(LoopCutter<Point>& outline, MiniVectorSize<Point> maximalLoopSize) {
     using Size = MiniVectorSize<Point>;
+    SimplicityTest<Point> test;
     while (true) {
-        const EdgePair fault = outline.firstFault(true);
+        const EdgePair fault = test.firstFault(outline.points(), outline.count(), true);
         if (SimplicityTest<Point>::isSimple(fault)) return true;
         const Size loop = outline.loopSize(fault);
         const Size rest = outline.totalSize() - loop;
@@ -110,8 +108,9 @@ DWORD makeSimpleEx(Point* points, DWORD count, bool closed, MiniVectorSize<Point
     if (points == nullptr || count == 0) return 0;
     LoopCutter<Point> chain;
     if (!chain.copy(points, count)) return 0;
+    SimplicityTest<Point> test;
     while (true) {
-        const EdgePair fault = chain.firstFault(false);
+        const EdgePair fault = test.firstFault(chain.points(), chain.count(), false);
         if (SimplicityTest<Point>::isSimple(fault)) break;
         if (chain.loopSize(fault) >= maximalLoopSize) return 0;
         chain.removeLoop(fault);

@@ -301,6 +301,35 @@ void digestPolygon(Digest& digest, Random& random) {
     }
 }
 
+void digestRepair(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds / 20; ++round) {
+        std::vector<tagPOINT> points;
+        const int size = 3 + random.below(round % 10 == 0 ? 120 : 20);
+        for (int i = 0; i < size; ++i)
+            points.push_back(random.pixel());
+        const auto count = static_cast<DWORD>(points.size());
+        const int closed = random.below(2);
+        DWORD first = 0, second = 0;
+        digest.add(polyIsSimple(points.data(), count, closed, &first, &second));
+        digest.add(first, second);
+        const auto addRepaired = [&](DWORD (*repair)(tagPOINT*, DWORD, int)) {
+            std::vector<tagPOINT> work = points;
+            work.push_back(points.front());
+            const DWORD left = repair(work.data(), count, closed);
+            digest.add(left);
+            for (DWORD i = 0; i < left && i < count; ++i)
+                digest.add(work[i]);
+        };
+        addRepaired([](tagPOINT* p, DWORD n, int flag) { return polyMakeSimpleEx(p, n, flag, 1000000000); });
+        addRepaired([](tagPOINT* p, DWORD n, int flag) { return polyRemoveStings(p, n, flag, 6.0); });
+        addRepaired([](tagPOINT* p, DWORD n, int) { return polyReducePoints(p, n, 40); });
+        addRepaired([](tagPOINT* p, DWORD n, int) { return polyReducePointsEx(p, n, 4.0, 3); });
+        addRepaired([](tagPOINT* p, DWORD n, int) { return polyConvexHull(p, n); });
+        if (count < 30)
+            addRepaired([](tagPOINT* p, DWORD n, int) { return polySeperateTouchingSegments(p, n); });
+    }
+}
+
 void digestCurves(Digest& digest, Random& random) {
     for (int round = 0; round < kRounds / 40; ++round) {
         const std::vector<tagPOINT> points = outline(random, 8 + random.below(40));
@@ -375,5 +404,6 @@ int main() {
     print("polygon", 6, digestPolygon);
     print("curves", 7, digestCurves);
     print("curve-samples", 8, digestCurveSamples);
+    print("repair", 9, digestRepair);
     return 0;
 }

@@ -121,6 +121,7 @@ TEST(PolyConvexHull, ARepeatOfTheFirstVertexIsAVertex) {
 /// 3-D points as they can be compared.
 std::vector<std::vector<double>> valuesOf(const std::vector<tagPOINT3D>& points) {
     std::vector<std::vector<double>> values;
+    values.reserve(points.size());
     for (const tagPOINT3D& p : points)
         values.push_back({p.x, p.y, p.z});
     return values;
