@@ -23,6 +23,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <limits>
 
 #include "frame/primitives.h"
@@ -209,24 +210,25 @@ class EdgeTree {
         gap_ = 1e-6 + 1e-6 * longest + 1e-12 * largest;
     }
 
-    /// The box of a node without bounds, for coordinates that are not numbers: apart from nothing.
-    static Box unbounded() {
-        using Limits = std::numeric_limits<Coordinate>;
-        constexpr Coordinate kLowest = Limits::has_infinity ? -Limits::infinity() : Limits::lowest();
-        constexpr Coordinate kHighest = Limits::has_infinity ? Limits::infinity() : Limits::max();
-        return {kLowest, kLowest, kHighest, kHighest};
-    }
+    using Limits = std::numeric_limits<Coordinate>;
+    static constexpr Coordinate kLowest = Limits::has_infinity ? -Limits::infinity() : Limits::lowest();
+    static constexpr Coordinate kHighest = Limits::has_infinity ? Limits::infinity() : Limits::max();
 
+    /// Edges without length have no part in any pair. Left out, a run of repeated points is apart from everything.
     void bindLeaf(std::size_t index) {
         const Node node{0, index};
-        Box box = Box::around(chain_.start(begin(node)));
-        bool isNumber = box.left == box.left && box.top == box.top;
-        for (DWORD i = begin(node); i < end(node); ++i) {
-            const Box point = Box::around(chain_.end(i));
-            isNumber = isNumber && point.left == point.left && point.top == point.top;
-            box.include(point);
+        const DWORD last = end(node);
+        Box box{kHighest, kHighest, kLowest, kLowest};
+        bool isNumber = true;
+        for (DWORD i = begin(node); i < last; ++i) {
+            if (chain_.isPoint(i)) continue;
+            for (const Box& point : {Box::around(chain_.start(i)), Box::around(chain_.end(i))}) {
+                isNumber = isNumber && point.left == point.left && point.top == point.top;
+                box.include(point);
+            }
         }
-        boxes_[place(node)] = isNumber ? box : unbounded();
+        // What is not a number may stand anywhere.
+        boxes_[place(node)] = isNumber ? box : Box{kLowest, kLowest, kHighest, kHighest};
         if (hasOrientedBoxes_) orientedBoxes_[place(node)] = orientedBoxOfLeaf(node);
     }
 
@@ -238,7 +240,8 @@ class EdgeTree {
         };
         tagPOINT2D longest{0.0, 0.0};
         tagPOINT2D previous{0.0, 0.0};
-        for (DWORD i = begin(node); i < end(node); ++i) {
+        const DWORD last = end(node);
+        for (DWORD i = begin(node); i < last; ++i) {
             const tagPOINT2D point = toOrigin(chain_.end(i));
             const tagPOINT2D edge = offset(previous, point);
             if (dot(edge, edge) > dot(longest, longest)) longest = edge;
@@ -247,7 +250,7 @@ class EdgeTree {
         const tagPOINT2D axis = unitVector(longest);
         Extent along{0.0, 0.0};
         Extent across{0.0, 0.0};
-        for (DWORD i = begin(node); i < end(node); ++i) {
+        for (DWORD i = begin(node); i < last; ++i) {
             const tagPOINT2D point = toOrigin(chain_.end(i));
             along.include(dot(axis, point));
             across.include(cross(axis, point));

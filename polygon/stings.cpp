@@ -3,6 +3,8 @@
 // The obvious way removes one sting and begins anew. A sting that goes leaves everything before it free of stings,
 // so that only the points around the gap need another look: one walk that keeps a stack of what it accepted finds
 // the same stings in the same order, in linear time.
+#include <algorithm>
+
 #include "frame/convert.h"
 #include "frame/primitives.h"
 #include "polygon/double_points_impl.h"
@@ -100,14 +102,11 @@ extern "C" DWORD polyRemoveStings(tagPOINT* points, DWORD count, int noWrap, dou
     count = removeInnerStings(points, count, test);
     if (noWrap == 0) {
         const Remainder left = removeSeamStings(points, count, test);
-        for (DWORD i = 0; left.begin != 0 && i < left.count(); ++i)
-            points[i] = points[left.begin + i];
+        if (left.begin != 0) std::copy(points + left.begin, points + left.end, points);
         count = left.count();
-        if (count == 1) return kCollapsed;
-        const bool isOpen = !velquad::polygon::isClosed(points, count);
-        return !isOpen && count == 3 ? kCollapsed : count;
     }
-    if (count == 1) return kCollapsed;
-    const DWORD smallest = velquad::polygon::isClosed(points, count) ? 3 : 2;
-    return count == smallest ? kCollapsed : count;
+    // The ends may have met on the way. Two different points of a closed outline, or of a chain that may not lead back,
+    // count as one.
+    const DWORD largestCollapsed = velquad::polygon::isClosed(points, count) ? 3 : noWrap != 0 ? 2 : 1;
+    return count <= largestCollapsed ? kCollapsed : count;
 }
