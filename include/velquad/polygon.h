@@ -1,5 +1,6 @@
 /// @file
-/// Polygons: outlines of integer points, owned as records in movable blocks, and the operations on them.
+/// Polygons: outlines of integer points, owned as records in movable blocks, and the operations on them; and the same
+/// operations on outlines of doubles, the functions with the prefix `poly2d`.
 ///
 /// **Three forms.** A polygon crosses the boundary in one of three forms, and each function takes exactly
 /// one:
