@@ -385,7 +385,8 @@ VELQUAD_API DWORD polyGetMiniVecCount(const tagPOINT* points, DWORD count, DWORD
 
 /// Thins a polygon in place to about a percentage of its points: every k-th point stays, with k = count divided by
 /// (count * percent / 100), both truncated, and the last one in any case.
-/// @param percent  the count does not change where k is 1 or 0: at more than 50 percent.
+/// @param percent  nothing changes where k is 1 or 0, as it is at more than 50 percent of an even count. The product
+///                 wraps around at 32 bits.
 /// @return the new count. A percentage of less than one point has no k; then nothing changes and the result is 0.
 VELQUAD_API DWORD polyReducePoints(tagPOINT* points, DWORD count, DWORD percent);
 
