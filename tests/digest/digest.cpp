@@ -305,6 +305,7 @@ void digestRepair(Digest& digest, Random& random) {
     for (int round = 0; round < kRounds / 20; ++round) {
         std::vector<tagPOINT> points;
         const int size = 3 + random.below(round % 10 == 0 ? 120 : 20);
+        points.reserve(static_cast<std::size_t>(size));
         for (int i = 0; i < size; ++i)
             points.push_back(random.pixel());
         const auto count = static_cast<DWORD>(points.size());
