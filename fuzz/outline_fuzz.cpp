@@ -1,55 +1,15 @@
 // Feeds arbitrary outlines, counts, indices and tolerances to the polygon and curve functions.
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <vector>
 
+#include "fuzz/input.h"
 #include "velquad/velquad.h"
 
 namespace {
 
-/// Reads values off the input; zeros once it is used up.
-class Input {
-  public:
-    Input(const std::uint8_t* data, std::size_t size) : data_(data), size_(size) {}
-
-    template <class T>
-    T take() {
-        T value{};
-        const std::size_t bytes = size_ < sizeof(T) ? size_ : sizeof(T);
-        std::memcpy(&value, data_, bytes);
-        data_ += bytes;
-        size_ -= bytes;
-        return value;
-    }
-
-    std::size_t size() const { return size_; }
-
-    /// Points on a small grid, where degenerate cases abound, or anywhere in the 32-bit range.
-    std::vector<tagPOINT> takeOutline(std::size_t most) {
-        const std::size_t count = take<std::uint8_t>() % (most + 1);
-        const bool isSmall = (take<std::uint8_t>() & 1) != 0;
-        std::vector<tagPOINT> points;
-        for (std::size_t i = 0; i < count; ++i) {
-            if (isSmall) {
-                const auto x = static_cast<LONG>(take<std::int8_t>() % 8);
-                points.push_back({x, static_cast<LONG>(take<std::int8_t>() % 8)});
-            } else {
-                const auto x = static_cast<LONG>(take<std::int32_t>());
-                points.push_back({x, static_cast<LONG>(take<std::int32_t>())});
-            }
-        }
-        return points;
-    }
-
-  private:
-    const std::uint8_t* data_;
-    std::size_t size_;
-};
-
-void require(bool condition) {
-    if (!condition) __builtin_trap();
-}
+using velquad::fuzz::Input;
+using velquad::fuzz::require;
 
 void query(const std::vector<tagPOINT>& outline, const std::vector<tagPOINT>& other, Input& input) {
     const auto count = static_cast<DWORD>(outline.size());

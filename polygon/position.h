@@ -51,6 +51,18 @@ inline bool calcPoint(const tagPOINT* points, DWORD count, bool closed, DWORD in
     return true;
 }
 
+/// See `polyReplacePointByVertex`.
+bool replacePointByVertex(const tagPOINT* points, DWORD count, bool closed, DWORD* index, double* fraction,
+                          double tolerance, tagPOINT2D* out);
+
+/// See `polyComparePositions`.
+inline int comparePositions(const tagPOLY_POSITION& a, const tagPOLY_POSITION& b) {
+    constexpr double kSameFraction = 1e-7;
+    if (a.index != b.index) return a.index < b.index ? -1 : 1;
+    if (frame::isSmaller(kSameFraction, b.fraction - a.fraction)) return 0;
+    return b.fraction > a.fraction ? -1 : 1;
+}
+
 }  // namespace velquad::polygon
 
 #endif  // VELQUAD_POLYGON_POSITION_H

@@ -5,25 +5,17 @@
 #include <utility>
 
 #include "frame/convert.h"
-#include "frame/primitives.h"
 #include "polygon/position.h"
 #include "velquad/polygon.h"
 
 using velquad::frame::Int32;
-using velquad::frame::isSmaller;
+using velquad::polygon::comparePositions;
 
 namespace {
 
-constexpr double kSameFraction = 1e-7;
 /// A point this much farther than the tolerance still matches.
 constexpr double kToleranceMargin = 1e-7;
 constexpr DWORD kNotFound = 0xFFFFFFFF;
-
-int comparePositions(const tagPOLY_POSITION& a, const tagPOLY_POSITION& b) {
-    if (a.index != b.index) return a.index < b.index ? -1 : 1;
-    if (isSmaller(kSameFraction, b.fraction - a.fraction)) return 0;
-    return b.fraction > a.fraction ? -1 : 1;
-}
 
 enum class PassEnd { kSorted, kExchanged, kRemoved };
 

@@ -1,5 +1,6 @@
 /// @file
-/// Polygons: outlines of integer points, owned as records in movable blocks, and the operations on them.
+/// Polygons: outlines of integer points, owned as records in movable blocks, and the operations on them; and the same
+/// operations on outlines of doubles, the functions with the prefix `poly2d`.
 ///
 /// **Three forms.** A polygon crosses the boundary in one of three forms, and each function takes exactly
 /// one:
@@ -419,6 +420,189 @@ VELQUAD_API DWORD polyConvexHull(tagPOINT* points, DWORD count);
 /// The same for points of space, in the plane of x and y: z travels with its point. No closing point is looked for.
 /// @return the number of vertices; 1 for a count of 0.
 VELQUAD_API DWORD matConvexHullP3D(tagPOINT3D* points, DWORD count);
+/// @}
+
+}  // extern "C"
+
+/// @name Splitting and decomposition
+/// An outline is cut at places on it. Pieces are new polygons, given out as unlocked handles that the caller ends with
+/// `polyFree`; the source is not written to. Every place that lands in a piece is rounded as by `polyMakeInt`, and a
+/// piece has no double points. Its block is as large as the piece was before they were removed.
+///   - *Snap tolerance*: a place nearer than this to an end of its edge is moved there, see `polyReplacePointByVertex`.
+///     The largest double stands for 0, which snaps nothing.
+///   - *Closed*: non-zero for a closed outline, which stores its closing point.
+///   - A result of false leaves nothing allocated.
+/// @{
+
+/// Splits an outline along a cut line. The outline is cut where it is nearest to the first and to the last point of the
+/// line; the points between these two become part of both pieces.
+///   (1) The first piece follows the outline from the earlier place to the later one and goes back along the cut line.
+///       Where the two places are one, the way back does not end in that place again.
+///   (2) The second piece, of a closed outline only, follows the outline from the later place over its end to the
+///       earlier one, and goes back along the cut line.
+///   (3) Both pieces are closed polygons and run in the direction of the outline.
+/// @param count     at least 3.
+/// @param cut       the points of the cut line. Its direction does not matter.
+/// @param cutCount  at least 2.
+/// @param out1      optional; receives the first piece.
+/// @param out2      optional; receives the second piece. Left alone when the outline is open.
+/// @return false, with null in both outputs, when a pointer is null, a count is too small or there is no memory.
+/// @par Cost  O(count + cutCount) and one block for each piece.
+VELQUAD_API bool polySplit(const tagPOINT* points, DWORD count, int closed, double tolerance,
+                           const tagPOINT* cut, DWORD cutCount, void** out1, void** out2);
+
+/// Cuts an outline at two positions, given in any order.
+///   (1) The first piece is the chain from the earlier position to the later one: a single point when they are one.
+///   (2) The second piece, of a closed outline only, is the chain from the later position over the end of the outline
+///       to the earlier one: all the way round when they are one.
+///   (3) Neither piece is closed by a point of its own.
+/// A position that does not exist, as any at the last point of an open chain, lies at (-2147483648, -2147483648).
+/// @param count               at least 2.
+/// @param index1, fraction1   a position; see `polyCalcPoint`.
+/// @param index2, fraction2   the other position. The first one again when the index is 0xFFFFFFFF or the fraction the
+///                            largest double.
+/// @param out1                optional; receives the first piece.
+/// @param out2                optional; receives the second piece. Left alone when the outline is open.
+/// @return false, with null in both outputs, when `points` is null, `count` is too small, the first index is 0xFFFFFFFF
+///         or its fraction the largest double, an arc would lead over indices beyond `count`, or there is no memory.
+/// @par Cost  O(count) and one block for each piece.
+VELQUAD_API bool matDecomposePolygon(const tagPOINT* points, DWORD count, int closed, double tolerance,
+                                     DWORD index1, double fraction1, DWORD index2, double fraction2,
+                                     void** out1, void** out2);
+
+/// Cuts an outline at all positions of a list, which has to be in ascending order (`polySortPositions`). Each piece is
+/// a chain as of `matDecomposePolygon`, in this order:
+///   - open chain: from the start to the first position, unless that is the start itself (index 0 and a fraction up to
+///     1e-7); from each position to the next; and, unless the last position stands at the last point, one from the
+///     start of the chain to the last position. The end of the chain behind that position is in no piece.
+///   - closed outline: from each position to the next, and from the last one over the end of the outline to the first.
+/// @param positions      not null.
+/// @param positionCount  not 0.
+/// @param handles        receives the pieces; entries that are not used are left alone.
+/// @param room           entries of `handles`, not 0. One of them always stays free: at most `room` - 1 pieces are made.
+/// @param number         receives the number of pieces.
+/// @return true also when the room was too small for all pieces. False, with `number` 0 and every entry that had been
+///         filled null again, when a pointer is null, `positionCount` or `room` is 0, or a piece cannot be made.
+/// @par Cost  O(count + positionCount) for a sorted list, and one block for each piece.
+VELQUAD_API bool polyDecompose(const tagPOINT* points, DWORD count, int closed, double tolerance,
+                               const tagPOLY_POSITION* positions, DWORD positionCount, void** handles,
+                               DWORD room, DWORD* number);
+/// @}
+
+extern "C" {
+
+/// @name Outlines of doubles
+/// The functions with the prefix `poly2d` do for points of doubles what their namesakes do for integer points, with
+/// these differences throughout:
+///   - Two points are one when both coordinates differ by less than 1e-7.
+///   - Nothing wraps around; a coordinate that is not a number has no contact with anything and no distance.
+///   - Of two segments whose contact is tested the first is half open: it begins at its start within 1e-40 and ends
+///     before its end, so that a chain meets each shared vertex once (see `matIntersectSegments2D`).
+/// There are no handles: the caller owns the array. What else differs is told at each function.
+/// @{
+
+/// Tells whether a point lies inside an outline; see `polyIsPointInside`. A point that is one with a vertex lies on
+/// the outline.
+/// @param point  the point asked about. Not null unless `count` is 0.
+/// @return 1 inside, 0 outside or for a count of 0, -1 on the outline.
+/// @par Cost    O(count), no allocation.
+/// @par Source  Crossing count: M. Shimrat, Algorithm 112, Communications of the ACM 5, 1962.
+VELQUAD_API int poly2dIsPointInside(const tagPOINT2D* points, DWORD count, const tagPOINT2D* point);
+
+/// Tells how two outlines lie to one another; see `polyGetRelativePosition`. The edges of A are the half-open ones, so
+/// outlines that only touch may meet in one order of the arguments and not in the other: an end of an edge of A that
+/// is no start of another edge, the last point of an open chain, does not touch anything.
+/// @return 0 apart, 1 the outlines meet, 2 B lies inside A, 3 A lies inside B. An outline without points is apart
+///         from everything.
+/// @par Cost  O(n log n) for outlines of n points in all that lie apart, are nested or run side by side; O(n^2) when
+///            the boxes of most edges overlap. No allocation.
+VELQUAD_API int poly2dGetRelativePosition(const tagPOINT2D* pointsA, DWORD countA, int closedA,
+                                          const tagPOINT2D* pointsB, DWORD countB, int closedB);
+
+/// The distance of a point from an outline; see `polyCalcDistance`. The foot on an edge lies between its ends; within
+/// 2.3e-16 of an end it is that end.
+/// @param closed     non-zero: the edge from the last point to the first counts too, unless the two are equal exactly.
+///                   This is the one place of the family without a tolerance.
+/// @param point      the point asked about. Not null unless `count` is 0.
+/// @param isSquared  non-zero: the result is the squared distance.
+/// @param nearest    optional; receives the nearest point of the outline.
+/// @param index      optional; receives the first point of the nearest edge, the lowest one among equal distances.
+/// @param fraction   optional; receives the place on that edge, 0 at its start.
+/// @return the distance. A single point is measured to itself, with index and fraction 0. Without any edge that has a
+///         distance the result and both coordinates of `nearest` are the largest double, index and fraction 0.
+/// @par Cost  O(count), no allocation.
+VELQUAD_API double poly2dCalcDistance(const tagPOINT2D* points, DWORD count, int closed,
+                                      const tagPOINT2D* point, int isSquared, tagPOINT2D* nearest,
+                                      DWORD* index, double* fraction);
+
+/// The length of an outline; see `polyCalcLength`.
+/// @return the length, or the sum of the squares of the edge lengths; 0 for fewer than two points.
+VELQUAD_API double poly2dCalcLength(const tagPOINT2D* points, DWORD count, int closed, int isSquared);
+
+/// Tells whether an outline with a stored closing point runs counter-clockwise in mathematical axes: its turning
+/// angles sum up to more than 0. The points are taken as they stand. Without a closing point one corner is missing
+/// from the sum; a reversal turns by half a turn to the left.
+/// @return 1 counter-clockwise, 0 clockwise, -1 when there is no direction: the sum is below 1e-7 in magnitude, there
+///         are fewer than two points, or `points` is null. A sum that is not a number gives 0.
+/// @par Cost  O(count), no allocation.
+VELQUAD_API int poly2dIsCCW(const tagPOINT2D* points, DWORD count);
+
+/// Gives an outline the wanted sense of rotation, as `poly2dIsCCW` tells it, by reversing the points where needed. An
+/// outline without direction counts as counter-clockwise.
+/// @param wanted  non-zero for counter-clockwise, 0 for the other sense.
+/// @return 1 always.
+VELQUAD_API int poly2dMakeCCW(tagPOINT2D* points, DWORD count, int wanted);
+
+/// Reverses the order of the points in place; a closing point takes part.
+/// @return 1, or 0 for a null pointer.
+VELQUAD_API int poly2dReverseOrder(tagPOINT2D* points, DWORD count);
+
+/// Tells whether two outlines, given as records, run the same way. Closed ones do when `poly2dIsCCW` gives the same of
+/// both, -1 included. Open ones do when each begins strictly nearer to the other's beginning than to the other's end.
+/// @return 1 or 0; 0 also for a null record, and for an open chain without points.
+VELQUAD_API int poly2dCompareDirections(const tagPOLY2D* a, const tagPOLY2D* b, int closed);
+
+/// Removes points that are one with the point before, in place. Behind a removed point only the front half of the tail
+/// moves down, counted in bytes, so that of an odd tail half a point moves. The points behind are then not those of the
+/// input; a tail of an even number of points even leaves a new double point, which goes in its turn. A list without
+/// double points is left alone.
+/// @return the new count; `count` when it is below 2 or `points` is null.
+/// @par Cost  O(count) plus half a tail for each removed point, no allocation.
+VELQUAD_API DWORD poly2dRemoveDoublePoints(tagPOINT2D* points, DWORD count);
+
+/// Tells whether an outline is simple; see `polyIsSimple`. Contact is that of `matIntersectSegments2D` with the lower
+/// edge as the first, half-open segment: the end of an edge meets nothing, the start of the next one does.
+/// @param closed  non-zero: an edge leads from the last point to the first; it may be stored or not.
+/// @param first   optional; receives the lowest edge that is at fault, by the index of the point that it starts at.
+/// @param second  optional; receives the lowest edge, above `first`, that it must not meet. Both are left alone when
+///                the outline is simple.
+/// @return 1 simple, 0 not; 1 for fewer than two different points.
+/// @par Cost  as of `polyIsSimple`.
+VELQUAD_API int poly2dIsSimple(const tagPOINT2D* points, DWORD count, int closed, DWORD* first,
+                               DWORD* second);
+
+/// Makes an outline, always taken as closed, simple; see `polyMakeSimple`. The size of a side is its length.
+/// @param points           altered in place.
+/// @param maximalLoopSize  a length: when both sides of a fault reach this, nothing is done.
+/// @return the new count. For an outline without a stored closing point this is one more than the points that were
+///         written: a simple one of n points gives n + 1. 0, with the points as they were, when both sides of a fault
+///         are too long, when nothing would be left, and without memory.
+VELQUAD_API DWORD poly2dMakeSimple(tagPOINT2D* points, DWORD count, double maximalLoopSize);
+
+/// Makes an outline or an open chain simple; see `polyMakeSimpleEx`.
+/// @param closed           non-zero: the same as `poly2dMakeSimple`.
+/// @param maximalLoopSize  a loop of this length or more may not go.
+/// @return the new count. 0, with the points as they were, when a loop is too long and without memory.
+VELQUAD_API DWORD poly2dMakeSimpleEx(tagPOINT2D* points, DWORD count, int closed, double maximalLoopSize);
+
+/// The length of a run of an outline. Unlike the steps of `polyGetMiniVecCount` it has no one added, and nothing behind
+/// the last point is read.
+/// @param from, to  vertices.
+/// @param outside   0: the run from `from` to `to`. Non-zero: the rest, from the first vertex to `from` and on from `to`
+///                  to the last one.
+/// @return the length; 0.0 for an empty run.
+VELQUAD_API double poly2dGetMiniVecCount(const tagPOINT2D* points, DWORD count, DWORD from, DWORD to,
+                                         int outside);
 /// @}
 
 }  // extern "C"

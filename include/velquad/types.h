@@ -47,6 +47,19 @@ struct tagPOLY {
     tagPOINT points[1];  ///< `count` points; the array is as long as the block allows.
 };
 
+/// A polygon of double points: the number of points, then the points at the alignment of their coordinates.
+///
+///     offset 0       4         8        16       24       32
+///            +-------+---------+--------+--------+--------+----
+///            | count | padding | x[0]   | y[0]   | x[1]   | ...       16 * count + 8 bytes
+///            +-------+---------+--------+--------+--------+----
+///
+/// Unlike in `tagPOLY` there are four bytes of padding behind the count.
+struct tagPOLY2D {
+    DWORD count;           ///< Points that the record holds, a closing point included.
+    tagPOINT2D points[1];  ///< `count` points; the array is as long as the caller made it.
+};
+
 /// An outline as a chain code: a start pixel and the direction of each step from it.
 ///
 ///     7 0 1        Codes 0 to 7 lead to the eight neighbours, clockwise on an image from the one above:

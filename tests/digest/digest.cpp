@@ -305,6 +305,7 @@ void digestRepair(Digest& digest, Random& random) {
     for (int round = 0; round < kRounds / 20; ++round) {
         std::vector<tagPOINT> points;
         const int size = 3 + random.below(round % 10 == 0 ? 120 : 20);
+        points.reserve(static_cast<std::size_t>(size));
         for (int i = 0; i < size; ++i)
             points.push_back(random.pixel());
         const auto count = static_cast<DWORD>(points.size());
@@ -327,6 +328,90 @@ void digestRepair(Digest& digest, Random& random) {
         addRepaired([](tagPOINT* p, DWORD n, int) { return polyConvexHull(p, n); });
         if (count < 30)
             addRepaired([](tagPOINT* p, DWORD n, int) { return polySeperateTouchingSegments(p, n); });
+    }
+}
+
+void digestPieces(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds / 20; ++round) {
+        const std::vector<tagPOINT> points = outline(random, 8 + random.below(40));
+        const auto count = static_cast<DWORD>(points.size());
+        const int closed = random.below(2);
+        const double tolerance = random.below(5) * 1.5;
+        const tagPOINT cut[] = {random.pixel(), random.pixel(), random.pixel()};
+        void* pieces[8] = {};
+        digest.add(polySplit(points.data(), count, closed, tolerance, cut, 3, &pieces[0], &pieces[1]));
+        for (int i = 0; i <= closed; ++i) {
+            digest.addPolygon(pieces[i]);
+            polyFree(pieces[i]);
+        }
+        tagPOLY_POSITION positions[6];
+        for (tagPOLY_POSITION& position : positions) {
+            position.index = static_cast<DWORD>(random.below(static_cast<int>(count) - 1));
+            position.fraction = random.below(40) * 0.025;
+        }
+        const DWORD positionCount = polySortPositions(positions, 6, 1);
+        DWORD number = 0;
+        digest.add(polyDecompose(points.data(), count, closed, tolerance, positions, positionCount, pieces, 8,
+                                 &number));
+        digest.add(number);
+        for (DWORD i = 0; i < number; ++i) {
+            digest.addPolygon(pieces[i]);
+            polyFree(pieces[i]);
+        }
+    }
+}
+
+/// Points of doubles, some of them in one line, repeated, or one with another within the tolerance.
+std::vector<tagPOINT2D> outline2D(Random& random, int count) {
+    std::vector<tagPOINT2D> points{random.point()};
+    while (static_cast<int>(points.size()) < count) {
+        const tagPOINT2D last = points.back();
+        switch (random.below(10)) {
+            case 0:
+                points.push_back({last.x + random.below(3) * 5e-8, last.y});
+                break;
+            case 1:
+                points.push_back(
+                    points[static_cast<std::size_t>(random.below(static_cast<int>(points.size())))]);
+                break;
+            default:
+                points.push_back(random.point());
+        }
+    }
+    if (random.below(2) == 0) points.push_back(points.front());
+    return points;
+}
+
+void digestOutlines2D(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds / 20; ++round) {
+        const std::vector<tagPOINT2D> points = outline2D(random, 3 + random.below(round % 10 == 0 ? 80 : 8));
+        const std::vector<tagPOINT2D> other = outline2D(random, 3 + random.below(6));
+        const auto count = static_cast<DWORD>(points.size());
+        const int closed = random.below(2);
+        DWORD first = 0, second = 0;
+        digest.add(poly2dIsSimple(points.data(), count, closed, &first, &second), first, second);
+        digest.add(poly2dGetRelativePosition(points.data(), count, closed, other.data(),
+                                             static_cast<DWORD>(other.size()), random.below(2)));
+        for (int test = 0; test < 4; ++test) {
+            const tagPOINT2D point = random.point();
+            tagPOINT2D place{};
+            DWORD index = 0;
+            double fraction = 0.0;
+            digest.add(poly2dIsPointInside(points.data(), count, &point));
+            digest.add(poly2dCalcDistance(points.data(), count, closed, &point, random.below(2), &place,
+                                          &index, &fraction),
+                       place, index, fraction);
+        }
+        digest.add(poly2dCalcLength(points.data(), count, closed, random.below(2)),
+                   poly2dGetMiniVecCount(points.data(), count, 1, count - 1, closed));
+        const auto addChanged = [&](DWORD (*change)(tagPOINT2D*, DWORD, int)) {
+            std::vector<tagPOINT2D> work = points;
+            digest.add(change(work.data(), count, closed));
+            for (const tagPOINT2D& point : work)
+                digest.add(point);
+        };
+        addChanged([](tagPOINT2D* p, DWORD n, int flag) { return poly2dMakeSimpleEx(p, n, flag, 1e9); });
+        addChanged([](tagPOINT2D* p, DWORD n, int) { return poly2dRemoveDoublePoints(p, n); });
     }
 }
 
@@ -492,5 +577,7 @@ int main() {
     print("moments", 61, digestMoments);
     print("repair", 9, digestRepair);
     print("images", 9, digestImages);
+    print("pieces", 20, digestPieces);
+    print("outlines-2d", 21, digestOutlines2D);
     return 0;
 }

@@ -20,6 +20,8 @@ static_assert(offsetof(tagMAT_RECT2D, right) == 16 && offsetof(tagMAT_RECT2D, bo
 
 static_assert(sizeof(tagPOLY) == 12 && offsetof(tagPOLY, count) == 0 && offsetof(tagPOLY, points) == 4);
 
+static_assert(sizeof(tagPOLY2D) == 24 && offsetof(tagPOLY2D, count) == 0 && offsetof(tagPOLY2D, points) == 8);
+
 static_assert(sizeof(tagPOLY_POSITION) == 16 && offsetof(tagPOLY_POSITION, index) == 0);
 static_assert(offsetof(tagPOLY_POSITION, fraction) == 8);
 

@@ -1,0 +1,29 @@
+// The outlines of outlines.h in doubles, with their fractions kept.
+#ifndef VELQUAD_BENCH_POLYGON_OUTLINES_2D_H
+#define VELQUAD_BENCH_POLYGON_OUTLINES_2D_H
+
+#include <cmath>
+#include <vector>
+
+#include "velquad/types.h"
+
+namespace velquad::bench {
+
+/// A rippled circle of `count` points whose neighbours lie some `spacing` apart, shrunk about its centre by `scale`.
+inline std::vector<tagPOINT2D> rippledCircle2D(int count, double spacing, double scale = 1.0,
+                                               double centerX = 0.0) {
+    constexpr double kFullTurn = 6.283185307179586;
+    const double radius = scale * spacing * count / kFullTurn;
+    std::vector<tagPOINT2D> outline;
+    outline.reserve(static_cast<std::size_t>(count));
+    for (int k = 0; k < count; ++k) {
+        const double angle = kFullTurn * k / count;
+        const double r = radius * (1.0 + 0.02 * std::sin(40.0 * angle));
+        outline.push_back({centerX + r * std::cos(angle), r * std::sin(angle)});
+    }
+    return outline;
+}
+
+}  // namespace velquad::bench
+
+#endif  // VELQUAD_BENCH_POLYGON_OUTLINES_2D_H
