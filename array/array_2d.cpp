@@ -15,6 +15,7 @@ using velquad::array::kRowEntrySize;
 using velquad::array::rowAt;
 using velquad::array::setRow;
 using velquad::array::tagMAT_ARRAY_HEADER;
+using velquad::array::typeOfSize;
 
 namespace {
 
@@ -65,20 +66,7 @@ extern "C" unsigned int matCvtArrayTypeToSize2v(unsigned int type) {
 }
 
 extern "C" unsigned int matCvtSizeToArrayType2v(unsigned int size) {
-    switch (size) {
-        case 1:
-            return MAT_ARRAY_UINT8;
-        case 2:
-            return MAT_ARRAY_UINT16;
-        case 3:
-            return MAT_ARRAY_BYTE3;
-        case 4:
-            return MAT_ARRAY_FLOAT;
-        case 8:
-            return MAT_ARRAY_DOUBLE;
-        default:
-            return 0;
-    }
+    return typeOfSize(size);
 }
 
 extern "C" void** matAllocArray2v(unsigned int width, unsigned int height, unsigned int type,

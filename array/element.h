@@ -87,6 +87,14 @@ VELQUAD_ALWAYS_INLINE constexpr unsigned int elementSize(unsigned int type) {
     return type < sizeof(kSizes) ? kSizes[type] : 0;
 }
 
+/// @return the usual type of elements of this size; 0 when there is none. A size of 4 is a float, never an integer
+///         or a pixel; sizes of 1 and 2 are unsigned.
+VELQUAD_ALWAYS_INLINE constexpr unsigned int typeOfSize(unsigned int size) {
+    constexpr unsigned int kTypes[] = {
+        0, MAT_ARRAY_UINT8, MAT_ARRAY_UINT16, MAT_ARRAY_BYTE3, MAT_ARRAY_FLOAT, 0, 0, 0, MAT_ARRAY_DOUBLE};
+    return size < sizeof(kTypes) / sizeof(kTypes[0]) ? kTypes[size] : 0;
+}
+
 /// Reads the value with this index from a row that may begin at any address.
 template <class Value>
 VELQUAD_ALWAYS_INLINE Value loadElement(const void* row, std::size_t index) {

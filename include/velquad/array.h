@@ -188,7 +188,45 @@ VELQUAD_API int matZoomImage(unsigned int srcWidth, unsigned int srcHeight, unsi
                              unsigned int mode);
 /// @}
 
+/// Marks the local extremes of a sequence.
+///   (1) The middle of a maximal plateau, rounded down, is marked 255, that of a minimal one 0, all else 127.
+///   (2) The ends of the sequence are never marked.
+/// @param flags  `count` bytes.
+/// @return 1.
+VELQUAD_API int matFindMinMaxValues(const double* values, unsigned char* flags, unsigned int count);
+
 }  // extern "C"
+
+/// @name Discs
+/// A digital disc of radius r has the cells whose distance from the centre, rounded, is at most r: with r = 1 all nine
+/// cells of a square. Its tables have 2 r + 1 rows and columns; cell (x, y) lies at (x - r, y - r) from the centre.
+/// @{
+
+/// Makes the tables of a disc.
+/// @param distances  receives the distinct distances of the cells, ascending; the last one is the largest double when
+///                   there are cells outside of the disc.
+/// @param maxIndex   receives the index of the last distance.
+/// @param left       receives the first column of each row.
+/// @param right      receives the last column of each row; it points into the block of `left`.
+/// @return for each cell the index of its distance, 65535 outside of the disc; null for a negative radius, one above
+///         11584, and without memory, with nothing stored. All of it is the caller's until `matFreeCircularShape2w`.
+///         Every output may be null, but what is not asked for here cannot be released.
+VELQUAD_API unsigned short** matAllocCircularShape2w(int radius, double** distances, unsigned int* maxIndex,
+                                                     int** left, int** right);
+
+/// Releases the tables of a disc; null pointers are ignored, and `right` is not used.
+/// @return 1.
+VELQUAD_API int matFreeCircularShape2w(unsigned short** shape, double* distances, int* left, int* right);
+
+/// Finds where the mean of an image under a disc is largest. At the border the mean is that of the cells within the
+/// image. Among equal means the one with the largest y wins, within a row the one with the largest x.
+/// @param peak   optional: receives the place; (-1, -1) for an empty image.
+/// @param value  optional: receives the mean there; below 1e-7 it is 0, for an empty image -3.4028234663852886e38.
+/// @return 1, or 0 when the tables of the disc cannot be made; nothing is stored then.
+/// @par Cost  O(width * height * radius).
+VELQUAD_API int matFindGlobalPeak2w(unsigned short** image, int width, int height, int radius, tagPOINT* peak,
+                                    double* value);
+/// @}
 
 /// Sets all elements of an array that was made by `matAllocArray2v` to zero.
 /// @return 0 for null, else 1.
