@@ -86,6 +86,13 @@ void measureChannel(const Measured& measured, unsigned int channel, CMatMomentEv
 
 }  // namespace
 
+void addChannel(const void* rows, unsigned int type, unsigned int width, unsigned int height, unsigned int channels,
+                unsigned int channel, CMatMomentEvaluator& evaluator) {
+    dispatchScalar(type, [&]<class ElementType>(ElementType /*element*/) {
+        measureChannel<typename ElementType::Value>({rows, nullptr, width, height, channels}, channel, evaluator);
+    });
+}
+
 bool rangeOfFloats(const void* rows, unsigned int width, unsigned int height, double& min, double& max) {
     CMatMomentEvaluator evaluator;
     measureChannel<float>({rows, nullptr, width, height, 1}, 0, evaluator);
