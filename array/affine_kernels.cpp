@@ -26,12 +26,11 @@ void scale(double first, double ratio, double* position, std::size_t count) {
 }
 
 void place(const AffineRow& row, double first, AffineVoxels& voxels, std::size_t count) {
-    for (int axis = 0; axis < 3; ++axis) {
-        double* const position = voxels.position[axis];
-        for (std::size_t i = 0; i < count; ++i) {
-            const double x = first + static_cast<double>(static_cast<std::int32_t>(i)) + 0.5;
-            position[i] = component(row, x, axis) - 0.5;
-        }
+    const AffineRow terms = row;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double x = first + static_cast<double>(static_cast<std::int32_t>(i)) + 0.5;
+        for (int axis = 0; axis < 3; ++axis)
+            voxels.position[axis][i] = component(terms, x, axis) - 0.5;
     }
 }
 
@@ -97,17 +96,17 @@ void pickNearest(const AffineSource& source, AffineVoxels& voxels, std::size_t c
     }
 }
 
-/// The eight samples around each voxel of a run. What does not exist is 0, which adds nothing to a sum that began
-/// with 0.0.
+/// The samples around each voxel of a run: for each of the four rows of its cell the lower and the upper neighbour along
+/// x, side by side. What does not exist is 0, which adds nothing to a sum that began with 0.0.
 template <class Value>
 struct Samples {
-    Value at[8][kAffineRun];
+    Value at[4][2 * kAffineRun];
 };
 
-template <class Value>
+template <class Value, bool kIsSingleChannel>
 VELQUAD_ALWAYS_INLINE void fetchWithin(const AffineSource& source, const AffineVoxels& voxels, std::size_t i,
                                        std::size_t channel, Samples<Value>& samples, std::size_t to) {
-    const auto x = static_cast<std::size_t>(voxels.cell[0][i]) * source.channels + channel;
+    const auto x = static_cast<std::size_t>(voxels.cell[0][i]);
     const auto y = static_cast<std::size_t>(voxels.cell[1][i]);
     const auto z = static_cast<std::size_t>(voxels.cell[2][i]);
     const unsigned char* const slice0 = sliceAt(source.volume, z);
@@ -115,8 +114,13 @@ VELQUAD_ALWAYS_INLINE void fetchWithin(const AffineSource& source, const AffineV
     const unsigned char* const rows[] = {rowAt(slice0, y), rowAt(slice0, y + 1), rowAt(slice1, y),
                                          rowAt(slice1, y + 1)};
     for (std::size_t row = 0; row < 4; ++row) {
-        samples.at[2 * row][to] = loadElement<Value>(rows[row], x);
-        samples.at[2 * row + 1][to] = loadElement<Value>(rows[row], x + source.channels);
+        Value* const pair = samples.at[row] + 2 * to;
+        if constexpr (kIsSingleChannel) {
+            std::memcpy(pair, rows[row] + x * sizeof(Value), 2 * sizeof(Value));
+        } else {
+            pair[0] = loadElement<Value>(rows[row], x * source.channels + channel);
+            pair[1] = loadElement<Value>(rows[row], (x + 1) * source.channels + channel);
+        }
     }
 }
 
@@ -124,12 +128,24 @@ template <class Value>
 void fetchAtEdge(const AffineSource& source, const AffineVoxels& voxels, std::size_t i, std::size_t channel,
                  Samples<Value>& samples, std::size_t to) {
     for (std::uint32_t corner = 0; corner < 8; ++corner) {
-        const std::uint32_t x = static_cast<std::uint32_t>(voxels.cell[0][i]) + (corner & 1);
-        const std::uint32_t y = static_cast<std::uint32_t>(voxels.cell[1][i]) + (corner >> 1 & 1);
-        const std::uint32_t z = static_cast<std::uint32_t>(voxels.cell[2][i]) + (corner >> 2);
+        const std::uint32_t x = static_cast<std::uint32_t>(voxels.cell[0][i]) + (corner & 1U);
+        const std::uint32_t y = static_cast<std::uint32_t>(voxels.cell[1][i]) + ((corner >> 1U) & 1U);
+        const std::uint32_t z = static_cast<std::uint32_t>(voxels.cell[2][i]) + (corner >> 2U);
         const bool exists = x < source.size[0] && y < source.size[1] && z < source.size[2];
-        samples.at[corner][to] =
+        samples.at[corner >> 1U][2 * to + (corner & 1U)] =
             exists ? loadElement<Value>(rowAt(source.volume, z, y), x * source.channels + channel) : Value(0);
+    }
+}
+
+template <class Value, bool kIsSingleChannel>
+VELQUAD_ALWAYS_INLINE void fetch(const AffineSource& source, const AffineVoxels& voxels, std::size_t begin,
+                                 std::size_t end, std::size_t channel, Samples<Value>& samples) {
+    for (std::size_t i = begin; i < end; ++i) {
+        if (voxels.feed[i] == kWithin) {
+            fetchWithin<Value, kIsSingleChannel>(source, voxels, i, channel, samples, i - begin);
+        } else {
+            fetchAtEdge<Value>(source, voxels, i, channel, samples, i - begin);
+        }
     }
 }
 
@@ -138,12 +154,10 @@ void interpolate(const AffineSource& source, const AffineVoxels& voxels, std::si
                  std::size_t channel, void* to) {
     using Value = typename ElementType::Value;
     Samples<Value> samples;
-    for (std::size_t i = begin; i < end; ++i) {
-        if (voxels.feed[i] == kWithin) {
-            fetchWithin<Value>(source, voxels, i, channel, samples, i - begin);
-        } else {
-            fetchAtEdge<Value>(source, voxels, i, channel, samples, i - begin);
-        }
+    if (source.channels == 1) {
+        fetch<Value, true>(source, voxels, begin, end, channel, samples);
+    } else {
+        fetch<Value, false>(source, voxels, begin, end, channel, samples);
     }
     const auto& p = samples.at;
     const double* const upperX = voxels.upper[0] + begin;
@@ -157,14 +171,14 @@ void interpolate(const AffineSource& source, const AffineVoxels& voxels, std::si
         const double uy = 1.0 - ty;
         const double uz = 1.0 - tz;
         double sum = 0.0;
-        sum += static_cast<double>(p[0][i]) * uz * uy * ux;
-        sum += static_cast<double>(p[1][i]) * uz * uy * tx;
-        sum += static_cast<double>(p[2][i]) * uz * ty * ux;
-        sum += static_cast<double>(p[3][i]) * uz * ty * tx;
-        sum += static_cast<double>(p[4][i]) * tz * uy * ux;
-        sum += static_cast<double>(p[5][i]) * tz * uy * tx;
-        sum += static_cast<double>(p[6][i]) * tz * ty * ux;
-        sum += static_cast<double>(p[7][i]) * tz * ty * tx;
+        sum += static_cast<double>(p[0][2 * i]) * uz * uy * ux;
+        sum += static_cast<double>(p[0][2 * i + 1]) * uz * uy * tx;
+        sum += static_cast<double>(p[1][2 * i]) * uz * ty * ux;
+        sum += static_cast<double>(p[1][2 * i + 1]) * uz * ty * tx;
+        sum += static_cast<double>(p[2][2 * i]) * tz * uy * ux;
+        sum += static_cast<double>(p[2][2 * i + 1]) * tz * uy * tx;
+        sum += static_cast<double>(p[3][2 * i]) * tz * ty * ux;
+        sum += static_cast<double>(p[3][2 * i + 1]) * tz * ty * tx;
         storeElement(to, i, roundedTo<ElementType, Int32Rounder::kNarrow>(sum));
     }
 }

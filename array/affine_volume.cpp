@@ -22,12 +22,18 @@ namespace {
 constexpr DWORD kScaleMode = 0x80000000U;
 constexpr DWORD kNearest = 1;
 
+/// Rows of a band of the destination; see `resample`.
+constexpr std::uint32_t kBandRows = 32;
+
 /// Finds the source positions of destination voxels, row by row in the order of the volume.
 class PositionFinder {
   public:
     virtual ~PositionFinder() = default;
     virtual void startRow(std::uint32_t y, std::uint32_t z) = 0;
     virtual void find(std::uint32_t firstX, std::size_t count, AffineVoxels& voxels) = 0;
+
+    /// Tells whether rows may come in any order.
+    virtual bool isOrderFree() const = 0;
 };
 
 /// Divides by the ratio of the sizes, without a shift by half a voxel.
@@ -48,6 +54,8 @@ class ScaleFinder final : public PositionFinder {
         std::fill_n(voxels.position[1], count, y_);
         std::fill_n(voxels.position[2], count, z_);
     }
+
+    bool isOrderFree() const override { return true; }
 
   private:
     double ratio_[3];
@@ -86,6 +94,8 @@ class MatrixFinder final : public PositionFinder {
             findOneByOne(firstX, count, voxels);
         }
     }
+
+    bool isOrderFree() const override { return isAffine_; }
 
   private:
     /// Kept: a voxel whose weight vanishes takes the position of the voxel before it, over the ends of rows and
@@ -140,50 +150,44 @@ class RowFiller {
         }
     }
 
+    std::size_t pixelBytes() const { return pixelBytes_; }
+
   private:
-    void fillBackground(unsigned char* pixel, std::size_t count) const {
-        if (pixelBytes_ == 1) {
-            std::memset(pixel, background_[0], count);
-            return;
-        }
-        for (; count > 0; --count, pixel += pixelBytes_)
-            std::memcpy(pixel, background_, pixelBytes_);
-    }
-
-    template <class CopyPixel>
-    void copyNearestBy(unsigned char* pixel, const AffineVoxels& voxels, std::size_t begin, std::size_t end,
-                       std::size_t pixelBytes, const CopyPixel& copyPixel) const {
-        for (std::size_t i = begin; i < end; ++i, pixel += pixelBytes) {
-            const unsigned char* row = rowAt(source_.volume, static_cast<std::size_t>(voxels.cell[2][i]),
-                                             static_cast<std::size_t>(voxels.cell[1][i]));
-            copyPixel(pixel, row + static_cast<std::size_t>(voxels.cell[0][i]) * pixelBytes);
-        }
-    }
-
-    /// Copies of a size that the compiler knows are single moves.
-    void copyNearest(unsigned char* pixel, const AffineVoxels& voxels, std::size_t begin, std::size_t end) const {
-        const auto copy = [&](auto size) {
-            constexpr std::size_t kSize = decltype(size)::value;
-            copyNearestBy(pixel, voxels, begin, end, kSize,
-                          [](unsigned char* to, const unsigned char* from) { std::memcpy(to, from, kSize); });
-        };
+    /// Calls `work` with the bytes of a pixel. Copies of a size that the compiler knows are single moves.
+    template <class Work>
+    void withPixelBytes(const Work& work) const {
         switch (pixelBytes_) {
             case 1:
-                return copy(std::integral_constant<std::size_t, 1>());
+                return work(std::integral_constant<std::size_t, 1>());
             case 2:
-                return copy(std::integral_constant<std::size_t, 2>());
+                return work(std::integral_constant<std::size_t, 2>());
             case 3:
-                return copy(std::integral_constant<std::size_t, 3>());
+                return work(std::integral_constant<std::size_t, 3>());
             case 4:
-                return copy(std::integral_constant<std::size_t, 4>());
+                return work(std::integral_constant<std::size_t, 4>());
             case 8:
-                return copy(std::integral_constant<std::size_t, 8>());
+                return work(std::integral_constant<std::size_t, 8>());
             default:
-                copyNearestBy(pixel, voxels, begin, end, pixelBytes_,
-                              [this](unsigned char* to, const unsigned char* from) {
-                                  std::memcpy(to, from, pixelBytes_);
-                              });
+                return work(pixelBytes_);
         }
+    }
+
+    void fillBackground(unsigned char* pixel, std::size_t count) const {
+        withPixelBytes([&](auto pixelBytes) {
+            for (std::size_t i = 0; i < count; ++i)
+                std::memcpy(pixel + i * pixelBytes, background_, pixelBytes);
+        });
+    }
+
+    void copyNearest(unsigned char* pixel, const AffineVoxels& voxels, std::size_t begin, std::size_t end) const {
+        withPixelBytes([&](auto pixelBytes) {
+            for (std::size_t i = begin; i < end; ++i) {
+                const unsigned char* row = rowAt(source_.volume, static_cast<std::size_t>(voxels.cell[2][i]),
+                                                 static_cast<std::size_t>(voxels.cell[1][i]));
+                std::memcpy(pixel + (i - begin) * pixelBytes,
+                            row + static_cast<std::size_t>(voxels.cell[0][i]) * pixelBytes, pixelBytes);
+            }
+        });
     }
 
     void interpolateChannels(unsigned char* pixel, const AffineVoxels& voxels, std::size_t begin,
@@ -209,19 +213,28 @@ class RowFiller {
     AffineKernels::Interpolate interpolate_;
 };
 
-void resample(PositionFinder& finder, const RowFiller& filler, void* destination, const std::uint32_t (&size)[3],
-              std::size_t pixelBytes) {
+void resampleRow(PositionFinder& finder, const RowFiller& filler, unsigned char* row, std::uint32_t width,
+                 AffineVoxels& voxels) {
+    for (std::uint32_t x = 0; x < width;) {
+        const std::size_t count = std::min<std::size_t>(kAffineRun, width - x);
+        finder.find(x, count, voxels);
+        filler.fill(row + x * filler.pixelBytes(), voxels, count);
+        x += static_cast<std::uint32_t>(count);
+    }
+}
+
+/// Goes through the destination in bands of rows, all slices of a band before the next band: what two neighbouring
+/// slices of a narrow band need of the source stays in the cache.
+void resample(PositionFinder& finder, const RowFiller& filler, void* destination, const std::uint32_t (&size)[3]) {
     if (size[0] == 0) return;
     AffineVoxels voxels;
-    for (std::uint32_t z = 0; z < size[2]; ++z) {
-        for (std::uint32_t y = 0; y < size[1]; ++y) {
-            unsigned char* const row = rowAt(destination, z, y);
-            finder.startRow(y, z);
-            for (std::uint32_t x = 0; x < size[0];) {
-                const std::size_t count = std::min<std::size_t>(kAffineRun, size[0] - x);
-                finder.find(x, count, voxels);
-                filler.fill(row + x * pixelBytes, voxels, count);
-                x += static_cast<std::uint32_t>(count);
+    const std::uint32_t band = finder.isOrderFree() ? kBandRows : size[1];
+    for (std::uint32_t begin = 0; begin < size[1]; begin += std::min(band, size[1] - begin)) {
+        const std::uint32_t end = begin + std::min(band, size[1] - begin);
+        for (std::uint32_t z = 0; z < size[2]; ++z) {
+            for (std::uint32_t y = begin; y < end; ++y) {
+                finder.startRow(y, z);
+                resampleRow(finder, filler, rowAt(destination, z, y), size[0], voxels);
             }
         }
     }
@@ -274,13 +287,12 @@ int _matAffinTransformArray3v(unsigned int srcWidth, unsigned int srcHeight, uns
     const AffineSource from = {source, channels, elementSize(type), {srcWidth, srcHeight, srcDepth}};
     const std::uint32_t size[3] = {dstWidth, dstHeight, dstDepth};
     const RowFiller filler(from, type, (flags & kNearest) != 0, table.as<unsigned char>());
-    const std::size_t pixelBytes = from.channels * from.elementBytes;
     if (isScaled) {
         ScaleFinder finder(from.size, size);
-        resample(finder, filler, destination, size, pixelBytes);
+        resample(finder, filler, destination, size);
     } else {
         MatrixFinder finder(matrix);
-        resample(finder, filler, destination, size, pixelBytes);
+        resample(finder, filler, destination, size);
     }
     return 1;
 }
