@@ -46,7 +46,7 @@ bool placeByWeight(const AffineRow& row, double first, AffineVoxels& voxels, std
     return vanishing == 0;
 }
 
-void locate(const AffineSource& source, AffineVoxels& voxels, std::size_t count) {
+std::size_t locate(const AffineSource& source, AffineVoxels& voxels, std::size_t count) {
     for (int axis = 0; axis < 3; ++axis) {
         // Cells are numbered with 31 bits. Without voxels nothing is inside.
         const double size = source.size[axis];
@@ -69,6 +69,7 @@ void locate(const AffineSource& source, AffineVoxels& voxels, std::size_t count)
     const std::uint32_t lastX = source.size[0] - 1;
     const std::uint32_t lastY = source.size[1] - 1;
     const std::uint32_t lastZ = source.size[2] - 1;
+    std::int32_t insideCount = 0;
     for (std::size_t i = 0; i < count; ++i) {
         const std::int32_t x = voxels.cell[0][i];
         const std::int32_t y = voxels.cell[1][i];
@@ -77,7 +78,9 @@ void locate(const AffineSource& source, AffineVoxels& voxels, std::size_t count)
         const bool isWithin = (static_cast<std::uint32_t>(x) < lastX) & (static_cast<std::uint32_t>(y) < lastY) &
                               (static_cast<std::uint32_t>(z) < lastZ);
         voxels.feed[i] = isOutside ? kOutside : isWithin ? kWithin : kAtEdge;
+        insideCount += isOutside ? 0 : 1;
     }
+    return static_cast<std::size_t>(insideCount);
 }
 
 void pickNearest(const AffineSource& source, AffineVoxels& voxels, std::size_t count) {

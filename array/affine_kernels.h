@@ -52,8 +52,8 @@ struct AffineKernels {
     /// With division by the weight. @return false when the weight of a voxel vanishes.
     bool (*placeByWeight)(const AffineRow& row, double first, AffineVoxels& voxels, std::size_t count);
 
-    /// Cells, weights and feeds from positions.
-    void (*locate)(const AffineSource& source, AffineVoxels& voxels, std::size_t count);
+    /// Cells, weights and feeds from positions. @return how many voxels are inside.
+    std::size_t (*locate)(const AffineSource& source, AffineVoxels& voxels, std::size_t count);
 
     /// Nearest voxels from positions; called after `locate` and in place of its cells, for what is inside.
     void (*pickNearest)(const AffineSource& source, AffineVoxels& voxels, std::size_t count);

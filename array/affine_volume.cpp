@@ -22,18 +22,12 @@ namespace {
 constexpr DWORD kScaleMode = 0x80000000U;
 constexpr DWORD kNearest = 1;
 
-/// Rows of a band of the destination; see `resample`.
-constexpr std::uint32_t kBandRows = 32;
-
 /// Finds the source positions of destination voxels, row by row in the order of the volume.
 class PositionFinder {
   public:
     virtual ~PositionFinder() = default;
     virtual void startRow(std::uint32_t y, std::uint32_t z) = 0;
     virtual void find(std::uint32_t firstX, std::size_t count, AffineVoxels& voxels) = 0;
-
-    /// Tells whether rows may come in any order.
-    virtual bool isOrderFree() const = 0;
 };
 
 /// Divides by the ratio of the sizes, without a shift by half a voxel.
@@ -54,8 +48,6 @@ class ScaleFinder final : public PositionFinder {
         std::fill_n(voxels.position[1], count, y_);
         std::fill_n(voxels.position[2], count, z_);
     }
-
-    bool isOrderFree() const override { return true; }
 
   private:
     double ratio_[3];
@@ -95,8 +87,6 @@ class MatrixFinder final : public PositionFinder {
         }
     }
 
-    bool isOrderFree() const override { return isAffine_; }
-
   private:
     /// Kept: a voxel whose weight vanishes takes the position of the voxel before it, over the ends of rows and
     /// slices. Before the first one stands -0.5 on all axes.
@@ -133,12 +123,14 @@ class RowFiller {
 
     /// Fills `count` voxels from `pixel` on, whose positions are given.
     void fill(unsigned char* pixel, AffineVoxels& voxels, std::size_t count) const {
-        affineKernels().locate(source_, voxels, count);
+        const std::size_t insideCount = affineKernels().locate(source_, voxels, count);
         if (isNearest_) affineKernels().pickNearest(source_, voxels, count);
         for (std::size_t begin = 0, end = 0; begin < count; begin = end) {
             const bool isInside = voxels.feed[begin] != kOutside;
-            for (end = begin + 1; end < count && (voxels.feed[end] != kOutside) == isInside; ++end) {
-            }
+            end = begin + 1;
+            if (insideCount == 0 || insideCount == count) end = count;
+            while (end < count && (voxels.feed[end] != kOutside) == isInside)
+                ++end;
             unsigned char* const first = pixel + begin * pixelBytes_;
             if (!isInside) {
                 fillBackground(first, end - begin);
@@ -213,28 +205,19 @@ class RowFiller {
     AffineKernels::Interpolate interpolate_;
 };
 
-void resampleRow(PositionFinder& finder, const RowFiller& filler, unsigned char* row, std::uint32_t width,
-                 AffineVoxels& voxels) {
-    for (std::uint32_t x = 0; x < width;) {
-        const std::size_t count = std::min<std::size_t>(kAffineRun, width - x);
-        finder.find(x, count, voxels);
-        filler.fill(row + x * filler.pixelBytes(), voxels, count);
-        x += static_cast<std::uint32_t>(count);
-    }
-}
-
-/// Goes through the destination in bands of rows, all slices of a band before the next band: what two neighbouring
-/// slices of a narrow band need of the source stays in the cache.
 void resample(PositionFinder& finder, const RowFiller& filler, void* destination, const std::uint32_t (&size)[3]) {
     if (size[0] == 0) return;
     AffineVoxels voxels;
-    const std::uint32_t band = finder.isOrderFree() ? kBandRows : size[1];
-    for (std::uint32_t begin = 0; begin < size[1]; begin += std::min(band, size[1] - begin)) {
-        const std::uint32_t end = begin + std::min(band, size[1] - begin);
-        for (std::uint32_t z = 0; z < size[2]; ++z) {
-            for (std::uint32_t y = begin; y < end; ++y) {
-                finder.startRow(y, z);
-                resampleRow(finder, filler, rowAt(destination, z, y), size[0], voxels);
+    for (std::uint32_t z = 0; z < size[2]; ++z) {
+        for (std::uint32_t y = 0; y < size[1]; ++y) {
+            unsigned char* row = rowAt(destination, z, y);
+            finder.startRow(y, z);
+            for (std::uint32_t x = 0; x < size[0];) {
+                const std::size_t count = std::min<std::size_t>(kAffineRun, size[0] - x);
+                finder.find(x, count, voxels);
+                filler.fill(row, voxels, count);
+                row += count * filler.pixelBytes();
+                x += static_cast<std::uint32_t>(count);
             }
         }
     }
