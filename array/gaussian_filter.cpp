@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 
+#include "array/element.h"
 #include "array/gaussian_rows.h"
 #include "array/volume.h"
 #include "frame/convert.h"
@@ -22,6 +23,10 @@ constexpr std::int32_t kNoRadius = std::numeric_limits<std::int32_t>::min();
 
 /// The largest radius whose 2 * (2 * radius + 1) numbers can be counted in 32 bits.
 constexpr std::int32_t kLargestRadius = 0x1FFFFFFE;
+
+bool hasKernel(std::int32_t radius) {
+    return radius == kNoRadius || (radius >= 0 && radius <= kLargestRadius);
+}
 
 }  // namespace
 
@@ -80,6 +85,11 @@ int CGaussianBlurFilter3D::Run() {
     int result = kFilterFailed;
     if (runByRows(*this, result)) return result;
     m_isKernelLacking = false;
+    // Not even a part of the volume is filtered when an axis cannot be.
+    for (int axis = 0; axis < kAxes && elementSize(m_type) != 0 && m_type <= MAT_ARRAY_DOUBLE; ++axis) {
+        if (axis == kAxisZ && m_depth < 2) continue;
+        if (!hasKernel(gaussianRadius(m_sigma[axis], m_radiusFactor[axis]))) return kFilterFailed;
+    }
     result = CImageSignalFilter3D::Run();
     return m_isKernelLacking ? kFilterFailed : result;
 }
@@ -101,7 +111,7 @@ bool CGaussianBlurFilter3D::buildKernel(std::int32_t radius, double sigma) {
     m_kernel.weights = m_kernel.window = nullptr;
     m_kernel.radius = radius;
     m_kernel.sigma = sigma;
-    if (radius != kNoRadius && (radius < 0 || radius > kLargestRadius)) return false;
+    if (!hasKernel(radius)) return false;
     // 1 for no radius.
     const auto count = static_cast<std::size_t>(frame::wrapAdd(frame::wrapAdd(radius, radius), 1));
     m_kernel.weights = static_cast<double*>(std::calloc(2 * count, sizeof(double)));

@@ -183,6 +183,8 @@ class RowFilter {
         if (filter_.m_type < 1 || filter_.m_type > kScalarTypes) return false;
         if (rowCount_ == 0 || filter_.m_height == 0 || filter_.m_depth == 0) return false;
         for (int axis = 0; axis < kAxes; ++axis) {
+            // No line runs along Z in a single slice.
+            if (axis == kAxisZ && filter_.m_depth < 2) continue;
             if (!windows_[axis].plan(filter_.m_sigma[axis], filter_.m_radiusFactor[axis], filter_.sizeAlong(axis)))
                 return false;
         }
