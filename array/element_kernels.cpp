@@ -8,11 +8,18 @@ namespace velquad::array::VELQUAD_KERNEL_LEVEL {
 
 namespace {
 
+/// The largest double below 0.5.
+constexpr double kBelowHalf = 0.49999999999999994;
+
 /// `lround` where the result is known to fit 32 bits: adding the largest double below 0.5 and truncating gives the
 /// same number, as a sum that reaches the next integer only by rounding is one that started at its half.
 VELQUAD_ALWAYS_INLINE int lroundNarrow(double value) {
-    constexpr double kBelowHalf = 0.49999999999999994;
-    return static_cast<int>(value + (0.0 > value ? -kBelowHalf : kBelowHalf));
+    return static_cast<int>(value + __builtin_copysign(kBelowHalf, value));
+}
+
+/// The same for a result that is limited to 0 and more: what is below 0 stays at most 0.
+VELQUAD_ALWAYS_INLINE int lroundNarrowUnsigned(double value) {
+    return static_cast<int>(value + kBelowHalf);
 }
 
 /// The number, or 0 for a not-a-number, which is what `lround` makes of it.
@@ -66,7 +73,8 @@ void fromFloatUnsigned(const void* source, void* destination, std::size_t count,
                        const Normalisation& normalisation) {
     const Normalisation n = normalisation;
     for (std::size_t i = 0; i < count; ++i)
-        storeElement(destination, i, static_cast<Value>(lroundNarrow(atLeastZero(normalised(source, i, n)))));
+        storeElement(destination, i,
+                     static_cast<Value>(lroundNarrowUnsigned(atLeastZero(normalised(source, i, n)))));
 }
 
 template <class Value>
@@ -128,7 +136,8 @@ void fromFloatPixel(const void* source, void* destination, std::size_t count,
                     const Normalisation& normalisation) {
     const Normalisation n = normalisation;
     for (std::size_t i = 0; i < count; ++i) {
-        const auto value = static_cast<std::uint8_t>(lroundNarrow(atLeastZero(normalised(source, i, n))));
+        const auto value =
+            static_cast<std::uint8_t>(lroundNarrowUnsigned(atLeastZero(normalised(source, i, n))));
         for (std::size_t byte = 0; byte < 3; ++byte)
             storeElement(destination, kBytes * i + byte, value);
         if constexpr (kBytes == 4) storeElement(destination, 4 * i + 3, std::uint8_t{1});
@@ -199,7 +208,9 @@ VELQUAD_ALWAYS_INLINE Value mappedTo(Value value, const LinearMap& map) {
     constexpr int kLowest = Value(-1) < Value(0) ? -(1 << (8 * sizeof(Value) - 1)) : 0;
     constexpr int kHighest = kLowest + (1 << (8 * sizeof(Value))) - 1;
     const double t = mapped(value, map);
-    const int rounded = kIsNarrow ? lroundNarrow(t) : frame::lroundToInt32(t);
+    const int rounded = !kIsNarrow     ? frame::lroundToInt32(t)
+                        : kLowest == 0 ? lroundNarrowUnsigned(t)
+                                       : lroundNarrow(t);
     return static_cast<Value>(limited(rounded, kLowest, kHighest));
 }
 
