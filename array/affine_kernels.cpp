@@ -1,5 +1,5 @@
-// Positions, cells and interpolation of the affine transform. Voxels are independent of each other, so the compiler
-// takes several side by side; only the samples are fetched one by one.
+// Positions, cells and interpolation of the affine transform. Voxels are independent of each other, so the
+// compiler takes several side by side; only the samples are fetched one by one.
 #include "array/affine_kernels.h"
 
 #include "array/element.h"
@@ -75,7 +75,8 @@ std::size_t locate(const AffineSource& source, AffineVoxels& voxels, std::size_t
         const std::int32_t y = voxels.cell[1][i];
         const std::int32_t z = voxels.cell[2][i];
         const bool isOutside = (x | y | z) < 0;
-        const bool isWithin = (static_cast<std::uint32_t>(x) < lastX) & (static_cast<std::uint32_t>(y) < lastY) &
+        const bool isWithin = (static_cast<std::uint32_t>(x) < lastX) &
+                              (static_cast<std::uint32_t>(y) < lastY) &
                               (static_cast<std::uint32_t>(z) < lastZ);
         voxels.feed[i] = isOutside ? kOutside : isWithin ? kWithin : kAtEdge;
         insideCount += isOutside ? 0 : 1;
@@ -99,8 +100,9 @@ void pickNearest(const AffineSource& source, AffineVoxels& voxels, std::size_t c
     }
 }
 
-/// The samples around each voxel of a run: for each of the four rows of its cell the lower and the upper neighbour along
-/// x, side by side. What does not exist is 0, which adds nothing to a sum that began with 0.0.
+/// The samples around each voxel of a run: for each of the four rows of its cell the lower and the upper
+/// neighbour along x, side by side. What does not exist is 0, which adds nothing to a sum that began with
+/// 0.0.
 template <class Value>
 struct Samples {
     Value at[4][2 * kAffineRun];
@@ -195,8 +197,8 @@ const AffineKernels kAffineKernels = {
     placeByWeight,
     locate,
     pickNearest,
-    {interpolate<Int8Element>, interpolate<UInt8Element>, interpolate<Int16Element>, interpolate<UInt16Element>,
-     interpolate<Int32Element>, interpolate<UInt32Element>, interpolate<FloatElement>,
-     interpolate<DoubleElement>}};
+    {interpolate<Int8Element>, interpolate<UInt8Element>, interpolate<Int16Element>,
+     interpolate<UInt16Element>, interpolate<Int32Element>, interpolate<UInt32Element>,
+     interpolate<FloatElement>, interpolate<DoubleElement>}};
 
 }  // namespace velquad::array::VELQUAD_KERNEL_LEVEL

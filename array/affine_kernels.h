@@ -37,8 +37,8 @@ enum AffineFeed : std::int32_t {
 /// Positions of a run in the source, and what follows from them.
 struct AffineVoxels {
     double position[3][kAffineRun];
-    double upper[3][kAffineRun];        ///< Weight of the upper neighbour; that of the lower one is 1 less it.
-    std::int32_t cell[3][kAffineRun];   ///< Cell, or with nearest sampling the voxel; -1 outside.
+    double upper[3][kAffineRun];       ///< Weight of the upper neighbour; that of the lower one is 1 less it.
+    std::int32_t cell[3][kAffineRun];  ///< Cell, or with nearest sampling the voxel; -1 outside.
     std::int32_t feed[kAffineRun];
 };
 

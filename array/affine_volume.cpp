@@ -1,5 +1,5 @@
-// Resampling of volumes under an affine map. Every destination voxel asks where it comes from in the source, a run of
-// voxels of one row at a time: positions, cells and weights first, then the samples.
+// Resampling of volumes under an affine map. Every destination voxel asks where it comes from in the source,
+// a run of voxels of one row at a time: positions, cells and weights first, then the samples.
 #include <algorithm>
 #include <cstring>
 #include <type_traits>
@@ -60,7 +60,8 @@ class MatrixFinder final : public PositionFinder {
   public:
     explicit MatrixFinder(const double (*matrix)[4]) {
         transform::invert(inverse_, matrix, false);
-        isAffine_ = inverse_[3][0] == 0.0 && inverse_[3][1] == 0.0 && inverse_[3][2] == 0.0 && inverse_[3][3] == 1.0;
+        isAffine_ =
+            inverse_[3][0] == 0.0 && inverse_[3][1] == 0.0 && inverse_[3][2] == 0.0 && inverse_[3][3] == 1.0;
         for (int i = 0; i < 4; ++i) {
             row_.x[i] = inverse_[i][0];
             row_.w[i] = 1.0 * inverse_[i][3];
@@ -88,8 +89,8 @@ class MatrixFinder final : public PositionFinder {
     }
 
   private:
-    /// Kept: a voxel whose weight vanishes takes the position of the voxel before it, over the ends of rows and
-    /// slices. Before the first one stands -0.5 on all axes.
+    /// Kept: a voxel whose weight vanishes takes the position of the voxel before it, over the ends of rows
+    /// and slices. Before the first one stands -0.5 on all axes.
     void findOneByOne(std::uint32_t firstX, std::size_t count, AffineVoxels& voxels) {
         for (std::size_t i = 0; i < count; ++i) {
             transformVoxel(static_cast<double>(firstX) + static_cast<double>(i));
@@ -171,7 +172,8 @@ class RowFiller {
         });
     }
 
-    void copyNearest(unsigned char* pixel, const AffineVoxels& voxels, std::size_t begin, std::size_t end) const {
+    void copyNearest(unsigned char* pixel, const AffineVoxels& voxels, std::size_t begin,
+                     std::size_t end) const {
         withPixelBytes([&](auto pixelBytes) {
             for (std::size_t i = begin; i < end; ++i) {
                 const unsigned char* row = rowAt(source_.volume, static_cast<std::size_t>(voxels.cell[2][i]),
@@ -205,7 +207,8 @@ class RowFiller {
     AffineKernels::Interpolate interpolate_;
 };
 
-void resample(PositionFinder& finder, const RowFiller& filler, void* destination, const std::uint32_t (&size)[3]) {
+void resample(PositionFinder& finder, const RowFiller& filler, void* destination,
+              const std::uint32_t (&size)[3]) {
     if (size[0] == 0) return;
     AffineVoxels voxels;
     for (std::uint32_t z = 0; z < size[2]; ++z) {
@@ -244,13 +247,13 @@ extern "C" int matAffinTransformArray3v(unsigned int srcWidth, unsigned int srcH
                                         const double (*matrix)[4], DWORD flags) {
     // The matrix is only read.
     return _matAffinTransformArray3v(srcWidth, srcHeight, srcDepth, 1, source, dstWidth, dstHeight, dstDepth,
-                                     destination, type, const_cast<double (*)[4]>(matrix), flags, nullptr);
+                                     destination, type, const_cast<double(*)[4]>(matrix), flags, nullptr);
 }
 
 int _matAffinTransformArray3v(unsigned int srcWidth, unsigned int srcHeight, unsigned int srcDepth,
                               unsigned int channels, void*** source, unsigned int dstWidth,
                               unsigned int dstHeight, unsigned int dstDepth, void*** destination,
-                              unsigned int type, double (* const matrix)[4], DWORD flags, double* background) {
+                              unsigned int type, double (*const matrix)[4], DWORD flags, double* background) {
     using namespace velquad::array;
     if (type == MAT_ARRAY_BYTE3 || type == MAT_ARRAY_BYTE4) {
         channels = type == MAT_ARRAY_BYTE3 ? 3 : 4;

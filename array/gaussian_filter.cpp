@@ -1,5 +1,5 @@
-// Separable Gaussian blur of volumes, one line at a time. The kernel is cut off at a radius and normalised again for
-// each sample over what of it lies in the volume, so no value outside is ever assumed.
+// Separable Gaussian blur of volumes, one line at a time. The kernel is cut off at a radius and normalised
+// again for each sample over what of it lies in the volume, so no value outside is ever assumed.
 #include "array/gaussian_filter.h"
 
 #include <cstdlib>
@@ -50,7 +50,8 @@ int CGaussianBlurFilter3D::FilterLine(int axis, unsigned int x, unsigned int y, 
     const double sigma = m_sigma[axis];
     const auto length = static_cast<std::int32_t>(sizeAlong(axis));
     const std::int32_t radius = gaussianRadius(sigma, m_radiusFactor[axis]);
-    const bool isFirstLine = (axis == kAxisX || x == 0) && (axis == kAxisY || y == 0) && (axis == kAxisZ || z == 0);
+    const bool isFirstLine =
+        (axis == kAxisX || x == 0) && (axis == kAxisY || y == 0) && (axis == kAxisZ || z == 0);
     if (isFirstLine) dropKernel();
     if (!isBuilt(radius, sigma) && !buildKernel(radius, sigma)) {
         m_isKernelLacking = true;
@@ -152,8 +153,9 @@ DWORD filterCopy(CGaussianBlurFilter3D& filter, void*** volume, const unsigned i
         matConvertToDouble3v(doubles, volume, width, height, depth, type, channels);
     }
     if (filter.Process(copy.get(), size, copyType, channels, steps) == kFilterFailed) return kFilterFailed;
-    const int isStored = isFloat ? matConvertFromFloat3v(floats, volume, width, height, depth, type, channels)
-                                 : matConvertFromDouble3v(doubles, volume, width, height, depth, type, channels);
+    const int isStored = isFloat
+                             ? matConvertFromFloat3v(floats, volume, width, height, depth, type, channels)
+                             : matConvertFromDouble3v(doubles, volume, width, height, depth, type, channels);
     return static_cast<DWORD>(isStored);
 }
 
@@ -161,12 +163,13 @@ DWORD filterCopy(CGaussianBlurFilter3D& filter, void*** volume, const unsigned i
 
 }  // namespace velquad::array
 
-DWORD matGaussianBlurFilter3v(void*** volume, unsigned int* const size, unsigned int type, unsigned int channels,
-                              unsigned int* const strides, double* const sigma, double* const radiusFactor,
-                              int convert, int (*callback)(unsigned int, unsigned int, void*),
-                              void* callbackUser) {
+DWORD matGaussianBlurFilter3v(void*** volume, unsigned int* const size, unsigned int type,
+                              unsigned int channels, unsigned int* const strides, double* const sigma,
+                              double* const radiusFactor, int convert,
+                              int (*callback)(unsigned int, unsigned int, void*), void* callbackUser) {
     using namespace velquad::array;
-    if (volume == nullptr || size == nullptr || sigma == nullptr || radiusFactor == nullptr) return kFilterFailed;
+    if (volume == nullptr || size == nullptr || sigma == nullptr || radiusFactor == nullptr)
+        return kFilterFailed;
     CGaussianBlurFilter3D filter;
     filter.m_callback = callback;
     filter.m_callbackUser = callbackUser;

@@ -16,15 +16,15 @@ struct tagMAT_GAUSS_KERNEL {
 
     /// Kept: compared with the window of every sample and never set, so that every sample forms its own.
     std::int32_t windowLow = kNone;
-    std::int32_t windowHigh = kNone;   ///< See `windowLow`.
-    std::int32_t radius = kNone;       ///< Radius that `weights` were made for.
-    double sigma = kNoValue;           ///< Sigma that `weights` were made for.
-    double* weights = nullptr;         ///< 2 * radius + 1 weights, not normalised; null for no kernel.
-    double* window = nullptr;          ///< Normalised weights of a window; behind `weights` in one allocation.
+    std::int32_t windowHigh = kNone;  ///< See `windowLow`.
+    std::int32_t radius = kNone;      ///< Radius that `weights` were made for.
+    double sigma = kNoValue;          ///< Sigma that `weights` were made for.
+    double* weights = nullptr;        ///< 2 * radius + 1 weights, not normalised; null for no kernel.
+    double* window = nullptr;         ///< Normalised weights of a window; behind `weights` in one allocation.
 };
 
-/// The radius at which a Gaussian is cut off; -2147483648 when it does not fit 32 bits or is not a number. The windows
-/// of such a radius are empty, and so all results are 0.
+/// The radius at which a Gaussian is cut off; -2147483648 when it does not fit 32 bits or is not a number.
+/// The windows of such a radius are empty, and so all results are 0.
 std::int32_t gaussianRadius(double sigma, double radiusFactor);
 
 /// exp(-k^2 / (2 sigma^2)), with k^2 in 32 bits that wrap around.

@@ -1,12 +1,14 @@
 // The blur of whole rows.
 //
-// Along Y and Z the lines of one row lie side by side, so a pass walks rows: a ring holds the rows that one window
-// covers, as doubles, and each result row is the weighted sum of the rows in the ring. Along X the same sum is taken
-// of one row shifted against itself. Each sample keeps its own sequence of operations, and samples that see the same
-// part of the kernel share its normalised window. Rows are worked on in chunks, so that the ring stays in the cache.
+// Along Y and Z the lines of one row lie side by side, so a pass walks rows: a ring holds the rows that one
+// window covers, as doubles, and each result row is the weighted sum of the rows in the ring. Along X the
+// same sum is taken of one row shifted against itself. Each sample keeps its own sequence of operations, and
+// samples that see the same part of the kernel share its normalised window. Rows are worked on in chunks, so
+// that the ring stays in the cache.
 //
-// A line has written its result before a later line is read, which gives the same only while no two rows share
-// memory; volumes that do not pass this test are left to the walk by lines.
+// Result rows are written while later rows are still to be read, and lines are taken in another order than one
+// by one. That gives the same only while no two rows share memory; volumes that do not pass this test are left
+// to the walk by lines.
 #include "array/gaussian_rows.h"
 
 #include <algorithm>
@@ -27,7 +29,8 @@ constexpr std::size_t kRingTarget = 4096;
 constexpr std::size_t kSmallestChunk = 64;
 constexpr std::size_t kLargestChunk = 1024;
 
-/// Kernels up to this length keep the windows of all samples near the ends; longer ones form them when needed.
+/// Kernels up to this length keep the windows of all samples near the ends; longer ones form them when
+/// needed.
 constexpr std::size_t kLargestTabledKernel = 255;
 
 /// With a callback, lines of a Z pass are announced and filtered in slabs of this width.
@@ -74,8 +77,8 @@ class Windows {
         slots_ = memory + kernelLength();
         if (isEmpty_) return;
         for (std::size_t i = 0; i < kernelLength(); ++i) {
-            const auto k = static_cast<std::int32_t>(static_cast<std::int64_t>(i) -
-                                                     static_cast<std::int64_t>(reach_));
+            const auto k =
+                static_cast<std::int32_t>(static_cast<std::int64_t>(i) - static_cast<std::int64_t>(reach_));
             kernel_[i] = sigma_ == 0.0 ? 1.0 : gaussianWeight(k, sigma_);
         }
         if (hasInterior()) form(reach_, slots_);
@@ -88,11 +91,9 @@ class Windows {
     /// The window of sample `i`. It is valid until the next call.
     Window at(std::size_t i) const {
         if (isEmpty_) return {slots_, 0, 0};
-        const std::size_t low = lowOf(i);
-        double* weights = slots_ + (isTabled_ || isInterior(i) ? 0 : kernelLength());
-        if (isTabled_) weights = slot(i);
+        double* const weights = slot(i);
         if (!isTabled_ && !isInterior(i)) form(i, weights);
-        return {weights, highOf(i) - low + 1, low};
+        return {weights, highOf(i) - lowOf(i) + 1, lowOf(i)};
     }
 
     bool isInterior(std::size_t i) const { return i >= reach_ && i + reach_ < length_; }
@@ -104,10 +105,17 @@ class Windows {
     std::size_t lowOf(std::size_t i) const { return i < reach_ ? 0 : i - reach_; }
     std::size_t highOf(std::size_t i) const { return std::min<std::size_t>(i + reach_, length_ - 1); }
 
-    /// One slot for each sample that is nearer to an end than the reach, and slot `reach` or 0 for all others.
+    /// Where the window of sample `i` stands: slot 0 for all samples that see the whole kernel, and for each
+    /// of the others a slot of its own, or without a table slot 1.
     double* slot(std::size_t i) const {
         std::size_t index = i;
-        if (hasInterior()) index = isInterior(i) ? 0 : i < reach_ ? i + 1 : i + kernelLength() - length_;
+        if (isInterior(i)) {
+            index = 0;
+        } else if (!isTabled_) {
+            index = 1;
+        } else if (hasInterior()) {
+            index = i < reach_ ? i + 1 : i + kernelLength() - length_;
+        }
         return slots_ + index * kernelLength();
     }
 
@@ -185,7 +193,8 @@ class RowFilter {
         for (int axis = 0; axis < kAxes; ++axis) {
             // No line runs along Z in a single slice.
             if (axis == kAxisZ && filter_.m_depth < 2) continue;
-            if (!windows_[axis].plan(filter_.m_sigma[axis], filter_.m_radiusFactor[axis], filter_.sizeAlong(axis)))
+            if (!windows_[axis].plan(filter_.m_sigma[axis], filter_.m_radiusFactor[axis],
+                                     filter_.sizeAlong(axis)))
                 return false;
         }
         if (!areStepsRegular() || !areRowsDisjoint() || !allocate()) return false;

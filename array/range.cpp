@@ -86,10 +86,11 @@ void measureChannel(const Measured& measured, unsigned int channel, CMatMomentEv
 
 }  // namespace
 
-void addChannel(const void* rows, unsigned int type, unsigned int width, unsigned int height, unsigned int channels,
-                unsigned int channel, CMatMomentEvaluator& evaluator) {
+void addChannel(const void* rows, unsigned int type, unsigned int width, unsigned int height,
+                unsigned int channels, unsigned int channel, CMatMomentEvaluator& evaluator) {
     dispatchScalar(type, [&]<class ElementType>(ElementType /*element*/) {
-        measureChannel<typename ElementType::Value>({rows, nullptr, width, height, channels}, channel, evaluator);
+        measureChannel<typename ElementType::Value>({rows, nullptr, width, height, channels}, channel,
+                                                    evaluator);
     });
 }
 

@@ -7,8 +7,8 @@
 namespace velquad::array {
 
 /// Adds one channel of an array of a type from 1 to 8 to running moments, row by row.
-void addChannel(const void* rows, unsigned int type, unsigned int width, unsigned int height, unsigned int channels,
-                unsigned int channel, CMatMomentEvaluator& evaluator);
+void addChannel(const void* rows, unsigned int type, unsigned int width, unsigned int height,
+                unsigned int channels, unsigned int channel, CMatMomentEvaluator& evaluator);
 
 /// The range of an array of floats as `matGetRangeOfArray2v` finds it.
 /// @return false for an array without elements, with nothing stored.

@@ -1,5 +1,5 @@
-// The frame of separable filters: walks a volume line by line along its three axes and hands each line of each
-// channel, as doubles, to one virtual operation.
+// The frame of separable filters: walks a volume line by line along its three axes and hands each line of
+// each channel, as doubles, to one virtual operation.
 #ifndef VELQUAD_ARRAY_SIGNAL_FILTER_H
 #define VELQUAD_ARRAY_SIGNAL_FILTER_H
 
@@ -30,7 +30,8 @@ class CImageSignalFilter3D {
     /// Filters one line: reads `m_inLine[axis]`, writes `m_outLine[axis]`.
     /// @param x, y, z  the line's fixed coordinates; the one along the axis is 0.
     /// @return non-zero to have the line stored.
-    virtual int FilterLine(int axis, unsigned int x, unsigned int y, unsigned int z, unsigned int channel) = 0;
+    virtual int FilterLine(int axis, unsigned int x, unsigned int y, unsigned int z,
+                           unsigned int channel) = 0;
 
     /// Takes up a volume and makes the line buffers.
     /// @param strides  optional: byte steps along the axes; 0 and 0xFFFFFFFF stand for none.
@@ -62,24 +63,24 @@ class CImageSignalFilter3D {
     std::uint32_t lineCount() const;
 
     /// The place of sample `index` of a line.
-    unsigned char* sampleAt(int axis, std::uint32_t x, std::uint32_t y, std::uint32_t z, std::uint32_t channel,
-                            std::size_t elementBytes, std::size_t index) const;
+    unsigned char* sampleAt(int axis, std::uint32_t x, std::uint32_t y, std::uint32_t z,
+                            std::uint32_t channel, std::size_t elementBytes, std::size_t index) const;
 
     static bool isStepGiven(std::uint32_t stride) { return stride != 0 && stride != 0xFFFFFFFFU; }
 
-    void*** m_volume = nullptr;              ///< Slice table of the volume in work.
-    std::uint32_t m_width = 0;               ///< Elements per row.
-    std::uint32_t m_height = 0;              ///< Rows per slice.
-    std::uint32_t m_depth = 0;               ///< Slices.
-    std::uint32_t m_type = 0;                ///< Element type code.
-    std::uint32_t m_channels = 0;            ///< Interleaved channels.
-    std::uint32_t m_strideX = 0;             ///< Byte step along a row.
-    std::uint32_t m_strideY = 0;             ///< Byte step from row to row.
-    std::uint32_t m_strideZ = 0;             ///< Byte step from slice to slice.
-    double* m_inLine[kAxes] = {};            ///< Line to be filtered, for each axis; one allocation for all six.
-    double* m_outLine[kAxes] = {};           ///< Filtered line, for each axis.
-    LineCallback m_callback = nullptr;       ///< May be null.
-    void* m_callbackUser = nullptr;          ///< Handed on to the callback.
+    void*** m_volume = nullptr;         ///< Slice table of the volume in work.
+    std::uint32_t m_width = 0;          ///< Elements per row.
+    std::uint32_t m_height = 0;         ///< Rows per slice.
+    std::uint32_t m_depth = 0;          ///< Slices.
+    std::uint32_t m_type = 0;           ///< Element type code.
+    std::uint32_t m_channels = 0;       ///< Interleaved channels.
+    std::uint32_t m_strideX = 0;        ///< Byte step along a row.
+    std::uint32_t m_strideY = 0;        ///< Byte step from row to row.
+    std::uint32_t m_strideZ = 0;        ///< Byte step from slice to slice.
+    double* m_inLine[kAxes] = {};       ///< Line to be filtered, for each axis; one allocation for all six.
+    double* m_outLine[kAxes] = {};      ///< Filtered line, for each axis.
+    LineCallback m_callback = nullptr;  ///< May be null.
+    void* m_callbackUser = nullptr;     ///< Handed on to the callback.
 
   protected:
     // Objects live on the stack and are never released through the base.

@@ -23,7 +23,8 @@ namespace {
 constexpr std::uint64_t kSealPattern = 0x3D76A51C9E42B8F7U;
 using Seal = std::uint64_t;
 
-/// The address of the block that belongs to a slice table. It may be foreign, so it is not reached by walking.
+/// The address of the block that belongs to a slice table. It may be foreign, so it is not reached by
+/// walking.
 std::uintptr_t blockOf(const void* volume) {
     return reinterpret_cast<std::uintptr_t>(volume) - sizeof(tagMAT_ARRAY3V_HEADER);
 }

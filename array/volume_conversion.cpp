@@ -1,5 +1,5 @@
-// Conversions between elements of any type and floats or doubles: the type is looked up once, then whole rows go
-// through one loop.
+// Conversions between elements of any type and floats or doubles: the type is looked up once, then whole rows
+// go through one loop.
 #include "array/volume.h"
 #include "array/volume_kernels.h"
 #include "frame/kernels.h"

@@ -1,5 +1,5 @@
-// Conversions of runs of elements and weighted sums of rows. Elements are independent of each other, so the compiler
-// may take as many side by side as the instruction set has lanes.
+// Conversions of runs of elements and weighted sums of rows. Elements are independent of each other, so the
+// compiler may take as many side by side as the instruction set has lanes.
 #include "array/volume_kernels.h"
 
 #include "array/element.h"

@@ -6,9 +6,10 @@
 #include "statistics/moments.h"
 #include "velquad/array.h"
 
-extern "C" int matGetRangeOfArray3v(const void* const* const* volume, unsigned int type, unsigned int channels,
-                                    unsigned int width, unsigned int height, unsigned int depth, double* minOut,
-                                    double* maxOut, double* meanOut, double* stdDevOut) {
+extern "C" int matGetRangeOfArray3v(const void* const* const* volume, unsigned int type,
+                                    unsigned int channels, unsigned int width, unsigned int height,
+                                    unsigned int depth, double* minOut, double* maxOut, double* meanOut,
+                                    double* stdDevOut) {
     using velquad::statistics::Moments;
     if (volume == nullptr) return 0;
     if (type == MAT_ARRAY_BYTE3 || type == MAT_ARRAY_BYTE4) {
@@ -19,8 +20,8 @@ extern "C" int matGetRangeOfArray3v(const void* const* const* volume, unsigned i
     for (unsigned int channel = 0; channel < channels; ++channel) {
         CMatMomentEvaluator evaluator;
         for (unsigned int z = 0; z < depth; ++z) {
-            velquad::array::addChannel(velquad::array::sliceAt(volume, z), type, width, height, channels, channel,
-                                       evaluator);
+            velquad::array::addChannel(velquad::array::sliceAt(volume, z), type, width, height, channels,
+                                       channel, evaluator);
         }
         if (minOut != nullptr) minOut[channel] = Moments::min(evaluator);
         if (maxOut != nullptr) maxOut[channel] = Moments::max(evaluator);

@@ -1,5 +1,6 @@
-// The rounders of volumes in a form that compilers turn into vector code: one chain of selections that ends in one
-// conversion. The results are those of `truncatedTo(roundForVolume(value))`. May be used in kernel files.
+// The rounders of volumes in a form that compilers turn into vector code: one chain of selections that ends
+// in one conversion. The results are those of `truncatedTo(roundForVolume(value))`. May be used in kernel
+// files.
 #ifndef VELQUAD_ARRAY_VOLUME_ROUNDING_H
 #define VELQUAD_ARRAY_VOLUME_ROUNDING_H
 

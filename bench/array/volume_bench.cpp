@@ -1,5 +1,5 @@
-// Volumes of 256^3: affine transform, blur and conversions, next to the loops that define them. Arguments: type code,
-// then nearest or convert.
+// Volumes of 256^3: affine transform, blur and conversions, next to the loops that define them. Arguments:
+// type code, then nearest or convert.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -78,8 +78,8 @@ void affine(benchmark::State& state) {
     double matrix[4][4];
     turn(matrix);
     for (auto _ : state) {
-        matAffinTransformArray3v(kSize, kSize, kSize, source.get(), kSize, kSize, kSize, destination.get(), type,
-                                 matrix, argument(state, 1));
+        matAffinTransformArray3v(kSize, kSize, kSize, source.get(), kSize, kSize, kSize, destination.get(),
+                                 type, matrix, argument(state, 1));
         benchmark::ClobberMemory();
     }
     finish(state);
@@ -145,8 +145,8 @@ void convertFromDouble(benchmark::State& state) {
     const Volume source(MAT_ARRAY_DOUBLE);
     const Volume destination(type);
     for (auto _ : state) {
-        matConvertFromDouble3v(reinterpret_cast<double***>(source.get()), destination.get(), kSize, kSize, kSize,
-                               type, 1);
+        matConvertFromDouble3v(reinterpret_cast<double***>(source.get()), destination.get(), kSize, kSize,
+                               kSize, type, 1);
         benchmark::ClobberMemory();
     }
     finish(state);
@@ -157,7 +157,8 @@ void convertFromDoubleLiteral(benchmark::State& state) {
     const Volume source(MAT_ARRAY_DOUBLE);
     const Volume destination(type);
     for (auto _ : state) {
-        volume::convert(source.get(), MAT_ARRAY_DOUBLE, destination.get(), type, {kSize, kSize, kSize, type, 1});
+        volume::convert(source.get(), MAT_ARRAY_DOUBLE, destination.get(), type,
+                        {kSize, kSize, kSize, type, 1});
         benchmark::ClobberMemory();
     }
     finish(state);
@@ -172,6 +173,12 @@ BENCHMARK(affineLiteral)->Apply(typesAndModes)->Iterations(1);
 BENCHMARK(blur)->Apply(typesAndModes);
 BENCHMARK(blurLiteral)->Apply(typesAndModes)->Iterations(1);
 BENCHMARK(convertFromDouble)->Arg(2)->Arg(4)->Arg(5)->Arg(7)->Unit(benchmark::kMillisecond);
-BENCHMARK(convertFromDoubleLiteral)->Arg(2)->Arg(4)->Arg(5)->Arg(7)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(convertFromDoubleLiteral)
+    ->Arg(2)
+    ->Arg(4)
+    ->Arg(5)
+    ->Arg(7)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
 
 }  // namespace

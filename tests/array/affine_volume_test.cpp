@@ -41,8 +41,8 @@ std::vector<T> shiftRow(const std::vector<T>& source, std::size_t width, unsigne
         from.set(0, 0, x, source[x]);
     Matrix matrix = shiftedBy(shift);
     EXPECT_EQ(_matAffinTransformArray3v(static_cast<unsigned int>(source.size()), 1, 1, 1, from.slices(),
-                                        static_cast<unsigned int>(width), 1, 1, to.slices(), type, matrix.m, flags,
-                                        &background),
+                                        static_cast<unsigned int>(width), 1, 1, to.slices(), type, matrix.m,
+                                        flags, &background),
               1);
     std::vector<T> result;
     for (std::size_t x = 0; x < width; ++x)
@@ -66,14 +66,16 @@ TEST(AffineVolumeTest, TheIdentityReproducesTheSource) {
                 }
             }
         }
-        EXPECT_EQ(matAffinTransformArray3v(9, 5, 4, source.slices(), 9, 5, 4, result.slices(), type, identity.m, 0),
-                  1);
+        EXPECT_EQ(
+            matAffinTransformArray3v(9, 5, 4, source.slices(), 9, 5, 4, result.slices(), type, identity.m, 0),
+            1);
         EXPECT_TRUE(result.equals(source));
     }
 }
 
 TEST(AffineVolumeTest, LargeValuesOfType6EndAtTheIndefiniteInteger) {
-    const auto row = shiftRow<std::uint32_t>({2147483647U, 2147483648U, 4000000000U, 4294967295U}, 4, 6, 0.0, 0, 0.0);
+    const auto row =
+        shiftRow<std::uint32_t>({2147483647U, 2147483648U, 4000000000U, 4294967295U}, 4, 6, 0.0, 0, 0.0);
     EXPECT_EQ(row, (std::vector<std::uint32_t>{2147483647U, 0x80000000U, 0x80000000U, 0xFFFFFFFFU}));
 }
 
@@ -89,7 +91,8 @@ TEST(AffineVolumeTest, ExtrapolatesInTheHalfVoxelBeforeTheFirst) {
 }
 
 TEST(AffineVolumeTest, TheStripFromMinusOneToZeroIsInside) {
-    // Positions -0.75, 0.25, ... and -1.0, which is outside; below -1 by less than the cell tolerance still is.
+    // Positions -0.75, 0.25, ... and -1.0, which is outside; below -1 by less than the cell tolerance still
+    // is.
     EXPECT_EQ(shiftRow<double>({10.0, 6.0}, 1, 8, 0.75, 0, -1.0)[0], 10.0 * 1.75 + 6.0 * -0.75);
     EXPECT_EQ(shiftRow<double>({10.0, 6.0}, 1, 8, 1.0, 0, -1.0)[0], -1.0);
     EXPECT_EQ(shiftRow<double>({10.0, 6.0}, 1, 8, 1.0 - 0.9e-7, 0, -1.0)[0], -1.0);
@@ -153,8 +156,8 @@ TEST(AffineVolumeTest, TheLargestDoubleIsNoBackground) {
     LooseVolume source(1, 1, 1, MAT_ARRAY_BYTE3);
     LooseVolume result(1, 1, 1, MAT_ARRAY_BYTE3);
     Matrix matrix = shiftedBy(9.0);
-    EXPECT_EQ(_matAffinTransformArray3v(1, 1, 1, 77, source.slices(), 1, 1, 1, result.slices(), MAT_ARRAY_BYTE3,
-                                        matrix.m, 0, background),
+    EXPECT_EQ(_matAffinTransformArray3v(1, 1, 1, 77, source.slices(), 1, 1, 1, result.slices(),
+                                        MAT_ARRAY_BYTE3, matrix.m, 0, background),
               1);
     const unsigned char* pixel = result.slice(0).row(0);
     EXPECT_EQ(pixel[0], 7);
@@ -169,15 +172,15 @@ TEST(AffineVolumeTest, PixelsHaveThreeChannelsWithoutBackground) {
     std::memcpy(source.slice(0).row(0), bytes, sizeof(bytes));
     std::memset(result.slice(0).row(0), 0xEE, 6);
     const Matrix matrix = shiftedBy(-0.5);
-    EXPECT_EQ(matAffinTransformArray3v(2, 1, 1, source.slices(), 2, 1, 1, result.slices(), MAT_ARRAY_BYTE3, matrix.m,
-                                       0),
+    EXPECT_EQ(matAffinTransformArray3v(2, 1, 1, source.slices(), 2, 1, 1, result.slices(), MAT_ARRAY_BYTE3,
+                                       matrix.m, 0),
               1);
     // Positions 0.5 and 1.5.
     const std::vector<std::uint8_t> expected = {15, 30, 45, 20, 40, 60};
     EXPECT_EQ(std::vector<std::uint8_t>(result.slice(0).row(0), result.slice(0).row(0) + 6), expected);
     const Matrix outside = shiftedBy(-50.0);
-    EXPECT_EQ(matAffinTransformArray3v(2, 1, 1, source.slices(), 2, 1, 1, result.slices(), MAT_ARRAY_BYTE3, outside.m,
-                                       0),
+    EXPECT_EQ(matAffinTransformArray3v(2, 1, 1, source.slices(), 2, 1, 1, result.slices(), MAT_ARRAY_BYTE3,
+                                       outside.m, 0),
               1);
     EXPECT_EQ(std::vector<std::uint8_t>(result.slice(0).row(0), result.slice(0).row(0) + 6),
               std::vector<std::uint8_t>(6, 0));
@@ -188,7 +191,9 @@ TEST(AffineVolumeTest, ScaleModeHasNoShiftToCentres) {
     LooseVolume result(4, 1, 1, MAT_ARRAY_DOUBLE);
     source.set(0, 0, 0, 10.0);
     source.set(0, 0, 1, 20.0);
-    EXPECT_EQ(matAffinTransformArray3v(2, 1, 1, source.slices(), 4, 1, 1, result.slices(), 8, nullptr, kScaleMode), 1);
+    EXPECT_EQ(
+        matAffinTransformArray3v(2, 1, 1, source.slices(), 4, 1, 1, result.slices(), 8, nullptr, kScaleMode),
+        1);
     const double expected[] = {10.0, 15.0, 20.0, 20.0};
     for (std::size_t x = 0; x < 4; ++x)
         EXPECT_EQ(result.get<double>(0, 0, x), expected[x]) << x;
@@ -206,8 +211,8 @@ TEST(AffineVolumeTest, AnEmptySourceGivesBackground) {
         LooseVolume result(3, 2, 2, 2);
         Matrix matrix;
         double background = 6.0;
-        EXPECT_EQ(_matAffinTransformArray3v(3, 0, 2, 1, source.slices(), 3, 2, 2, result.slices(), 2, matrix.m, flags,
-                                            &background),
+        EXPECT_EQ(_matAffinTransformArray3v(3, 0, 2, 1, source.slices(), 3, 2, 2, result.slices(), 2,
+                                            matrix.m, flags, &background),
                   1);
         for (std::size_t x = 0; x < 3; ++x)
             EXPECT_EQ(result.get<std::uint8_t>(1, 1, x), 6);
@@ -224,8 +229,12 @@ TEST(AffineVolumeTest, RefusesNullAndUnknownTypes) {
     EXPECT_EQ(matAffinTransformArray3v(2, 2, 2, source.slices(), 2, 2, 2, nullptr, 8, matrix.m, 0), 0);
     EXPECT_EQ(matAffinTransformArray3v(2, 2, 2, source.slices(), 2, 2, 2, result.slices(), 8, nullptr, 0), 0);
     for (const unsigned int type : {0U, 11U, 0xFFFFFFFFU}) {
-        EXPECT_EQ(matAffinTransformArray3v(2, 2, 2, source.slices(), 2, 2, 2, result.slices(), type, matrix.m, 0), 0);
-        EXPECT_EQ(matAffinTransformArray3v(2, 2, 2, source.slices(), 2, 2, 0, result.slices(), type, matrix.m, 0), 0);
+        EXPECT_EQ(
+            matAffinTransformArray3v(2, 2, 2, source.slices(), 2, 2, 2, result.slices(), type, matrix.m, 0),
+            0);
+        EXPECT_EQ(
+            matAffinTransformArray3v(2, 2, 2, source.slices(), 2, 2, 0, result.slices(), type, matrix.m, 0),
+            0);
     }
     EXPECT_TRUE(result.equals(before));
 }
@@ -234,9 +243,13 @@ TEST(AffineVolumeTest, AnEmptyDestinationIsDone) {
     LooseVolume source(2, 2, 2, 2);
     LooseVolume result(2, 2, 2, 2);
     const Matrix matrix;
-    EXPECT_EQ(matAffinTransformArray3v(2, 2, 2, source.slices(), 2, 2, 0, result.slices(), 2, matrix.m, 0), 1);
-    EXPECT_EQ(matAffinTransformArray3v(2, 2, 2, source.slices(), 0, 2, 2, result.slices(), 2, matrix.m, 0), 1);
-    EXPECT_EQ(matAffinTransformArray3v(2, 2, 2, source.slices(), 2, 0, 2, result.slices(), 2, matrix.m, kScaleMode), 1);
+    EXPECT_EQ(matAffinTransformArray3v(2, 2, 2, source.slices(), 2, 2, 0, result.slices(), 2, matrix.m, 0),
+              1);
+    EXPECT_EQ(matAffinTransformArray3v(2, 2, 2, source.slices(), 0, 2, 2, result.slices(), 2, matrix.m, 0),
+              1);
+    EXPECT_EQ(
+        matAffinTransformArray3v(2, 2, 2, source.slices(), 2, 0, 2, result.slices(), 2, matrix.m, kScaleMode),
+        1);
 }
 
 TEST(AffineVolumeTest, NoChannelsAreDone) {
@@ -245,7 +258,8 @@ TEST(AffineVolumeTest, NoChannelsAreDone) {
     LooseVolume before(2, 2, 2, 2);
     source.set<std::uint8_t>(0, 0, 0, 9);
     Matrix matrix;
-    EXPECT_EQ(_matAffinTransformArray3v(2, 2, 2, 0, source.slices(), 2, 2, 2, result.slices(), 2, matrix.m, 0, nullptr),
+    EXPECT_EQ(_matAffinTransformArray3v(2, 2, 2, 0, source.slices(), 2, 2, 2, result.slices(), 2, matrix.m, 0,
+                                        nullptr),
               1);
     EXPECT_TRUE(result.equals(before));
 }
@@ -254,7 +268,8 @@ TEST(AffineVolumeTest, FailsWithoutMemoryForTheBackground) {
     LooseVolume source(2, 2, 2, 2);
     LooseVolume result(2, 2, 2, 2);
     const std::size_t allocations = velquad::test::forEachFailingAllocation([&] {
-        return matAffinTransformArray3v(2, 2, 2, source.slices(), 2, 2, 2, result.slices(), 2, nullptr, kScaleMode) == 0;
+        return matAffinTransformArray3v(2, 2, 2, source.slices(), 2, 2, 2, result.slices(), 2, nullptr,
+                                        kScaleMode) == 0;
     });
     EXPECT_GE(allocations, 1U);
 }
@@ -275,16 +290,17 @@ TEST(AffineVolumeTest, VoxelsAtInfinityTakeThePositionBefore) {
         const double background = 0.0;
         const volume::Shape shape = {8, 3, 3, MAT_ARRAY_FLOAT, 1};
         const double(*const rows)[4] = matrix.m;
-        volume::resampleOfType(MAT_ARRAY_FLOAT, shape, source.slices(), 8U, 3U, 3U, expected.slices(), rows, false,
-                               isNearest, &background);
-        EXPECT_EQ(matAffinTransformArray3v(8, 3, 3, source.slices(), 8, 3, 3, result.slices(), MAT_ARRAY_FLOAT,
-                                           matrix.m, isNearest ? kNearest : 0),
+        volume::resampleOfType(MAT_ARRAY_FLOAT, shape, source.slices(), 8U, 3U, 3U, expected.slices(), rows,
+                               false, isNearest, &background);
+        EXPECT_EQ(matAffinTransformArray3v(8, 3, 3, source.slices(), 8, 3, 3, result.slices(),
+                                           MAT_ARRAY_FLOAT, matrix.m, isNearest ? kNearest : 0),
                   1);
         EXPECT_TRUE(result.equals(expected));
     }
 }
 
-/// Random maps: near the identity, turned and scaled, projective, singular, with infinities and not-a-numbers.
+/// Random maps: near the identity, turned and scaled, projective, singular, with infinities and
+/// not-a-numbers.
 void makeRandomMatrix(std::mt19937& random, Matrix& matrix) {
     std::uniform_real_distribution<double> entry(-1.5, 1.5);
     const auto kind = random() % 8;
@@ -309,7 +325,9 @@ struct Sizes {
 };
 
 Sizes randomSizes(std::mt19937& random) {
-    const auto size = [&random](unsigned int largest) { return static_cast<unsigned int>(random() % (largest + 1)); };
+    const auto size = [&random](unsigned int largest) {
+        return static_cast<unsigned int>(random() % (largest + 1));
+    };
     return random() % 6 == 0 ? Sizes{size(300), size(2), size(2)} : Sizes{size(12), size(6), size(5)};
 }
 
@@ -333,7 +351,8 @@ TEST_P(AffineVolumeLevels, EqualTheLoops) {
         makeRandomMatrix(random, matrix);
         const bool isScaled = random() % 4 == 0;
         const bool isNearest = random() % 2 == 0;
-        const DWORD flags = (isScaled ? kScaleMode : 0) | (isNearest ? kNearest : 0) | (random() % 2 == 0 ? 0x6EU : 0);
+        const DWORD flags =
+            (isScaled ? kScaleMode : 0) | (isNearest ? kNearest : 0) | (random() % 2 == 0 ? 0x6EU : 0);
         double background[4] = {1.5, velquad::kNoValue, -77.7, 1e10};
         double filled[4] = {1.5, 0.0, -77.7, 1e10};
         LooseVolume source(std::size_t{from.width} * channels, from.height, from.depth, scalar);
@@ -342,8 +361,8 @@ TEST_P(AffineVolumeLevels, EqualTheLoops) {
         const volume::Shape shape = {from.width, from.height, from.depth, scalar, channels};
         const double(*const rows)[4] = matrix.m;
         const double* const colours = filled;
-        volume::resampleOfType(scalar, shape, source.slices(), to.width, to.height, to.depth, expected.slices(), rows,
-                               isScaled, isNearest, colours);
+        volume::resampleOfType(scalar, shape, source.slices(), to.width, to.height, to.depth,
+                               expected.slices(), rows, isScaled, isNearest, colours);
         for (std::size_t level = 0; level < velquad::frame::kernelLevelCount(); ++level) {
             SCOPED_TRACE(testing::Message() << "level " << level);
             velquad::frame::selectKernelLevel(level);

@@ -241,10 +241,15 @@ TEST(GaussianBlurTest, NullArgumentsFail) {
     EXPECT_EQ(request.blur(nullptr), 0U);
     unsigned int size[] = {1, 1, 1};
     double numbers[] = {1.0, 1.0, 1.0};
-    EXPECT_EQ(matGaussianBlurFilter3v(data.slices(), nullptr, 2, 1, nullptr, numbers, numbers, 0, nullptr, nullptr),
-              0U);
-    EXPECT_EQ(matGaussianBlurFilter3v(data.slices(), size, 2, 1, nullptr, nullptr, numbers, 0, nullptr, nullptr), 0U);
-    EXPECT_EQ(matGaussianBlurFilter3v(data.slices(), size, 2, 1, nullptr, numbers, nullptr, 0, nullptr, nullptr), 0U);
+    EXPECT_EQ(
+        matGaussianBlurFilter3v(data.slices(), nullptr, 2, 1, nullptr, numbers, numbers, 0, nullptr, nullptr),
+        0U);
+    EXPECT_EQ(
+        matGaussianBlurFilter3v(data.slices(), size, 2, 1, nullptr, nullptr, numbers, 0, nullptr, nullptr),
+        0U);
+    EXPECT_EQ(
+        matGaussianBlurFilter3v(data.slices(), size, 2, 1, nullptr, numbers, nullptr, 0, nullptr, nullptr),
+        0U);
 }
 
 TEST(GaussianBlurTest, ADepthOfOneHasTwoPasses) {
@@ -324,7 +329,8 @@ TEST(GaussianBlurTest, ACancelledRunStopsAtExactlyThatLine) {
         LooseVolume source(140, height, 3, MAT_ARRAY_UINT16);
         source.fill(random);
         const unsigned int total = (70 + height) * 3 + 70 * height;
-        for (unsigned int stopAt = 1; stopAt <= total + 1; stopAt += stopAt < total - 2 ? 1 + static_cast<unsigned int>(random() % 4) : 1) {
+        for (unsigned int stopAt = 1; stopAt <= total + 1;
+             stopAt += stopAt < total - 2 ? 1 + static_cast<unsigned int>(random() % 4) : 1) {
             SCOPED_TRACE(stopAt);
             Listener heard;
             Listener expectedHeard;
@@ -402,7 +408,8 @@ TEST(GaussianBlurTest, OnlyTheLineBuffersAndTheCopyMayFail) {
             }
             (result == 0 ? failures : successes) += 1;
         }
-        // The buffers of lines; with conversion also the copy, with two slices of two allocations each or one.
+        // The buffers of lines; with conversion also the copy, with two slices of two allocations each or
+        // one.
         EXPECT_GE(failures, convert == 0 ? 1 : 4);
         EXPECT_GE(successes, 3);
     }
@@ -530,7 +537,8 @@ TEST(GaussianBlurTest, GivenStepsReplaceTheTables) {
     for (int round = 0; round < 200; ++round) {
         SCOPED_TRACE(round);
         Request request;
-        request.setSize(1 + static_cast<unsigned int>(random() % 9), 1 + static_cast<unsigned int>(random() % 5),
+        request.setSize(1 + static_cast<unsigned int>(random() % 9),
+                        1 + static_cast<unsigned int>(random() % 5),
                         1 + static_cast<unsigned int>(random() % 4));
         request.type = 1 + static_cast<unsigned int>(random() % 6);
         request.channels = 1 + static_cast<unsigned int>(random() % 2);

@@ -115,8 +115,10 @@ TEST(VolumeConversionTest, RefusesPixelsAndUnknownTypes) {
         EXPECT_EQ(matConvertToFloat3v(data.slices<float***>(), data.slices(), 1, 1, 1, type, 1), 0) << type;
         EXPECT_EQ(matConvertToDouble3v(data.slices<double***>(), data.slices(), 1, 1, 1, type, 1), 0) << type;
         EXPECT_EQ(matConvertFromFloat3v(data.slices<float***>(), data.slices(), 1, 1, 1, type, 1), 0) << type;
-        EXPECT_EQ(matConvertFromDouble3v(data.slices<double***>(), data.slices(), 1, 1, 1, type, 1), 0) << type;
-        EXPECT_EQ(matConvertFromDouble3v(data.slices<double***>(), data.slices(), 1, 1, 0, type, 1), 0) << type;
+        EXPECT_EQ(matConvertFromDouble3v(data.slices<double***>(), data.slices(), 1, 1, 1, type, 1), 0)
+            << type;
+        EXPECT_EQ(matConvertFromDouble3v(data.slices<double***>(), data.slices(), 1, 1, 0, type, 1), 0)
+            << type;
     }
     EXPECT_TRUE(data.equals(before));
 }
@@ -156,9 +158,9 @@ TEST(VolumeConversionTest, SlicesConvertAsVolumesOfDepthOne) {
 
 /// Numbers around every threshold of the rounders, and random ones of all sizes.
 double testNumber(std::mt19937& random) {
-    constexpr double kPlaces[] = {0.0,          -0.5,         0.5,           -0.49,         -0.51,
-                                  127.5,        -128.5,       255.5,         32767.5,       -32768.5,
-                                  65535.5,      2147483646.5, 2147483647.5,  -2147483647.5, -2147483648.5,
+    constexpr double kPlaces[] = {0.0,          -0.5,         0.5,           -0.49,          -0.51,
+                                  127.5,        -128.5,       255.5,         32767.5,        -32768.5,
+                                  65535.5,      2147483646.5, 2147483647.5,  -2147483647.5,  -2147483648.5,
                                   4294967294.5, 4294967295.0, 3.4028235e+38, -3.4028235e+38, 1e300,
                                   kInfinity,    -kInfinity,   kNotANumber,   1e-310};
     const double place = kPlaces[random() % (sizeof(kPlaces) / sizeof(double))];
@@ -226,10 +228,9 @@ TEST_P(VolumeConversionLevels, EqualTheLoops) {
         velquad::frame::selectKernelLevel(level);
         for (int round = 0; round < 60; ++round) {
             SCOPED_TRACE(testing::Message() << "level " << level << " round " << round);
-            const volume::Shape shape = {static_cast<unsigned int>(random() % 70),
-                                         static_cast<unsigned int>(random() % 3),
-                                         static_cast<unsigned int>(random() % 3), type,
-                                         static_cast<unsigned int>(random() % 3)};
+            const volume::Shape shape = {
+                static_cast<unsigned int>(random() % 70), static_cast<unsigned int>(random() % 3),
+                static_cast<unsigned int>(random() % 3), type, static_cast<unsigned int>(random() % 3)};
             const std::size_t count = std::size_t{shape.width} * shape.channels;
             for (const unsigned int other : {7U, 8U}) {
                 LooseVolume elements(count, shape.height, shape.depth, type);
@@ -239,10 +240,11 @@ TEST_P(VolumeConversionLevels, EqualTheLoops) {
                 elements.fill(random, true);
                 volume::convert(elements.slices(), type, expectedNumbers.slices(), other, shape);
                 const int widened =
-                    other == 7 ? matConvertToFloat3v(numbers.slices<float***>(), elements.slices(), shape.width,
-                                                     shape.height, shape.depth, type, shape.channels)
-                               : matConvertToDouble3v(numbers.slices<double***>(), elements.slices(), shape.width,
-                                                      shape.height, shape.depth, type, shape.channels);
+                    other == 7
+                        ? matConvertToFloat3v(numbers.slices<float***>(), elements.slices(), shape.width,
+                                              shape.height, shape.depth, type, shape.channels)
+                        : matConvertToDouble3v(numbers.slices<double***>(), elements.slices(), shape.width,
+                                               shape.height, shape.depth, type, shape.channels);
                 EXPECT_EQ(widened, 1);
                 EXPECT_TRUE(numbers.equals(expectedNumbers));
                 for (std::size_t z = 0; z < shape.depth; ++z) {
@@ -254,10 +256,11 @@ TEST_P(VolumeConversionLevels, EqualTheLoops) {
                 }
                 volume::convert(numbers.slices(), other, expectedElements.slices(), type, shape);
                 const int stored =
-                    other == 7 ? matConvertFromFloat3v(numbers.slices<float***>(), elements.slices(), shape.width,
-                                                       shape.height, shape.depth, type, shape.channels)
-                               : matConvertFromDouble3v(numbers.slices<double***>(), elements.slices(), shape.width,
-                                                        shape.height, shape.depth, type, shape.channels);
+                    other == 7
+                        ? matConvertFromFloat3v(numbers.slices<float***>(), elements.slices(), shape.width,
+                                                shape.height, shape.depth, type, shape.channels)
+                        : matConvertFromDouble3v(numbers.slices<double***>(), elements.slices(), shape.width,
+                                                 shape.height, shape.depth, type, shape.channels);
                 EXPECT_EQ(stored, 1);
                 EXPECT_TRUE(elements.equals(expectedElements));
             }

@@ -195,9 +195,10 @@ struct Range {
     double mean[4] = {-1, -1, -1, -1};
     double stdDev[4] = {-1, -1, -1, -1};
 
-    int measure(LooseVolume& data, unsigned int type, unsigned int channels, unsigned int width, unsigned int height,
-                unsigned int depth) {
-        return matGetRangeOfArray3v(data.slices(), type, channels, width, height, depth, min, max, mean, stdDev);
+    int measure(LooseVolume& data, unsigned int type, unsigned int channels, unsigned int width,
+                unsigned int height, unsigned int depth) {
+        return matGetRangeOfArray3v(data.slices(), type, channels, width, height, depth, min, max, mean,
+                                    stdDev);
     }
 };
 
@@ -288,7 +289,8 @@ TEST(VolumeRangeTest, EqualsAddingValuesOneByOne) {
                     for (std::size_t y = 0; y < height; ++y) {
                         for (std::size_t x = 0; x < width; ++x) {
                             const unsigned char* row = data.slice(z).row(y);
-                            evaluator.AddValue(volume::read(type, row + (x * channels + c) * volume::bytesOf(type)));
+                            evaluator.AddValue(
+                                volume::read(type, row + (x * channels + c) * volume::bytesOf(type)));
                         }
                     }
                 }
@@ -296,7 +298,8 @@ TEST(VolumeRangeTest, EqualsAddingValuesOneByOne) {
                                            evaluator.GetStdDev()};
                 const double actual[] = {range.min[c], range.max[c], range.mean[c], range.stdDev[c]};
                 for (int i = 0; i < 4; ++i) {
-                    EXPECT_TRUE(expected[i] == actual[i] || (std::isnan(expected[i]) && std::isnan(actual[i])))
+                    EXPECT_TRUE(expected[i] == actual[i] ||
+                                (std::isnan(expected[i]) && std::isnan(actual[i])))
                         << i << ": " << expected[i] << " and " << actual[i];
                 }
             }

@@ -1,5 +1,5 @@
-// Volumes for tests and benchmarks whose rows lie where a test wants them: slices of LooseArray, in a slice table at an
-// odd address.
+// Volumes for tests and benchmarks whose rows lie where a test wants them: slices of LooseArray, in a slice
+// table at an odd address.
 #ifndef VELQUAD_TESTS_SUPPORT_VOLUME_DATA_H
 #define VELQUAD_TESTS_SUPPORT_VOLUME_DATA_H
 
@@ -57,7 +57,8 @@ class LooseVolume {
             slices_[z]->copyBytes(*other.slices_[z]);
     }
 
-    /// Tells whether two volumes of one shape hold the same bits, guards included. All not-a-numbers are the same.
+    /// Tells whether two volumes of one shape hold the same bits, guards included. All not-a-numbers are the
+    /// same.
     bool equals(const LooseVolume& other) const {
         for (std::size_t z = 0; z < depth(); ++z) {
             if (slices_[z]->bytes() == other.slices_[z]->bytes()) continue;

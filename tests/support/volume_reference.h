@@ -1,5 +1,5 @@
-// Slow, obvious versions of the volume functions: one element, one voxel, one line after the other, with arithmetic and
-// rounding of their own. The library's versions must give the same bits.
+// Slow, obvious versions of the volume functions: one element, one voxel, one line after the other, with
+// arithmetic and rounding of their own. The library's versions must give the same bits.
 #ifndef VELQUAD_TESTS_SUPPORT_VOLUME_REFERENCE_H
 #define VELQUAD_TESTS_SUPPORT_VOLUME_REFERENCE_H
 
@@ -19,7 +19,8 @@ inline std::int32_t truncated32(double x) {
     return x > -2147483649.0 && x < 2147483648.0 ? static_cast<std::int32_t>(x) : INT32_MIN;
 }
 inline std::int64_t truncated64(double x) {
-    return x >= -9223372036854775808.0 && x < 9223372036854775808.0 ? static_cast<std::int64_t>(x) : INT64_MIN;
+    return x >= -9223372036854775808.0 && x < 9223372036854775808.0 ? static_cast<std::int64_t>(x)
+                                                                    : INT64_MIN;
 }
 inline std::int32_t rounded(double x) {
     return truncated32(0 > x ? x - 0.49 : x + 0.5);
@@ -58,7 +59,7 @@ inline double toDouble(double x) {
 
 /// The rounders by type code; `isWide` chooses between the two for type 5.
 inline Rounder rounderOf(unsigned int type, bool isWide) {
-    constexpr Rounder kRounders[] = {nullptr, toInt8,      toUInt8,  toInt16, toUInt16,
+    constexpr Rounder kRounders[] = {nullptr, toInt8,   toUInt8, toInt16, toUInt16,
                                      toInt32, toUInt32, toFloat, toDouble};
     return type == 5 && isWide ? toInt32Wide : kRounders[type];
 }
@@ -133,8 +134,8 @@ struct Shape {
 };
 
 /// Converts every element from one type to another.
-inline void convert(const void* source, unsigned int sourceType, void* destination, unsigned int destinationType,
-                    const Shape& shape) {
+inline void convert(const void* source, unsigned int sourceType, void* destination,
+                    unsigned int destinationType, const Shape& shape) {
     const Rounder round = rounderOf(destinationType, true);
     for (std::size_t z = 0; z < shape.depth; ++z) {
         for (std::size_t y = 0; y < shape.height; ++y) {
@@ -149,15 +150,18 @@ inline void convert(const void* source, unsigned int sourceType, void* destinati
 /// The affine transform for the types 1 to 8. `background` has one double per channel.
 template <unsigned int kType>
 void resample(const Shape& from, const void* source, unsigned int dstWidth, unsigned int dstHeight,
-              unsigned int dstDepth, void* destination, const double (*matrix)[4], bool isScaled, bool isNearest,
-              const double* background) {
+              unsigned int dstDepth, void* destination, const double (*matrix)[4], bool isScaled,
+              bool isNearest, const double* background) {
     const Rounder round = rounderOf(kType, false);
     const std::size_t bytes = bytesOf(kType);
     const auto at = [&](std::int32_t x, std::int32_t y, std::int32_t z, std::size_t c) {
         const std::size_t index = static_cast<std::size_t>(x) * from.channels + c;
-        return read(kType, rowOf(source, static_cast<std::size_t>(z), static_cast<std::size_t>(y)) + index * bytes);
+        return read(kType,
+                    rowOf(source, static_cast<std::size_t>(z), static_cast<std::size_t>(y)) + index * bytes);
     };
-    const auto isBelow = [](std::int64_t cell, unsigned int size) { return cell < static_cast<std::int64_t>(size); };
+    const auto isBelow = [](std::int64_t cell, unsigned int size) {
+        return cell < static_cast<std::int64_t>(size);
+    };
     const double scaleX = static_cast<double>(dstWidth) / from.width;
     const double scaleY = static_cast<double>(dstHeight) / from.height;
     const double scaleZ = static_cast<double>(dstDepth) / from.depth;
@@ -195,7 +199,8 @@ void resample(const Shape& from, const void* source, unsigned int dstWidth, unsi
                         if (q > static_cast<std::int64_t>(size) - 1) q = static_cast<std::int64_t>(size) - 1;
                         return static_cast<std::size_t>(q < 0 ? 0 : q);
                     };
-                    const unsigned char* row = rowOf(source, nearest(sz, from.depth), nearest(sy, from.height));
+                    const unsigned char* row =
+                        rowOf(source, nearest(sz, from.depth), nearest(sy, from.height));
                     std::memcpy(pixel, row + nearest(sx, from.width) * from.channels * bytes,
                                 from.channels * bytes);
                     continue;
@@ -284,8 +289,8 @@ class Blur {
 
   private:
     bool filterLine(int axis, unsigned int x, unsigned int y, unsigned int z) {
-        const unsigned int total =
-            (shape_.width + shape_.height) * shape_.depth + (shape_.depth > 1 ? shape_.width * shape_.height : 0);
+        const unsigned int total = (shape_.width + shape_.height) * shape_.depth +
+                                   (shape_.depth > 1 ? shape_.width * shape_.height : 0);
         if (callback != nullptr && callback(++counter_, total, callbackUser) == 0) return false;
         switch (shape_.type) {
             case 1:
@@ -332,7 +337,8 @@ class Blur {
         const std::size_t step = strides == nullptr ? 0 : strides[axis];
         const bool isGiven = step != 0 && step != 0xFFFFFFFFU;
         if (axis == 0) return rowOf(volume_, z, y) + element + i * (isGiven ? step : shape_.channels * bytes);
-        if (axis == 1) return isGiven ? rowOf(volume_, z, 0) + element + i * step : rowOf(volume_, z, i) + element;
+        if (axis == 1)
+            return isGiven ? rowOf(volume_, z, 0) + element + i * step : rowOf(volume_, z, i) + element;
         return isGiven ? rowOf(volume_, 0, y) + element + i * step : rowOf(volume_, i, y) + element;
     }
 
@@ -347,8 +353,8 @@ class Blur {
             weights_.assign(static_cast<std::size_t>(2 * radius + 1), 1.0);
             window_.resize(weights_.size());
             for (std::int32_t k = -radius; k <= radius && sigma[axis] != 0.0; ++k) {
-                const double square = static_cast<std::int32_t>(static_cast<std::uint32_t>(k) *
-                                                                static_cast<std::uint32_t>(k));
+                const double square =
+                    static_cast<std::int32_t>(static_cast<std::uint32_t>(k) * static_cast<std::uint32_t>(k));
                 weights_[static_cast<std::size_t>(k + radius)] =
                     std::exp(-square / (sigma[axis] * sigma[axis] + sigma[axis] * sigma[axis]));
             }
