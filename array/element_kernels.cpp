@@ -144,6 +144,34 @@ void fromFloatPixel(const void* source, void* destination, std::size_t count,
     }
 }
 
+/// Which of several equal or zero values is found does not matter, so lanes may go their own ways.
+void floatRange(const void* row, std::size_t count, float& min, float& max) {
+    constexpr std::size_t kLanes = 32;
+    float least[kLanes];
+    float greatest[kLanes];
+    for (std::size_t lane = 0; lane < kLanes; ++lane) {
+        least[lane] = min;
+        greatest[lane] = max;
+    }
+    std::size_t i = 0;
+    for (; i + kLanes <= count; i += kLanes) {
+        for (std::size_t lane = 0; lane < kLanes; ++lane) {
+            const auto value = loadElement<float>(row, i + lane);
+            least[lane] = value < least[lane] ? value : least[lane];
+            greatest[lane] = value > greatest[lane] ? value : greatest[lane];
+        }
+    }
+    for (; i < count; ++i) {
+        const auto value = loadElement<float>(row, i);
+        least[0] = value < least[0] ? value : least[0];
+        greatest[0] = value > greatest[0] ? value : greatest[0];
+    }
+    for (std::size_t lane = 0; lane < kLanes; ++lane) {
+        min = least[lane] < min ? least[lane] : min;
+        max = greatest[lane] > max ? greatest[lane] : max;
+    }
+}
+
 // Fill.
 
 template <class Value>
@@ -278,6 +306,7 @@ const ElementKernels kElementKernels = {
     {nullptr, fromFloatSigned<std::int8_t>, fromFloatUnsigned<std::uint8_t>, fromFloatSigned<std::int16_t>,
      fromFloatUnsigned<std::uint16_t>, fromFloatInt32, fromFloatUInt32, fromFloatCopied, fromFloatWidened,
      fromFloatPixel<3>, fromFloatPixel<4>},
+    floatRange,
     {nullptr, fill<std::uint8_t>, fill<std::uint8_t>, fill<std::uint16_t>, fill<std::uint16_t>,
      fill<std::uint32_t>, fill<std::uint32_t>, fill<std::uint32_t>, fill<std::uint64_t>, fillByte3,
      fillByte4},

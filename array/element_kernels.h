@@ -38,6 +38,8 @@ struct ElementKernels {
     void (*largestToFloat[kTypeCodes])(const void* source, void* destination, std::size_t count);
     void (*fromFloat[kTypeCodes])(const void* source, void* destination, std::size_t count,
                                   const Normalisation& normalisation);
+    /// Lowers `min` and raises `max` to the floats of a row; not-a-numbers change nothing.
+    void (*floatRange)(const void* row, std::size_t count, float& min, float& max);
     /// Fills with the element at `element`.
     void (*fill[kTypeCodes])(void* row, std::size_t count, const void* element);
     void (*clamp[kTypeCodes])(void* row, std::size_t count, const ClampBounds& bounds);

@@ -6,7 +6,6 @@
 #include "array/array_2d.h"
 #include "array/element.h"
 #include "array/element_kernels.h"
-#include "array/range.h"
 #include "array/rounding.h"
 #include "frame/convert.h"
 #include "frame/kernels.h"
@@ -57,6 +56,18 @@ double spanOf(unsigned int type) {
         default:
             return 255.0;
     }
+}
+
+/// The range of floats as `matGetRangeOfArray2v` finds it. It begins with the largest doubles, crossed, which
+/// infinities on the wrong side do not change.
+void rangeOfFloats(const void* rows, unsigned int width, unsigned int height, double& min, double& max) {
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    float least = kInfinity;
+    float greatest = -kInfinity;
+    const auto floatRange = elementKernels().floatRange;
+    forEachRow(rows, height, [&](const void* row) { floatRange(row, width, least, greatest); });
+    min = least == kInfinity ? velquad::kNoValue : static_cast<double>(least);
+    max = greatest == -kInfinity ? -velquad::kNoValue : static_cast<double>(greatest);
 }
 
 void storePackedPixel(double value, void* out, std::size_t bytes) {
@@ -184,10 +195,10 @@ extern "C" int matConvertArrayToFloat2v(const void* const* source, float* const*
 extern "C" int matConvertArrayFromFloat2v(const float* const* source, void* const* destination,
                                           unsigned int width, unsigned int height, unsigned int type) {
     if (source == nullptr || destination == nullptr) return 0;
+    if (width == 0 || height == 0 || !isType(type)) return 0;
     double min = 0.0;
     double max = 0.0;
-    if (!rangeOfFloats(source, width, height, min, max)) return 0;
-    if (!isType(type)) return 0;
+    rangeOfFloats(source, width, height, min, max);
     const double extent = max - min;
     const double scale = kFlatRange > std::fabs(extent) ? 0.0 : 1.0 / extent;
     const Normalisation normalisation{min, scale * spanOf(type)};

@@ -94,15 +94,6 @@ void addChannel(const void* rows, unsigned int type, unsigned int width, unsigne
     });
 }
 
-bool rangeOfFloats(const void* rows, unsigned int width, unsigned int height, double& min, double& max) {
-    CMatMomentEvaluator evaluator;
-    measureChannel<float>({rows, nullptr, width, height, 1}, 0, evaluator);
-    if (Moments::count(evaluator) == 0) return false;
-    min = Moments::min(evaluator);
-    max = Moments::max(evaluator);
-    return true;
-}
-
 }  // namespace velquad::array
 
 using velquad::array::Measured;

@@ -36,6 +36,12 @@ namespace {
 /// A source must have this much more than the samples that a position needs.
 constexpr double kNeighbourMargin = 1e-7;
 
+/// Columns of a strip for nearest samples, which needs no more than an index of each.
+constexpr std::size_t kNearestStrip = 2048;
+
+/// Below this scale hardly any source row serves two destination rows.
+constexpr double kDirectScale = 0.8;
+
 constexpr unsigned int kBilinearFlag = 2;
 constexpr unsigned int kCubicFlag = 4;
 
@@ -139,12 +145,32 @@ void forEachStrip(const CellRect& rect, std::size_t columnsPerStrip, Work work) 
         work(static_cast<unsigned int>(left), end - left < columnsPerStrip ? end - left : columnsPerStrip);
 }
 
+/// The bytes of a source row that a strip of columns reads.
+struct SourceSpan {
+    std::size_t begin;
+    std::size_t end;
+
+    SourceSpan(const std::int32_t* index, std::size_t count, std::size_t indexedBytes)
+        : begin(static_cast<std::size_t>(index[0]) * indexedBytes),
+          end((static_cast<std::size_t>(index[count - 1]) + 1) * indexedBytes) {}
+
+    /// Asks for a row ahead of its use. Strips are too short for the processor to see by itself where the next one
+    /// begins.
+    void prefetch(const void* sourceRows, unsigned int y) const {
+        constexpr std::size_t kCacheLine = 64;
+        const unsigned char* row = rowAt(sourceRows, y);
+        for (std::size_t at = begin; at < end; at += kCacheLine)
+            __builtin_prefetch(row + at);
+    }
+};
+
 void zoomNearest(const Zoom& zoom, const CellRect& rect) {
     const auto copyRow = zoomKernels().nearest[zoom.elementSize];
-    forEachStrip(rect, kZoomPiece, [&](unsigned int left, std::size_t count) {
-        std::int32_t index[kZoomPiece];
+    forEachStrip(rect, kNearestStrip, [&](unsigned int left, std::size_t count) {
+        std::int32_t index[kNearestStrip] = {};
         for (std::size_t i = 0; i < count; ++i)
             index[i] = static_cast<std::int32_t>(zoom.x.nearestSample(left + static_cast<unsigned int>(i)));
+        const SourceSpan span(index, count, zoom.elementSize);
         const unsigned char* rowBefore = nullptr;
         unsigned int sampleBefore = 0;
         for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom); ++y) {
@@ -153,6 +179,8 @@ void zoomNearest(const Zoom& zoom, const CellRect& rect) {
             if (rowBefore != nullptr && sample == sampleBefore) {
                 std::memmove(destination, rowBefore, count * zoom.elementSize);
             } else {
+                if (y != static_cast<unsigned int>(rect.bottom))
+                    span.prefetch(zoom.sourceRows, zoom.y.nearestSample(y + 1));
                 copyRow(rowAt(zoom.sourceRows, sample), index, destination, count);
             }
             rowBefore = destination;
@@ -166,6 +194,7 @@ void placeColumns(const Zoom& zoom, unsigned int left, std::size_t elementCount,
     const unsigned int parts = zoom.valuesPerElement;
     columns.count = elementCount * parts;
     columns.step = static_cast<std::int32_t>(parts);
+    columns.lastIndex = static_cast<std::int32_t>(zoom.x.sourceSize * parts - 1);
     for (std::size_t i = 0; i < elementCount; ++i) {
         const Position at(zoom.x, left + static_cast<unsigned int>(i));
         for (std::size_t part = 0; part < parts; ++part) {
@@ -177,12 +206,30 @@ void placeColumns(const Zoom& zoom, unsigned int left, std::size_t elementCount,
     }
 }
 
+SourceSpan spanOf(const Zoom& zoom, const ZoomColumns& columns) {
+    return {columns.index, columns.count, zoom.elementSize / zoom.valuesPerElement};
+}
+
+/// Asks for the source rows that the next position needs and the current one does not. `behind`: rows behind a
+/// position that interpolation needs; before it, it needs one less.
+void prefetchRows(const Zoom& zoom, const SourceSpan& span, const Position& now, const Position& next,
+                  unsigned int behind) {
+    const unsigned int last = next.index + behind;
+    const unsigned int firstNeeded = next.index + 1 - behind;
+    const unsigned int firstNew = now.index + behind + 1;
+    for (unsigned int y = firstNew < firstNeeded ? firstNeeded : firstNew; y <= last; ++y)
+        span.prefetch(zoom.sourceRows, y);
+}
+
 void zoomBilinear(const Zoom& zoom, const CellRect& rect) {
     constexpr unsigned int kNoRow = 0xFFFFFFFFU;
     const ZoomValueKernels& kernels = zoomKernels().values[zoom.valueType];
+    const bool isDirect =
+        kernels.bilinearDirect != nullptr && zoom.y.scale < kDirectScale && zoom.valuesPerElement <= 3;
     ZoomColumns columns;
     forEachStrip(rect, kZoomPiece / zoom.valuesPerElement, [&](unsigned int left, std::size_t count) {
         placeColumns(zoom, left, count, columns);
+        const SourceSpan span = spanOf(zoom, columns);
         BilinearRow rows[2];
         unsigned int held[2] = {kNoRow, kNoRow};
         const auto rowOf = [&](unsigned int y) -> const BilinearRow& {
@@ -192,6 +239,13 @@ void zoomBilinear(const Zoom& zoom, const CellRect& rect) {
         };
         for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom); ++y) {
             const Position at(zoom.y, y);
+            if (y != static_cast<unsigned int>(rect.bottom))
+                prefetchRows(zoom, span, at, Position(zoom.y, y + 1), 1);
+            if (isDirect) {
+                kernels.bilinearDirect(rowAt(zoom.sourceRows, at.index), rowAt(zoom.sourceRows, at.index + 1),
+                                       columns, at.fraction, zoom.destination(y, left));
+                continue;
+            }
             const BilinearRow& upper = rowOf(at.index);
             kernels.bilinearAcross(upper, rowOf(at.index + 1), at.fraction, zoom.destination(y, left),
                                    columns.count);
@@ -218,6 +272,7 @@ void zoomCubic(const Zoom& zoom, const CellRect& rect) {
     forEachStrip(rect, kZoomPiece / zoom.valuesPerElement, [&](unsigned int left, std::size_t count) {
         placeColumns(zoom, left, count, columns);
         weighColumns(columns);
+        const SourceSpan span = spanOf(zoom, columns);
         CubicRow rows[4];
         unsigned int held[4] = {kNoRow, kNoRow, kNoRow, kNoRow};
         const auto rowOf = [&](unsigned int y) -> const CubicRow* {
@@ -227,6 +282,8 @@ void zoomCubic(const Zoom& zoom, const CellRect& rect) {
         };
         for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom); ++y) {
             const Position at(zoom.y, y);
+            if (y != static_cast<unsigned int>(rect.bottom))
+                prefetchRows(zoom, span, at, Position(zoom.y, y + 1), 2);
             const CubicRow* const around[4] = {at.index == 0 ? &kAbsentRow : rowOf(at.index - 1),
                                                rowOf(at.index), rowOf(at.index + 1), rowOf(at.index + 2)};
             kernels.cubicAcross(around, cubicWeights(at.fraction), zoom.destination(y, left), columns.count);

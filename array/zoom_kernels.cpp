@@ -3,6 +3,17 @@
 
 #include "array/rounding.h"
 
+#if defined(__AVX512F__) && defined(__AVX512DQ__) && defined(__AVX512VL__)
+#define VELQUAD_ZOOM_GATHERS 1
+#if !defined(__clang__)
+// The compiler's own header leaves the operand undefined that an unmasked conversion does not use.
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
+#include <immintrin.h>
+#else
+#define VELQUAD_ZOOM_GATHERS 0
+#endif
+
 namespace velquad::array::VELQUAD_KERNEL_LEVEL {
 
 namespace {
@@ -36,6 +47,179 @@ VELQUAD_ALWAYS_INLINE typename ElementType::Value stored(double v) {
         return static_cast<Value>(kIsWithin ? rounded : limited(rounded, kLowest, kHighest));
     }
 }
+
+#if VELQUAD_ZOOM_GATHERS
+
+/// Eight columns at a time, with the neighbours of each gathered as one word. The operations and their order are those
+/// of the plain loops. Only for the types that measure most; `load` never reads beyond what the interpolation needs,
+/// but for bytes with the step 1, whose pairs take two more.
+template <class Value>
+struct Lanes;
+
+VELQUAD_ALWAYS_INLINE __m256i loadIndex(const std::int32_t* index) {
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i_u*>(index));
+}
+
+VELQUAD_ALWAYS_INLINE __m512d byteOf(__m256i words, int shift) {
+    const __m256i bytes =
+        _mm256_and_si256(_mm256_srl_epi32(words, _mm_cvtsi32_si128(shift)), _mm256_set1_epi32(255));
+    return _mm512_cvtepi32_pd(bytes);
+}
+
+template <>
+struct Lanes<std::uint8_t> {
+    VELQUAD_ALWAYS_INLINE static void pair(const unsigned char* row, __m256i index, int step, __m512d* p) {
+        const __m256i words =
+            _mm256_i32gather_epi32(static_cast<const int*>(static_cast<const void*>(row)), index, 1);
+        p[0] = byteOf(words, 0);
+        p[1] = byteOf(words, 8 * step);
+    }
+    /// The samples before, at, behind and two behind; `index` is that of the first.
+    VELQUAD_ALWAYS_INLINE static void quad(const unsigned char* row, __m256i index, int step, __m512d* p) {
+        if (step == 1) {
+            const __m256i words =
+                _mm256_i32gather_epi32(static_cast<const int*>(static_cast<const void*>(row)), index, 1);
+            for (int i = 0; i < 4; ++i)
+                p[i] = byteOf(words, 8 * i);
+        } else {
+            pair(row, index, step, p);
+            pair(row + 2 * step, index, step, p + 2);
+        }
+    }
+};
+
+template <>
+struct Lanes<std::uint16_t> {
+    VELQUAD_ALWAYS_INLINE static void pair(const unsigned char* row, __m256i index, int /*step*/,
+                                           __m512d* p) {
+        const __m256i words =
+            _mm256_i32gather_epi32(static_cast<const int*>(static_cast<const void*>(row)), index, 2);
+        p[0] = _mm512_cvtepi32_pd(_mm256_and_si256(words, _mm256_set1_epi32(0xFFFF)));
+        p[1] = _mm512_cvtepi32_pd(_mm256_srli_epi32(words, 16));
+    }
+    VELQUAD_ALWAYS_INLINE static void quad(const unsigned char* row, __m256i index, int step, __m512d* p) {
+        pair(row, index, step, p);
+        pair(row + 4, index, step, p + 2);
+    }
+};
+
+template <>
+struct Lanes<float> {
+    VELQUAD_ALWAYS_INLINE static void pair(const unsigned char* row, __m256i index, int /*step*/,
+                                           __m512d* p) {
+        const __m512i words = _mm512_i32gather_epi64(index, row, 4);
+        p[0] = _mm512_cvtps_pd(_mm256_castsi256_ps(_mm512_cvtepi64_epi32(words)));
+        p[1] = _mm512_cvtps_pd(_mm256_castsi256_ps(_mm512_cvtepi64_epi32(_mm512_srli_epi64(words, 32))));
+    }
+    VELQUAD_ALWAYS_INLINE static void quad(const unsigned char* row, __m256i index, int step, __m512d* p) {
+        pair(row, index, step, p);
+        pair(row + 8, index, step, p + 2);
+    }
+};
+
+template <>
+struct Lanes<double> {
+    VELQUAD_ALWAYS_INLINE static void pair(const unsigned char* row, __m256i index, int /*step*/,
+                                           __m512d* p) {
+        p[0] = _mm512_i32gather_pd(index, row, 8);
+        p[1] = _mm512_i32gather_pd(index, row + 8, 8);
+    }
+    VELQUAD_ALWAYS_INLINE static void quad(const unsigned char* row, __m256i index, int step, __m512d* p) {
+        pair(row, index, step, p);
+        pair(row + 16, index, step, p + 2);
+    }
+};
+
+/// Columns that may be worked on in lanes: whole groups of eight within [begin, count), of which bytes with the step 1
+/// leave out those whose word would reach beyond the row.
+template <class Value>
+VELQUAD_ALWAYS_INLINE std::size_t endOfLanes(const ZoomColumns& columns, std::size_t begin) {
+    std::size_t end = columns.count;
+    if (sizeof(Value) == 1 && columns.step == 1) {
+        while (end > begin && columns.index[end - 1] > columns.lastIndex - 3)
+            --end;
+    }
+    return end <= begin ? begin : begin + (end - begin) / 8 * 8;
+}
+
+template <class Value>
+VELQUAD_ALWAYS_INLINE void storeLanes(void* destination, std::size_t i, __m512d v) {
+    auto* to = static_cast<unsigned char*>(destination) + i * sizeof(Value);
+    if constexpr (sizeof(Value) == 8) {
+        _mm512_storeu_pd(to, v);
+    } else if constexpr (sizeof(Value) == 4) {
+        v = _mm512_max_pd(_mm512_set1_pd(-kLargestFloat), _mm512_min_pd(_mm512_set1_pd(kLargestFloat), v));
+        _mm256_storeu_ps(static_cast<float*>(static_cast<void*>(to)), _mm512_cvtpd_ps(v));
+    } else {
+        const __m256i rounded = _mm512_cvttpd_epi32(_mm512_add_pd(v, _mm512_set1_pd(0.5)));
+        if constexpr (sizeof(Value) == 2) {
+            _mm_storeu_si128(reinterpret_cast<__m128i_u*>(to), _mm256_cvtepi32_epi16(rounded));
+        } else {
+            _mm_storel_epi64(reinterpret_cast<__m128i_u*>(to), _mm256_cvtepi32_epi8(rounded));
+        }
+    }
+}
+
+template <class Value>
+std::size_t bilinearLanes(const unsigned char* upper, const unsigned char* lower, const ZoomColumns& columns,
+                          double fraction, void* destination) {
+    const std::size_t end = endOfLanes<Value>(columns, 0);
+    const __m512d down = _mm512_set1_pd(fraction);
+    const __m512d up = _mm512_set1_pd(1.0 - fraction);
+    for (std::size_t i = 0; i < end; i += 8) {
+        const __m256i index = loadIndex(columns.index + i);
+        const __m512d right = _mm512_loadu_pd(columns.fraction + i);
+        const __m512d left = _mm512_loadu_pd(columns.rest + i);
+        __m512d p[2];
+        Lanes<Value>::pair(upper, index, columns.step, p);
+        __m512d v = _mm512_mul_pd(_mm512_mul_pd(p[0], left), up);
+        v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_mul_pd(p[1], right), up));
+        Lanes<Value>::pair(lower, index, columns.step, p);
+        v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_mul_pd(p[0], left), down));
+        v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_mul_pd(p[1], right), down));
+        storeLanes<Value>(destination, i, v);
+    }
+    return end;
+}
+
+/// The part of bilinear interpolation along x. @return the columns that are done.
+template <class Value>
+std::size_t bilinearLanesAlong(const unsigned char* source, const ZoomColumns& columns, BilinearRow& row) {
+    const std::size_t end = endOfLanes<Value>(columns, 0);
+    for (std::size_t i = 0; i < end; i += 8) {
+        __m512d p[2];
+        Lanes<Value>::pair(source, loadIndex(columns.index + i), columns.step, p);
+        _mm512_storeu_pd(row.left + i, _mm512_mul_pd(p[0], _mm512_loadu_pd(columns.rest + i)));
+        _mm512_storeu_pd(row.right + i, _mm512_mul_pd(p[1], _mm512_loadu_pd(columns.fraction + i)));
+    }
+    return end;
+}
+
+/// `index` counts from the sample at a position; the row is taken one sample earlier.
+template <class Value>
+std::size_t cubicLanes(const unsigned char* row, const ZoomColumns& columns, std::size_t begin,
+                       CubicRow& result) {
+    const std::size_t end = begin + (columns.count - begin) / 8 * 8;
+    const __m256i back = _mm256_set1_epi32(columns.step);
+    for (std::size_t i = begin; i < end; i += 8) {
+        __m512d p[4];
+        Lanes<Value>::quad(row, _mm256_sub_epi32(loadIndex(columns.index + i), back), columns.step, p);
+        __m512d v = _mm512_mul_pd(p[1], _mm512_loadu_pd(columns.weight[1] + i));
+        v = _mm512_sub_pd(v, _mm512_mul_pd(p[0], _mm512_loadu_pd(columns.weight[0] + i)));
+        v = _mm512_add_pd(v, _mm512_mul_pd(p[2], _mm512_loadu_pd(columns.weight[2] + i)));
+        v = _mm512_sub_pd(v, _mm512_mul_pd(p[3], _mm512_loadu_pd(columns.weight[3] + i)));
+        _mm512_storeu_pd(result.value + i, v);
+    }
+    return end;
+}
+
+#endif
+
+/// The types whose rows are interpolated directly where that is faster.
+template <class ElementType>
+constexpr bool kHasLanes = VELQUAD_ZOOM_GATHERS != 0 &&
+                           (ElementType::kType == MAT_ARRAY_UINT8 || ElementType::kType == MAT_ARRAY_UINT16 ||
+                            ElementType::kType == MAT_ARRAY_FLOAT || ElementType::kType == MAT_ARRAY_DOUBLE);
 
 /// `kCount` neighbours of a source row.
 template <class Value, std::size_t kCount>
@@ -93,6 +277,21 @@ VELQUAD_ALWAYS_INLINE void bilinearPixelsAlong(const void* sourceRow, const Zoom
 template <class ElementType>
 void bilinearAlong(const void* sourceRow, const ZoomColumns& columns, BilinearRow& row) {
     using Value = typename ElementType::Value;
+#if VELQUAD_ZOOM_GATHERS
+    if constexpr (kHasLanes<ElementType>) {
+        if (columns.step <= 3) {
+            const auto* from = static_cast<const unsigned char*>(sourceRow);
+            const auto step = static_cast<std::size_t>(columns.step);
+            for (std::size_t i = bilinearLanesAlong<Value>(from, columns, row); i < columns.count; ++i) {
+                const auto index = static_cast<std::size_t>(columns.index[i]);
+                row.left[i] = static_cast<double>(loadElement<Value>(from, index)) * columns.rest[i];
+                row.right[i] =
+                    static_cast<double>(loadElement<Value>(from, index + step)) * columns.fraction[i];
+            }
+            return;
+        }
+    }
+#endif
     if constexpr (ElementType::kType == MAT_ARRAY_UINT8) {
         if (columns.step == 3) return bilinearPixelsAlong<3>(sourceRow, columns, row);
         if (columns.step == 4) return bilinearPixelsAlong<4>(sourceRow, columns, row);
@@ -140,6 +339,23 @@ VELQUAD_ALWAYS_INLINE std::size_t cubicAtFirstSample(const void* sourceRow, cons
     return i;
 }
 
+#if VELQUAD_ZOOM_GATHERS
+/// The columns that are left over by lanes.
+template <class Value>
+VELQUAD_ALWAYS_INLINE void cubicOneByOne(const void* sourceRow, const ZoomColumns& columns, std::size_t begin,
+                                         CubicRow& row) {
+    const auto step = static_cast<std::size_t>(columns.step);
+    for (std::size_t i = begin; i < columns.count; ++i) {
+        const auto index = static_cast<std::size_t>(columns.index[i]);
+        const auto at = [sourceRow](std::size_t x) {
+            return static_cast<double>(loadElement<Value>(sourceRow, x));
+        };
+        row.value[i] =
+            weighed(at(index - step), at(index), at(index + step), at(index + 2 * step), columns, i);
+    }
+}
+#endif
+
 template <std::size_t kStep>
 VELQUAD_ALWAYS_INLINE void cubicPixelsAlong(const void* sourceRow, const ZoomColumns& columns,
                                             std::size_t begin, CubicRow& row) {
@@ -156,7 +372,16 @@ VELQUAD_ALWAYS_INLINE void cubicPixelsAlong(const void* sourceRow, const ZoomCol
 template <class ElementType>
 void cubicAlong(const void* sourceRow, const ZoomColumns& columns, CubicRow& row) {
     using Value = typename ElementType::Value;
-    const std::size_t begin = cubicAtFirstSample<Value>(sourceRow, columns, row);
+    std::size_t begin = cubicAtFirstSample<Value>(sourceRow, columns, row);
+#if VELQUAD_ZOOM_GATHERS
+    if constexpr (kHasLanes<ElementType>) {
+        if (columns.step <= 3) {
+            begin = cubicLanes<Value>(static_cast<const unsigned char*>(sourceRow), columns, begin, row);
+            cubicOneByOne<Value>(sourceRow, columns, begin, row);
+            return;
+        }
+    }
+#endif
     if constexpr (ElementType::kType == MAT_ARRAY_UINT8) {
         if (columns.step == 3) return cubicPixelsAlong<3>(sourceRow, columns, begin, row);
         if (columns.step == 4) return cubicPixelsAlong<4>(sourceRow, columns, begin, row);
@@ -184,6 +409,31 @@ void cubicAcross(const CubicRow* const rows[4], const CubicWeights& weights, voi
     }
 }
 
+/// Both parts of a bilinear interpolation at once, for rows that serve one destination row only.
+template <class ElementType>
+void bilinearDirect(const void* upperRow, const void* lowerRow, const ZoomColumns& columns, double fraction,
+                    void* destination) {
+    using Value = typename ElementType::Value;
+    const double up = 1.0 - fraction;
+    std::size_t i = 0;
+#if VELQUAD_ZOOM_GATHERS
+    i = bilinearLanes<Value>(static_cast<const unsigned char*>(upperRow),
+                             static_cast<const unsigned char*>(lowerRow), columns, fraction, destination);
+#endif
+    for (; i < columns.count; ++i) {
+        const auto index = static_cast<std::size_t>(columns.index[i]);
+        const auto next = index + static_cast<std::size_t>(columns.step);
+        const auto at = [](const void* row, std::size_t x) {
+            return static_cast<double>(loadElement<Value>(row, x));
+        };
+        const double v = at(upperRow, index) * columns.rest[i] * up +
+                         at(upperRow, next) * columns.fraction[i] * up +
+                         at(lowerRow, index) * columns.rest[i] * fraction +
+                         at(lowerRow, next) * columns.fraction[i] * fraction;
+        storeElement(destination, i, stored<ElementType, true>(v));
+    }
+}
+
 /// Bytes that are copied as one.
 template <std::size_t kSize>
 struct Bytes {
@@ -198,8 +448,10 @@ void nearest(const void* sourceRow, const std::int32_t* index, void* destination
 
 template <class ElementType>
 constexpr ZoomValueKernels kernelsOf() {
-    return {bilinearAlong<ElementType>, bilinearAcross<ElementType>, cubicAlong<ElementType>,
-            cubicAcross<ElementType>};
+    ZoomValueKernels kernels = {bilinearAlong<ElementType>, bilinearAcross<ElementType>, nullptr,
+                                cubicAlong<ElementType>, cubicAcross<ElementType>};
+    if constexpr (kHasLanes<ElementType>) kernels.bilinearDirect = bilinearDirect<ElementType>;
+    return kernels;
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 namespace velquad::array {
 
 /// Values that one piece of a row holds at most.
-inline constexpr std::size_t kZoomPiece = 512;
+inline constexpr std::size_t kZoomPiece = 448;
 
 /// Where the columns of a piece lie in the source. A column is one value: pixels of bytes have one for each byte.
 struct ZoomColumns {
@@ -18,6 +18,7 @@ struct ZoomColumns {
     double fraction[kZoomPiece];     ///< Way from there to the next pixel, in [0, 1).
     double rest[kZoomPiece];         ///< 1 - fraction.
     double weight[4][kZoomPiece];    ///< Cubic: a, b, c, d.
+    std::int32_t lastIndex = 0;      ///< The last value of a source row.
     std::size_t count = 0;           ///< Columns of this piece.
     std::int32_t step = 1;           ///< From a value to the same one of the next pixel.
 };
@@ -46,6 +47,10 @@ struct ZoomValueKernels {
     void (*bilinearAlong)(const void* sourceRow, const ZoomColumns& columns, BilinearRow& row);
     void (*bilinearAcross)(const BilinearRow& upper, const BilinearRow& lower, double fraction,
                            void* destination, std::size_t count);
+    /// Both steps of bilinear zoom in one, for pixels of up to three values; null where it is not faster even if each
+    /// source row serves one destination row only.
+    void (*bilinearDirect)(const void* upperRow, const void* lowerRow, const ZoomColumns& columns,
+                           double fraction, void* destination);
     void (*cubicAlong)(const void* sourceRow, const ZoomColumns& columns, CubicRow& row);
     void (*cubicAcross)(const CubicRow* const rows[4], const CubicWeights& weights, void* destination,
                         std::size_t count);

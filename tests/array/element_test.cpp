@@ -157,6 +157,17 @@ TEST(ConvertFromFloat, RefusesEmptyArraysNullTablesAndUnknownTypes) {
     EXPECT_EQ((std::vector<std::uint8_t>{9, 9}), destination.values());
 }
 
+TEST(ConvertFromFloat, InfinitiesFlattenTheRange) {
+    const float infinity = std::numeric_limits<float>::infinity();
+    // 1 / infinity is 0, and 0 times infinity is not a number: all give the low bits of 0.
+    EXPECT_EQ((std::vector<std::uint8_t>{0, 0, 0}), fromFloats<std::uint8_t>({1.0F, infinity, 2.0F}, 2));
+    EXPECT_EQ((std::vector<std::int8_t>{-128, 0}), fromFloats<std::int8_t>({1.0F, infinity}, 1));
+    EXPECT_EQ((std::vector<std::uint16_t>{0, 0}), fromFloats<std::uint16_t>({infinity, infinity}, 4));
+    EXPECT_EQ((std::vector<std::uint16_t>{0, 0}), fromFloats<std::uint16_t>({-infinity, -infinity}, 4));
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_EQ((std::vector<std::uint8_t>{0, 0}), fromFloats<std::uint8_t>({nan, nan}, 2));
+}
+
 TEST(ConvertFromFloat, ANotANumberIsTheLowBitsOfZero) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     EXPECT_EQ((std::vector<std::int8_t>{-128, 0, 127}), fromFloats<std::int8_t>({0.0F, nan, 1.0F}, 1));
