@@ -2,6 +2,8 @@
 //
 // Running moments take whole rows at once where a channel's elements stand side by side and none is masked out. Else
 // they are gathered in a small buffer first, which leaves the same bits behind.
+#include "array/range.h"
+
 #include <cstdint>
 #include <cstring>
 
@@ -83,6 +85,14 @@ void measureChannel(const Measured& measured, unsigned int channel, CMatMomentEv
 }
 
 }  // namespace
+
+void addChannel(const void* rows, unsigned int type, unsigned int width, unsigned int height,
+                unsigned int channels, unsigned int channel, CMatMomentEvaluator& evaluator) {
+    dispatchScalar(type, [&]<class ElementType>(ElementType /*element*/) {
+        measureChannel<typename ElementType::Value>({rows, nullptr, width, height, channels}, channel,
+                                                    evaluator);
+    });
+}
 
 }  // namespace velquad::array
 

@@ -232,4 +232,161 @@ VELQUAD_API int matFindGlobalPeak2w(unsigned short** image, int width, int heigh
 /// @return 0 for null, else 1.
 VELQUAD_API int matZeroInitArray2v(void** rows);
 
+/// @name Volumes
+/// A volume is a table of slices, `volume[z][y]`, each slice a row table. As with images, every function but
+/// `matFreeArray3v`, `matIsArray3v` and `matZeroInitArray3v` takes any such tables.
+///
+/// **Rounding.** Values are stored rounded by x + 0.5, or x - 0.49 below zero, and truncated: -0.5 becomes 0,
+/// and only values below -0.51 become -1. The limits of the type are applied to the truncated 32-bit value,
+/// which is -2147483648 for everything beyond 32 bits: 3e9 becomes 0 in type 2. In particular:
+///
+///     type   below -2147483647.5   2147483647.5 to 4294967294.5              beyond
+///     5      -2147483648           -2147483648 (affine transform: 2147483647)  2147483647
+///     6      0x80000000            0x80000000                                0xFFFFFFFF
+///     7                 limited to the largest float
+///
+/// Negative values wrap around in type 6: -1 becomes 0xFFFFFFFF.
+/// @{
+
+extern "C" {
+
+/// Makes a volume whose elements are all zero. Each slice is an array as `matAllocArray2v` makes it and may
+/// be used as one, but must not be released alone.
+///
+/// In front of the slice table stand eight 32-bit words: `width`, `height`, `depth`, `type`, `channels`,
+/// bytes of all elements modulo 2^32, and two zeros.
+/// @param dataOut  optional: receives null, as there is no single block of data; left alone on failure.
+/// @return the slice table, which the caller owns until `matFreeArray3v`; null without memory.
+VELQUAD_API void*** matAllocArray3v(unsigned int width, unsigned int height, unsigned int depth,
+                                    unsigned int type, unsigned int channels, void** dataOut);
+
+/// Releases a volume and its slices. What was not made by `matAllocArray3v` is left alone.
+/// @return 0 when `matIsArray3v` says 0, else 1.
+VELQUAD_API int matFreeArray3v(void*** volume);
+
+/// Tells whether the words in front of an address are those of a volume: readable, and with a size of data
+/// that is the product of the others. This is a test of plausibility, which 32 bytes of zeros pass too.
+/// @return 1 or 0; 0 for null.
+VELQUAD_API int matIsArray3v(const void* const* const* volume);
+
+/// Sets all elements of a volume that was made by `matAllocArray3v` to zero.
+/// @return 0 when `matIsArray3v` says 0, else 1.
+VELQUAD_API int matZeroInitArray3v(void*** volume);
+
+/// Minimum, maximum, mean and standard deviation (divisor: the number of elements) of each channel; elements
+/// count as for `matGetRangeOfArray2v`. A channel without an element gives what an empty
+/// `CMatMomentEvaluator` gives: the largest double, four times.
+/// @param minOut  optional, as the other three: one double per channel.
+/// @return 1; 0 for a null volume and for a code that is no type.
+VELQUAD_API int matGetRangeOfArray3v(const void* const* const* volume, unsigned int type,
+                                     unsigned int channels, unsigned int width, unsigned int height,
+                                     unsigned int depth, double* minOut, double* maxOut, double* meanOut,
+                                     double* stdDevOut);
+
+}  // extern "C"
+
+/// Copies all rows. Neither table is tested.
+/// @return 1; a size below 1 copies nothing.
+VELQUAD_API int matCopyArray3v(void*** destination, void*** source, int width, int height, int depth,
+                               unsigned int type, unsigned int channels);
+/// @}
+
+/// @name Conversion of volumes
+/// Elements of the types 1 to 8 to floats or doubles and back, by value: nothing is stretched, and signed
+/// types are signed. `type` is that of the side that is `void`. Rows hold `width * channels` elements. The
+/// `2v` forms take row tables of one slice.
+/// @return 1; 0 for a null table and for a type outside 1 to 8, pixels included.
+/// @{
+VELQUAD_API int matConvertToDouble3v(double*** destination, void*** source, unsigned int width,
+                                     unsigned int height, unsigned int depth, unsigned int type,
+                                     unsigned int channels);
+VELQUAD_API int matConvertToFloat3v(float*** destination, void*** source, unsigned int width,
+                                    unsigned int height, unsigned int depth, unsigned int type,
+                                    unsigned int channels);
+VELQUAD_API int matConvertFromDouble3v(double*** source, void*** destination, unsigned int width,
+                                       unsigned int height, unsigned int depth, unsigned int type,
+                                       unsigned int channels);
+VELQUAD_API int matConvertFromFloat3v(float*** source, void*** destination, unsigned int width,
+                                      unsigned int height, unsigned int depth, unsigned int type,
+                                      unsigned int channels);
+VELQUAD_API int matConvertToDouble2v(double** destination, void** source, unsigned int width,
+                                     unsigned int height, unsigned int type, unsigned int channels);
+VELQUAD_API int matConvertToFloat2v(float** destination, void** source, unsigned int width,
+                                    unsigned int height, unsigned int type, unsigned int channels);
+VELQUAD_API int matConvertFromDouble2v(double** source, void** destination, unsigned int width,
+                                       unsigned int height, unsigned int type, unsigned int channels);
+VELQUAD_API int matConvertFromFloat2v(float** source, void** destination, unsigned int width,
+                                      unsigned int height, unsigned int type, unsigned int channels);
+/// @}
+
+/// @name Affine transform and blur
+/// @{
+
+/// Resamples a volume into another one under an affine or projective map. Each destination voxel is fetched
+/// from where the inverse map says it comes from.
+///   (1) The matrix maps source positions to destination positions, row by row for column vectors, and acts
+///       on voxel centres: voxel 0 reaches from -0.5 to 0.5. A singular matrix is not reported.
+///   (2) A position belongs to the source from above -1 to below the size, on every axis. Between -1 and 0
+///       the values of cells 0 and 1 are extrapolated; from size - 1 on the last cell's value is taken. All
+///       else, and every voxel of an empty source, becomes background.
+///   (3) Trilinear interpolation in double; the result is rounded and limited to the type.
+///   (4) Nearest sampling rounds positions as values are rounded (see Volumes) and copies pixels unchanged.
+///   (5) A voxel that maps to infinity takes the position of the voxel before it.
+/// Source and destination must not overlap.
+/// @param channels    interleaved channels; `MAT_ARRAY_BYTE3` and `MAT_ARRAY_BYTE4` have three and four
+///                    bytes, whatever `channels` says.
+/// @param matrix      four rows of four. Not read in scale mode.
+/// @param flags       bit 31: scale mode, where destination voxel x comes from x / (dstWidth / srcWidth),
+///                    without the shift to voxel centres; bit value 1: nearest sampling. Other bits are
+///                    ignored.
+/// @param background  optional: one double per channel, truncated to the type without limits (300.7 is 44 in
+///                    type 2). The largest double stands for 0, as does null.
+/// @return 1; 0 for a null table, a null matrix that is needed, a code that is no type, and without memory.
+///         Nothing is written then.
+VELQUAD_API int _matAffinTransformArray3v(unsigned int srcWidth, unsigned int srcHeight,
+                                          unsigned int srcDepth, unsigned int channels, void*** source,
+                                          unsigned int dstWidth, unsigned int dstHeight,
+                                          unsigned int dstDepth, void*** destination, unsigned int type,
+                                          double (*const matrix)[4], DWORD flags, double* background);
+
+/// `_matAffinTransformArray3v` with one channel and background 0.
+extern "C" VELQUAD_API int matAffinTransformArray3v(unsigned int srcWidth, unsigned int srcHeight,
+                                                    unsigned int srcDepth, void*** source,
+                                                    unsigned int dstWidth, unsigned int dstHeight,
+                                                    unsigned int dstDepth, void*** destination,
+                                                    unsigned int type, const double (*matrix)[4],
+                                                    DWORD flags);
+
+/// Smooths a volume in place by a Gaussian along Z, Y and X, one axis after the other; Z only with more than
+/// one slice. The kernel of each axis is cut off at a radius and normalised over what of it lies in the
+/// volume, so that a constant volume stays constant up to its faces.
+///   (1) A sigma of 0, and a radius below 1, leave an axis as it is.
+///   (2) Without conversion, values are rounded to their type after each axis. With conversion, types 1 to 4
+///       are filtered in a copy of floats, types 5 and 6 in one of doubles, and rounded once.
+///   (3) `MAT_ARRAY_BYTE3`, `MAT_ARRAY_BYTE4` and unknown types pass through all lines unchanged.
+///   (4) A radius that does not fit 32 bits, or is not a number, makes the axis zero.
+/// @param size          width, height and depth.
+/// @param strides       optional: byte steps along X, Y and Z, counted from the first element of a line, for
+///                      volumes in one block; 0 and 0xFFFFFFFF stand for none, and the tables are used. Not
+///                      used with a copy.
+/// @param sigma         standard deviation along X, Y and Z in voxels.
+/// @param radiusFactor  radius of the kernels in sigmas, along X, Y and Z. The radius is truncated to whole
+///                      voxels.
+/// @param convert       non-zero: integers are filtered in a copy.
+/// @param callback      optional: called once for each line, in the order of the work: along Z for x and in
+///                      it y, along Y for z and in it x, along X for y and in it z. `current` counts from 1
+///                      to `total`. The result 0 ends the work: exactly the lines announced before are
+///                      filtered. Lines may be announced some time ahead of their filtering, so the callback
+///                      must not look at the volume.
+/// @return 1 for done, 2 when the callback ended it, 0 without memory, for null arguments that are needed,
+///         and for a negative radius, or one of 2^29 and more in a volume whose rows overlap. A filtered copy
+///         is stored even when the callback ended the work, and the result is 1 then.
+/// @par Cost  O(voxels * radius). Beyond the copy, memory for some rows.
+VELQUAD_API DWORD matGaussianBlurFilter3v(void*** volume, unsigned int* const size, unsigned int type,
+                                          unsigned int channels, unsigned int* const strides,
+                                          double* const sigma, double* const radiusFactor, int convert,
+                                          int (*callback)(unsigned int, unsigned int, void*),
+                                          void* callbackUser);
+/// @}
+
 #endif  // VELQUAD_ARRAY_H
