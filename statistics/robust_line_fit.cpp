@@ -6,10 +6,10 @@
 // sample gives; a single pass finds them while it computes the offsets. The median is the same value however it
 // is selected, but for zeros of both signs and not-a-numbers: where these can come up, the plain selection runs.
 // Source of the bounds: R. W. Floyd and R. L. Rivest, Expected Time Bounds for Selection, 1975.
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -32,13 +32,23 @@ constexpr double kGrowth = 1.6;
 /// Where the bisection ends, in standard deviations of the least-squares slope.
 constexpr double kSlopeTolerance = 0.01;
 
-/// Arrays from this size on are narrowed down by a sample before a selection.
-constexpr std::size_t kNarrowFrom = 1U << 15;
-constexpr std::size_t kSampleSize = 1U << 12;
-/// Ranks around the middle of the sample between which the median lies: 4 standard deviations on either side, so
-/// that one time in 10000 the bounds miss it.
-constexpr std::size_t kLowSampleRank = kSampleSize / 2 - 128;
-constexpr std::size_t kHighSampleRank = kSampleSize / 2 + 128;
+/// Arrays from this size on are narrowed down by a sample before a selection: one element of each 32, but not more
+/// than keep a sample cheap.
+constexpr std::size_t kNarrowFrom = 1U << 12;
+constexpr std::size_t kSampleStride = 32;
+constexpr std::size_t kLargestSample = 1U << 13;
+
+/// Ranks of a sample between which the median of the whole lies, but for one time in 10000: the rank that belongs to
+/// it has a standard deviation of half the root of the sample's size, and there are 4 of these to either side.
+struct SampleRanks {
+    explicit SampleRanks(std::size_t sampleSize) {
+        const auto reach = static_cast<std::size_t>(2.0 * std::sqrt(static_cast<double>(sampleSize)));
+        low = sampleSize / 2 - reach;
+        high = sampleSize / 2 + reach;
+    }
+    std::size_t low;
+    std::size_t high;
+};
 
 struct Line {
     double slope;
@@ -112,16 +122,19 @@ double RobustFit::residualsOf(const Line& line) {
 
 /// The median by a pass that keeps the offsets within two bounds; nothing when the bounds miss it.
 std::optional<double> RobustFit::narrowedMedian(double slope) {
-    // One of each of equal strides, at a place that does not follow a period of the data.
-    const double stride = static_cast<double>(n_) / static_cast<double>(kSampleSize);
+    // One of each of equal strides, at a place that does not follow a period of the data. The last place is short of
+    // n by far more than rounding.
+    const std::size_t sampleSize = std::min(n_ / kSampleStride, kLargestSample);
+    const double stride = static_cast<double>(n_) / static_cast<double>(sampleSize);
     std::uint32_t scrambled = 0;
-    for (std::size_t i = 0; i < kSampleSize; ++i) {
+    for (std::size_t i = 0; i < sampleSize; ++i) {
         scrambled += 0x9E3779B9U;
         const double place = (static_cast<double>(i) + static_cast<double>(scrambled) * 0x1p-32) * stride;
         work_[i + 1] = offset(1 + static_cast<std::size_t>(place), slope);
     }
-    const double lowBound = velquad::statistics::kthSmallest(work_.get(), kSampleSize, kLowSampleRank);
-    const double highBound = velquad::statistics::kthSmallest(work_.get(), kSampleSize, kHighSampleRank);
+    const SampleRanks sampleRanks(sampleSize);
+    const double lowBound = velquad::statistics::kthSmallest(work_.get(), sampleSize, sampleRanks.low);
+    const double highBound = velquad::statistics::kthSmallest(work_.get(), sampleSize, sampleRanks.high);
 
     std::size_t below = 0;
     std::size_t inside = 0;

@@ -397,7 +397,7 @@ TEST(MatRobustLineFit, AgreesWithThePlainMethodOnLargeClouds) {
     constexpr unsigned int kSeed = 6503;
     SCOPED_TRACE(kSeed);
     std::mt19937_64 random(kSeed);
-    for (const std::size_t count : {32767U, 32768U, 32769U, 60000U}) {
+    for (const std::size_t count : {4095U, 4096U, 4097U, 20000U, 300000U}) {
         SCOPED_TRACE(count);
         Cloud cloud = contaminated(random, count, 0.3, 0.7, 2.0);
         expectAsReference(cloud);
@@ -440,7 +440,7 @@ TEST(MatRobustLineFit, ZerosOfBothSignsAreTakenAsThePlainMethodTakesThem) {
     constexpr unsigned int kSeed = 6505;
     SCOPED_TRACE(kSeed);
     std::mt19937_64 random(kSeed);
-    for (const std::size_t count : {5U, 6U, 9U, 40U, 33000U}) {
+    for (const std::size_t count : {5U, 6U, 9U, 40U, 5000U}) {
         for (int round = 0; round < 10; ++round) {
             Cloud cloud;
             for (std::size_t i = 0; i < count; ++i) {
