@@ -245,6 +245,7 @@ TEST(CMatRobustLineFit, CopyingWithoutMemoryLeavesTheTargetAsItWas) {
             CMatRobustLineFit local;
             local = source;
             const CMatRobustLineFit copy(source);
+            EXPECT_EQ(pairsOf(copy), pairsOf(local));
         } catch (const std::bad_alloc&) {
             return true;
         }
