@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "velquad/geometry.h"
+#include "velquad/statistics.h"
 
 namespace velquad::geometry {
 
@@ -40,8 +41,9 @@ class CMatRotatedEllipse {
     double squaredSemiAxisA, squaredSemiAxisB;
     double sinAngle, cosAngle;
     double diagonalLength;
-    DWORD pointCount = 0;  // points delivered so far
-    int isIrregular = 0;   // small, thin, or on pixels far from square
+    DWORD pointCount = 0;         // points delivered so far
+    int isIrregular = 0;          // small, thin, or on pixels far from square
+    CMatMomentEvaluator moments;  // Kept: part of every ellipse, fed by none
     PointCallback callback;
     std::uint64_t callbackArg1;
     std::int64_t callbackArg2;

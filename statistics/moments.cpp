@@ -11,8 +11,7 @@
 //   - Elsewhere the order of the elements decides about the rounding, and they are added one by one.
 #include "statistics/moments.h"
 
-#include <emmintrin.h>
-
+#include "statistics/element_pair.h"
 #include "statistics/element_type.h"
 #include "statistics/narrow_sums.h"
 
@@ -30,38 +29,6 @@ constexpr std::size_t kMinNarrowBlock = 16;
 constexpr std::size_t kMarkBlock = 1024;
 
 constexpr std::size_t kLanes = 4;
-
-/// Two neighbouring elements as doubles.
-template <class T>
-__m128d loadPair(const void* values, std::size_t index) {
-    return _mm_setr_pd(elementAt<T>(values, index), elementAt<T>(values, index + 1));
-}
-
-template <>
-__m128d loadPair<double>(const void* values, std::size_t index) {
-    return _mm_loadu_pd(static_cast<const double*>(tailOf<double>(values, index)));
-}
-
-template <>
-__m128d loadPair<float>(const void* values, std::size_t index) {
-    const __m128i bits = _mm_loadl_epi64(static_cast<const __m128i*>(tailOf<float>(values, index)));
-    return _mm_cvtps_pd(_mm_castsi128_ps(bits));
-}
-
-template <>
-__m128d loadPair<std::int32_t>(const void* values, std::size_t index) {
-    return _mm_cvtepi32_pd(_mm_loadl_epi64(static_cast<const __m128i*>(tailOf<std::int32_t>(values, index))));
-}
-
-/// The lower and the upper lane.
-struct Lanes {
-    double low = 0.0;
-    double high = 0.0;
-};
-
-Lanes lanesOf(__m128d pair) {
-    return {_mm_cvtsd_f64(pair), _mm_cvtsd_f64(_mm_unpackhi_pd(pair, pair))};
-}
 
 double lesser(Lanes lanes) {
     return lanes.high < lanes.low ? lanes.high : lanes.low;
@@ -158,10 +125,10 @@ bool Moments::addTotals(Evaluator& e, std::int64_t sum, std::uint64_t squares, s
 template <class T>
 bool Moments::addExactly(Evaluator& e, const void* values, std::size_t count) {
     if (!isExactSum(e.sum) || !isExactSumOfSquares(e.sumOfSquares)) return false;
-    const NarrowSums sums = narrowSums<T>(values, count);
-    const std::uint64_t odd =
-        e.sumOfSquares >= static_cast<double>(kTwoTo53) ? countOdd<T>(values, count) : 0;
-    if (!addTotals(e, sums.sum, sums.sumOfSquares, odd)) return false;
+    const NarrowSums sums = narrowKernelsFor<T>().sums(values, count);
+    const bool isRounding = e.sumOfSquares >= static_cast<double>(kTwoTo53);
+    const std::size_t odd = isRounding ? narrowKernelsFor<T>().oddCount(values, count) : 0;
+    if (!addTotals(e, sums.sum, static_cast<std::uint64_t>(sums.sumOfSquares), odd)) return false;
     if (e.min > sums.min) e.min = sums.min;
     if (sums.max > e.max) e.max = sums.max;
     return true;

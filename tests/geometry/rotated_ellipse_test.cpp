@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <functional>
+#include <iterator>
 #include <limits>
 #include <random>
 
@@ -105,6 +108,30 @@ TEST(RotatedEllipse, KnowsItsState) {
     EXPECT_EQ(ellipse.lastChosen.y, 0x7fffffff);
     EXPECT_EQ(ellipse.callbackArg1, 7U);
     EXPECT_EQ(ellipse.callbackArg2, -8);
+}
+
+TEST(RotatedEllipse, CarriesMomentsThatNothingFeeds) {
+    CMatRotatedEllipse ellipse = makeEllipse(30.0, 20.0, 30.0, true, true, 1.0, 1.0);
+    EXPECT_GT(ellipse.Trace(), 100U);
+    EXPECT_EQ(ellipse.moments.GetCount(), 0U);
+    EXPECT_EQ(ellipse.moments.GetMean(), velquad::kNoValue);
+    // A copy has moments of its own.
+    CMatRotatedEllipse copy = ellipse;
+    EXPECT_EQ(copy.moments.AddValue(2.5), 1);
+    EXPECT_EQ(copy.moments.GetCount(), 1U);
+    EXPECT_EQ(ellipse.moments.GetCount(), 0U);
+}
+
+TEST(RotatedEllipse, HasItsFieldsInOrder) {
+    const CMatRotatedEllipse e = makeEllipse(30.0, 20.0, 30.0, true, true, 1.0, 1.0);
+    const void* const fields[] = {
+        &e.centerX,   &e.centerY,        &e.semiAxisA,        &e.semiAxisB,        &e.angle,
+        &e.scaleX,    &e.scaleY,         &e.squaredSemiAxisA, &e.squaredSemiAxisB, &e.sinAngle,
+        &e.cosAngle,  &e.diagonalLength, &e.pointCount,       &e.isIrregular,      &e.moments,
+        &e.callback,  &e.callbackArg1,   &e.callbackArg2,     &e.validity,         &e.lastRounded,
+        &e.lastChosen};
+    EXPECT_EQ(fields[0], &e);
+    EXPECT_TRUE(std::is_sorted(std::begin(fields), std::end(fields), std::less<const void*>()));
 }
 
 TEST(RotatedEllipse, CallsSmallThinAndOblongOnesIrregular) {
