@@ -244,7 +244,7 @@ TEST(CMatRobustLineFit, CopyingWithoutMemoryLeavesTheTargetAsItWas) {
         try {
             CMatRobustLineFit local;
             local = source;
-            const CMatRobustLineFit copy(source);
+            const CMatRobustLineFit copy(source);  // NOLINT(performance-unnecessary-copy-initialization)
             EXPECT_EQ(fieldAt<std::uint32_t>(copy, 8), fieldAt<std::uint32_t>(local, 8));
         } catch (const std::bad_alloc&) {
             return true;
