@@ -273,7 +273,8 @@ VELQUAD_API int matRegressionLine(const double* x, const double* y, unsigned int
 ///   (2) Exchanging the arrays gives the same line with the flag negated, unless the variances are equal.
 /// @param x, y   `count` coordinates each.
 /// @param slope, intercept, yOfX  the line; each may be null.
-/// @return 1; 0 for fewer than two usable pairs and for points that all coincide.
+/// @return 1; 0 for fewer than two usable pairs, and for points that all coincide: 1e-100 > |n * sum t^2 - (sum t)^2|
+///         for the independent coordinate t. Coordinates that leave rounding in this difference give some line.
 VELQUAD_API int matCalcRegressionLine(const double* x, const double* y, unsigned int count,
                                       double ignoreValue, double* slope, double* intercept,
                                       unsigned int* yOfX);
@@ -316,7 +317,7 @@ class VELQUAD_API CMatRegressionLine {
     virtual int AddValue(double x, double y);
 
     /// Computes the line of all pairs so far. Each output may be null.
-    /// @return 1; 0 for fewer than two pairs and for points that all coincide: the line computed before stays then.
+    /// @return 1; 0 as `matCalcRegressionLine`: nothing is stored and the line computed before stays then.
     virtual int CalcRegressionLine(double* slope, double* intercept, int* yOfX);
 
     /// The point of the line at a value of the independent coordinate.
@@ -423,7 +424,7 @@ VELQUAD_API int matFittingLineEx(const tagPOINT2D* points, unsigned int count, t
 ///   (1) The mean and the standard deviation are those of unsigned distances. The deviation is the population's.
 ///   (2) A scale that is 0 takes an axis out of the fit: the normal of the rest is along that axis, and multiplied
 ///       by 0 it is the null vector.
-///   (3) Points that all coincide have the normal (1, 0, 0).
+///   (3) Points that all equal their centre have the normal (1, 0, 0).
 /// @param axisScale          factors of the three axes during the fit, for axes of unlike units; null for 1.
 /// @param centre             mean of the points; may be null.
 /// @param normal             unit vector across the plane, with either sign, or the null vector; may be null.

@@ -277,6 +277,27 @@ TEST(MatRobustLineFit, PointsOnALineGiveItsMedianIntercept) {
     EXPECT_EQ(line.intercept, 3.0);
 }
 
+TEST(MatRobustLineFit, HorizontalAndVerticalCloudsAreLinesOfSlopeNull) {
+    Line line;
+    EXPECT_EQ(fit({{0.0, 1.0, 2.0, 7.0}, {3.0, 3.0, 3.0, 3.0}}, line), 1);
+    EXPECT_EQ(line.slope, 0.0);
+    EXPECT_EQ(line.intercept, 3.0);
+    EXPECT_EQ(line.yOfX, 1);
+    EXPECT_EQ(fit({{3.0, 3.0, 3.0, 3.0}, {0.0, 1.0, 2.0, 7.0}}, line), 1);
+    EXPECT_EQ(line.slope, 0.0);
+    EXPECT_EQ(line.intercept, 3.0);
+    EXPECT_EQ(line.yOfX, 0);
+}
+
+TEST(MatRobustLineFit, ATieOfVariancesIsToldAsXOverY) {
+    // x = y + 2, and both spread alike.
+    Line line;
+    EXPECT_EQ(fit({{2.0, 3.0, 4.0}, {0.0, 1.0, 2.0}}, line), 1);
+    EXPECT_EQ(line.slope, 1.0);
+    EXPECT_EQ(line.intercept, 2.0);
+    EXPECT_EQ(line.yOfX, 0);
+}
+
 TEST(MatRobustLineFit, AFarOutlierDoesNotMoveTheLine) {
     // The outlier makes y spread more, so the cloud is turned: x over y has the outlier along its independent
     // axis. Stretched along x, the cloud is told as y over x.
