@@ -13,6 +13,7 @@
 #include "statistics/element_pair.h"
 #include "statistics/element_type.h"
 #include "statistics/narrow_sums.h"
+#include "statistics/prefetch.h"
 #include "velquad/statistics.h"
 
 namespace velquad::statistics {
@@ -75,6 +76,8 @@ struct PairSums {
         __m128d squares = _mm_setr_pd(e.sumXX, e.sumYY);
         __m128d products = _mm_set_sd(e.sumXY);
         for (std::size_t i = 0; i < inPairs; i += 2) {
+            prefetchAhead(tailOf<T>(x, i));
+            prefetchAhead(tailOf<T>(y, i));
             const __m128d a = loadPair<T>(x, i);
             const __m128d b = loadPair<T>(y, i);
             const __m128d first = _mm_unpacklo_pd(a, b);

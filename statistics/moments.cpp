@@ -14,6 +14,7 @@
 #include "statistics/element_pair.h"
 #include "statistics/element_type.h"
 #include "statistics/narrow_sums.h"
+#include "statistics/prefetch.h"
 
 namespace velquad::statistics {
 
@@ -81,6 +82,7 @@ void Moments::addInOrder(Evaluator& e, const void* values, std::size_t count) {
         __m128d greatest0 = _mm_set1_pd(e.max);
         __m128d greatest1 = greatest0;
         for (std::size_t i = 0; i < inLanes; i += kLanes) {
+            prefetchAhead(tailOf<T>(values, i));
             const __m128d x0 = loadPair<T>(values, i);
             const __m128d x1 = loadPair<T>(values, i + 2);
             // The second operand is the result when the first is not a number.

@@ -11,6 +11,7 @@
 
 #include "statistics/narrow_sums.h"
 #include "statistics/narrow_vector.h"
+#include "statistics/prefetch.h"
 
 namespace velquad::statistics::VELQUAD_KERNEL_LEVEL {
 
@@ -198,8 +199,10 @@ NarrowSums sums(const void* values, std::size_t count) {
     // All full vectors but the last; that one and what remains are taken as the tail.
     const std::size_t vectorCount = (count - 1) / kPerVector;
     Gatherer<sizeof(T)> gatherer;
-    for (std::size_t i = 0; i < vectorCount; ++i)
+    for (std::size_t i = 0; i < vectorCount; ++i) {
+        prefetchAhead(at + i * kVectorBytes);
         gatherer.add(Vector::load(at + i * kVectorBytes) ^ flip);
+    }
     const Tail<T> tail(at + vectorCount * kVectorBytes, count - vectorCount * kPerVector);
     gatherer.add(Vector::load(tail.elements) ^ flip);
     const NarrowSums moved = gatherer.totals();
@@ -222,9 +225,12 @@ NarrowPairSums pairSums(const void* x, const void* y, std::size_t count) {
     const Vector flip = Gatherer<sizeof(T)>::flip(Move<T>::kFlip);
     const std::size_t vectorCount = (count - 1) / kPerVector;
     PairGatherer<sizeof(T)> gatherer;
-    for (std::size_t i = 0; i < vectorCount; ++i)
+    for (std::size_t i = 0; i < vectorCount; ++i) {
+        prefetchAhead(atX + i * kVectorBytes);
+        prefetchAhead(atY + i * kVectorBytes);
         gatherer.add(Vector::load(atX + i * kVectorBytes) ^ flip,
                      Vector::load(atY + i * kVectorBytes) ^ flip);
+    }
     const Tail<T> tailX(atX + vectorCount * kVectorBytes, count - vectorCount * kPerVector);
     const Tail<T> tailY(atY + vectorCount * kVectorBytes, count - vectorCount * kPerVector);
     gatherer.add(Vector::load(tailX.elements) ^ flip, Vector::load(tailY.elements) ^ flip);
