@@ -86,23 +86,23 @@ TEST(MatFittingLineEx, AgreesWithTheAngleOfThePrincipalAxis) {
             points.push_back({along * std::cos(tilt) - across * std::sin(tilt) + 5.0,
                               along * std::sin(tilt) + across * std::cos(tilt) - 7.0});
         }
-        long double mx = 0.0L, my = 0.0L, cxx = 0.0L, cyy = 0.0L, cxy = 0.0L;
+        double mx = 0.0, my = 0.0, cxx = 0.0, cyy = 0.0, cxy = 0.0;
         for (const tagPOINT2D& p : points) {
             mx += p.x;
             my += p.y;
         }
-        mx /= 40.0L;
-        my /= 40.0L;
+        mx /= 40.0;
+        my /= 40.0;
         for (const tagPOINT2D& p : points) {
             cxx += (p.x - mx) * (p.x - mx);
             cyy += (p.y - my) * (p.y - my);
             cxy += (p.x - mx) * (p.y - my);
         }
-        const auto angle = static_cast<double>(0.5L * std::atan2(2.0L * cxy, cxx - cyy));
+        const double angle = 0.5 * std::atan2(2.0 * cxy, cxx - cyy);
         Fit out;
         ASSERT_EQ(fit(points, out), 1);
-        EXPECT_NEAR(out.centre.x, static_cast<double>(mx), 1e-13);
-        EXPECT_NEAR(out.centre.y, static_cast<double>(my), 1e-13);
+        EXPECT_NEAR(out.centre.x, mx, 1e-13);
+        EXPECT_NEAR(out.centre.y, my, 1e-13);
         EXPECT_NEAR(deviation(out.direction, {std::cos(angle), std::sin(angle)}), 0.0, 1e-12);
     }
 }
