@@ -64,6 +64,22 @@ constexpr Picture kPictures[] = {
      "the lower half darker. Left level 2 with the decoded directions as dots, right level 4 with colours in "
      "the order of the indices.",
      drawDirections},
+    {"fitted_lines.png", "Lines through a cloud with outliers",
+     "CMatRegressionLine (orange) is pulled up by the outliers on the right; CMatRobustLineFit (blue) stays "
+     "with the "
+     "majority.",
+     drawFittedLines},
+    {"mean_directions.png", "The mean of directions",
+     "CMatMomentOfAnglesEvaluator: directions as dots, their mean in ink, their range in orange and the mean "
+     "distance from the mean, to both sides, in green. The directions on the left lie around 0 degrees, "
+     "where the "
+     "mean of the numbers would point to the other side.",
+     drawMeanDirections},
+    {"fitted_plane.png", "A plane through points",
+     "matRegressionPlane: the plane of least distance with its centre and normal. Points above are blue and "
+     "those "
+     "below violet, each joined to its foot on the plane.",
+     drawFittedPlane},
 };
 
 void writePage(const std::string& path) {

@@ -25,6 +25,12 @@ Canvas drawEllipsesAroundOrigin();
 Canvas drawTiltedEllipses();
 /// A sphere coloured by the indices of its directions.
 Canvas drawDirections();
+/// A line of least squares and one of least deviations through a cloud with outliers.
+Canvas drawFittedLines();
+/// Directions with their mean and their range.
+Canvas drawMeanDirections();
+/// A plane through points of space.
+Canvas drawFittedPlane();
 
 }  // namespace gallery
 

@@ -12,6 +12,8 @@
 #ifndef VELQUAD_STATISTICS_H
 #define VELQUAD_STATISTICS_H
 
+#include <vector>
+
 #include "velquad/platform.h"
 #include "velquad/types.h"
 
@@ -240,5 +242,204 @@ class CMatCorrelationEvaluator {
     double sumXY;
     DWORD count;
 };
+
+namespace velquad::statistics {
+struct RobustPairs;
+}  // namespace velquad::statistics
+
+/// @name Regression lines
+/// A line is a slope, an intercept and the flag that tells which coordinate is the independent one:
+///
+///     yOfX non-zero    y = slope * x + intercept
+///     yOfX zero        x = slope * y + intercept
+///
+/// A pair with a coordinate that equals `ignoreValue` exactly is passed over. `velquad::kNoValue` as `ignoreValue`
+/// keeps all ordinary data. Optional outputs may be null and are left alone on failure unless told otherwise.
+/// @par Source  C. F. Gauss, Theoria combinationis observationum, 1823 (least squares).
+/// @{
+
+extern "C" {
+
+/// Fits y = slope * x + intercept by least squares.
+/// @param x, y   `count` coordinates each.
+/// @param slope, intercept  the line; either may be null.
+/// @return 1; 0 for fewer than two usable pairs, and for a vertical line: 1e-100 > |n * sum x^2 - (sum x)^2|.
+VELQUAD_API int matRegressionLine(const double* x, const double* y, unsigned int count, double ignoreValue,
+                                  double* slope, double* intercept);
+
+/// Fits a line by least squares with the coordinate that spreads more as the independent one, so that steep lines
+/// fit as well as flat ones.
+///   (1) Where both coordinates have the same variance the line is told as x over y.
+///   (2) Exchanging the arrays gives the same line with the flag negated, unless the variances are equal.
+/// @param x, y   `count` coordinates each.
+/// @param slope, intercept, yOfX  the line; each may be null.
+/// @return 1; 0 for fewer than two usable pairs, and for points that all coincide: 1e-100 > |n * sum t^2 - (sum t)^2|
+///         for the independent coordinate t. Coordinates that leave rounding in this difference give some line.
+VELQUAD_API int matCalcRegressionLine(const double* x, const double* y, unsigned int count,
+                                      double ignoreValue, double* slope, double* intercept,
+                                      unsigned int* yOfX);
+
+/// Fits a line by least absolute deviations, so that a minority of outliers hardly moves it. See
+/// `CMatRobustLineFit`; `velquad::kNoValue` marks unknown coordinates.
+/// @param x, y   `count` coordinates each.
+/// @param slope, intercept, yOfX  the line; each may be null.
+/// @return 1; 0 as `CMatRobustLineFit::CalcRegressionLine`. When memory is lacking to collect the pairs, 0 with
+///         nothing stored.
+VELQUAD_API int matRobustLineFit(const double* x, const double* y, unsigned int count, double* slope,
+                                 double* intercept, int* yOfX);
+
+}  // extern "C"
+
+#if defined(__GNUC__)
+// Neither class is meant to be deleted through a pointer to the base.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+#endif
+
+/// A least-squares line through a stream of pairs, and questions to that line. The line is the one of
+/// `matCalcRegressionLine`.
+///
+///     CMatRegressionLine line;
+///     for (const tagPOINT2D& p : cloud) line.AddValue(p.x, p.y);
+///     if (line.CalcRegressionLine(&slope, &intercept, &yOfX) != 0) angle = line.CalcAngle(0, 1);
+///
+/// Pairs may be added after a line was computed; the line stays as it is until it is computed again.
+/// **Threads.** An object belongs to one thread at a time.
+class VELQUAD_API CMatRegressionLine {
+  public:
+    /// No pairs, no line.
+    CMatRegressionLine(double ignoreValue = velquad::kNoValue);  // NOLINT(google-explicit-constructor)
+    CMatRegressionLine(const CMatRegressionLine& other);
+    CMatRegressionLine(CMatRegressionLine&& other) noexcept;
+    CMatRegressionLine& operator=(const CMatRegressionLine& other);
+
+    /// @return 1 when the pair was taken, 0 when it was passed over.
+    virtual int AddValue(double x, double y);
+
+    /// Computes the line of all pairs so far. Each output may be null.
+    /// @return 1; 0 as `matCalcRegressionLine`: nothing is stored and the line computed before stays then.
+    virtual int CalcRegressionLine(double* slope, double* intercept, int* yOfX);
+
+    /// The point of the line at a value of the independent coordinate.
+    /// @param point  x and y; untouched on 0.
+    /// @return 1; 0 when no line was computed.
+    int CalcPointAt(double t, double* point);
+
+    /// The distance of a point from the line.
+    /// @param point      x and y.
+    /// @param footPoint  x and y of the nearest point of the line; may be null.
+    /// @return the distance; 0.0, with nothing stored, when no line was computed. `velquad::kNoValue`, with
+    ///         nothing stored, when the line is so steep or so far off that the perpendicular is lost to rounding.
+    double CalcDistanceOfPoint(double* point, double* footPoint);
+
+    /// The unsigned angle between an axis and the line, directed towards growing independent coordinate: from 0 to
+    /// a half turn.
+    ///   (1) Angles up to 1e-7 below a half turn are mirrored too, and so come out as much above it.
+    /// @param axis     0 for the x axis, 1 for the y axis.
+    /// @param degrees  non-zero for degrees, else radians.
+    /// @return the angle; `velquad::kNoValue` for any other axis; 0.0 when no line was computed.
+    double CalcAngle(int axis, int degrees);
+
+  protected:
+    DWORD count = 0;                       ///< Pairs taken.
+    double sumX = 0.0;                     ///< Sum of x.
+    double sumY = 0.0;                     ///< Sum of y.
+    double sumXX = 0.0;                    ///< Sum of x^2.
+    double sumYY = 0.0;                    ///< Sum of y^2.
+    double sumXY = 0.0;                    ///< Sum of x * y.
+    double ignoreValue;                    ///< Marks an unknown coordinate.
+    double slope = velquad::kNoValue;      ///< `kNoValue` while there is no line.
+    double intercept = velquad::kNoValue;  ///< `kNoValue` while there is no line.
+    int yOfX = 0;                          ///< Which coordinate is independent.
+};
+
+/// A line by least absolute deviations through a stream of pairs, with the questions of `CMatRegressionLine`.
+///
+/// Which coordinate is independent is decided as for the least-squares line. The slope is the zero of
+///
+///     f(b) = sum of x_j * sign(y_j - b * x_j - median(y - b * x)),
+///
+/// bracketed from the least-squares slope and bisected to a hundredth of its standard deviation; the intercept is
+/// the median that belongs to it. Residuals below 1e-7 of |y| (or 1e-7 itself where y is 0) count as zero.
+///   (1) Points count by the side of the line that they lie on, not by their distance from it, and by their place
+///       along the independent axis. So an outlier across the line hardly matters, one along the axis does.
+///   (2) Where signs balance exactly at a slope that is tried, as few pairs of an even number can, the search does not
+///       stop there but ends at the far end of its bracket. When already the least-squares slope is balanced, the
+///       result lies three of its standard deviations below.
+///
+/// **Cost.** A slope that is tried costs two passes over the pairs; a fit tries some twelve. 16 bytes for each pair
+/// kept, and 8 more during the fit.
+/// **Threads.** An object belongs to one thread at a time; it may not even be read during a fit.
+/// @par Source  P. S. Laplace, 1789 (the weighted median); R. Koenker and G. Bassett, Regression Quantiles, 1978.
+class VELQUAD_API CMatRobustLineFit : public CMatRegressionLine {
+  public:
+    /// No pairs, no line.
+    /// @throws std::bad_alloc
+    CMatRobustLineFit(double ignoreValue = velquad::kNoValue);  // NOLINT(google-explicit-constructor)
+    CMatRobustLineFit(const CMatRobustLineFit& other);
+    /// `other` may only be assigned to or destroyed afterwards.
+    CMatRobustLineFit(CMatRobustLineFit&& other) noexcept;
+    CMatRobustLineFit& operator=(const CMatRobustLineFit& other);
+    ~CMatRobustLineFit();
+
+    /// Unlike that of the base class, the result is 1 also for a pair that was passed over.
+    /// @throws std::bad_alloc, std::length_error  with the object as it was.
+    int AddValue(double x, double y) override;
+
+    /// Computes the line of all pairs so far. Each output may be null.
+    /// @return 1; 0 when the least-squares fit fails: nothing is stored and the line computed before stays. Also 0
+    ///         when the independent coordinates differ by rounding only, 2.220446049250313e-16 >
+    ///         n * sum x^2 - (sum x)^2, or memory is lacking: the line is unset then, `velquad::kNoValue` is stored
+    ///         for slope and intercept, and the flag of the least-squares line.
+    int CalcRegressionLine(double* slope, double* intercept, int* yOfX) override;
+
+  private:
+    friend struct velquad::statistics::RobustPairs;
+
+    std::vector<tagPOINT2D> points;  ///< The pairs from index 1 on; the first is (0, 0) and no data.
+};
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+/// @}
+
+/// @name Lines and planes of least distance
+/// The line or plane with the least sum of squared distances, measured at right angles: it contains the centre of
+/// the points, and its direction comes from the singular vectors of the spread around it.
+/// @par Source  K. Pearson, On lines and planes of closest fit to systems of points in space, 1901.
+/// @{
+
+extern "C" {
+
+/// Fits a line through points of the plane.
+/// @param centre     mean of the points.
+/// @param direction  unit vector along the line, with either sign.
+/// @return 1; 0 for a null pointer and when memory is lacking, with nothing stored. Points that are not finite, and
+///         a count of 0, give 1 with not-a-numbers.
+VELQUAD_API int matFittingLineEx(const tagPOINT2D* points, unsigned int count, tagPOINT2D* centre,
+                                 tagPOINT2D* direction);
+
+/// Fits a plane through points of space, and measures how far they lie from it.
+///   (1) The mean and the standard deviation are those of unsigned distances. The deviation is the population's.
+///   (2) A scale that is 0 takes an axis out of the fit: the normal of the rest is along that axis, and multiplied
+///       by 0 it is the null vector.
+///   (3) Points that all equal their centre have the normal (1, 0, 0).
+/// @param axisScale          factors of the three axes during the fit, for axes of unlike units; null for 1.
+/// @param centre             mean of the points; may be null.
+/// @param normal             unit vector across the plane, with either sign, or the null vector; may be null.
+/// @param direction          direction along which distances are measured; null for the normal. See
+///                           `matCalcDirectedDistanceToPlane` for what it does to the distances.
+/// @param meanDistance       mean of the distances; may be null. `velquad::kNoValue` when there are no points, and
+///                           when the direction lies within the plane.
+/// @param stdDevDistance     their standard deviation; may be null. `velquad::kNoValue` as for the mean.
+/// @return 1; 0 for null points and when memory is lacking, with nothing stored. Points that are not finite give 1
+///         with not-a-numbers.
+VELQUAD_API int matRegressionPlane(const tagPOINT3D* points, unsigned int count, const tagPOINT3D* axisScale,
+                                   tagPOINT3D* centre, tagPOINT3D* normal, const tagPOINT3D* direction,
+                                   double* meanDistance, double* stdDevDistance);
+
+}  // extern "C"
+/// @}
 
 #endif  // VELQUAD_STATISTICS_H

@@ -606,6 +606,39 @@ void digestVolumes(Digest& digest, Random& random) {
         matFreeArray3v(numbers);
         matFreeArray3v(source);
         matFreeArray3v(result);
+/// Least squares, least deviations and least distance, of clouds around tilted lines and planes with some outliers.
+void digestLineFits(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds / 10; ++round) {
+        const int count = random.below(round % 50 == 0 ? 6000 : 60);
+        const double tiltX = random.real() * 0.01;
+        const double tiltY = random.real() * 0.01;
+        std::vector<double> x, y;
+        std::vector<tagPOINT2D> flat(1);
+        std::vector<tagPOINT3D> solid(1);
+        for (int i = 0; i < count; ++i) {
+            const tagPOINT2D place = random.point();
+            const double off = random.below(5) == 0 ? random.real() : random.real() * 0.01;
+            x.push_back(round % 2 == 0 ? place.x : tiltX * place.x + off);
+            y.push_back(round % 2 == 0 ? tiltX * place.x + off : place.x);
+            flat.push_back({x.back(), y.back()});
+            solid.push_back({place.x, place.y, tiltX * place.x + tiltY * place.y + off});
+        }
+        const auto n = static_cast<unsigned int>(count);
+        double slope = 0.0, intercept = 0.0, mean = 0.0, deviation = 0.0;
+        unsigned int flag = 0;
+        int yOfX = 0;
+        digest.add(matRegressionLine(x.data(), y.data(), n, 0.0, &slope, &intercept), slope, intercept);
+        digest.add(matCalcRegressionLine(x.data(), y.data(), n, 1.0, &slope, &intercept, &flag), slope,
+                   intercept);
+        digest.add(matRobustLineFit(x.data(), y.data(), n, &slope, &intercept, &yOfX), slope, intercept);
+        digest.add(static_cast<int>(flag), yOfX);
+        tagPOINT2D middle{}, direction{};
+        digest.add(matFittingLineEx(flat.data() + 1, n, &middle, &direction), middle, direction);
+        tagPOINT3D centre{}, normal{};
+        const tagPOINT3D scale{1.0, 1.0, 0.5};
+        digest.add(matRegressionPlane(solid.data() + 1, n, round % 3 == 0 ? &scale : nullptr, &centre,
+                                      &normal, nullptr, &mean, &deviation),
+                   centre, normal, mean, deviation);
     }
 }
 
@@ -633,5 +666,6 @@ int main() {
     print("pieces", 20, digestPieces);
     print("outlines-2d", 21, digestOutlines2D);
     print("volumes", 20, digestVolumes);
+    print("line-fits", 12, digestLineFits);
     return 0;
 }
