@@ -10,7 +10,6 @@
 
 #include "frame/primitives.h"
 #include "geometry/line_intersection.h"
-#include "geometry/scale_factor.h"
 #include "polygon/edge_filter.h"
 #include "polygon/point_traits.h"
 #include "velquad/types.h"
@@ -20,18 +19,6 @@ namespace velquad::polygon {
 inline constexpr int kOutside = 0;
 inline constexpr int kInside = 1;
 inline constexpr int kOnOutline = -1;
-
-/// What the crossing count of integer and double points differs in, beyond `PointTraits`.
-template <class Point>
-struct MembershipTraits;
-
-template <>
-struct MembershipTraits<tagPOINT> {
-    /// The parameter of `point` on the line a -> b, measured along the dominant axis.
-    static double positionOnLine(const tagPOINT& a, const tagPOINT& b, const tagPOINT& point) {
-        return geometry::scaleFactor2LL(a, b, point);
-    }
-};
 
 /// Parameters and sides below this are zero.
 inline constexpr double kMembershipTolerance = 1e-7;
@@ -83,8 +70,8 @@ class RayCrossings {
 
     /// For an edge on the line of the ray.
     bool areOnOneSideOfTest(const Point& current, const Point& next) const {
-        const double positionOfCurrent = MembershipTraits<Point>::positionOnLine(test_, target_, current);
-        const double positionOfNext = MembershipTraits<Point>::positionOnLine(test_, target_, next);
+        const double positionOfCurrent = Traits::positionOnLine(test_, target_, current);
+        const double positionOfNext = Traits::positionOnLine(test_, target_, next);
         return toleratedSign(positionOfCurrent) == toleratedSign(positionOfNext);
     }
 

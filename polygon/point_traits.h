@@ -6,6 +6,7 @@
 #include <cstddef>
 
 #include "frame/primitives.h"
+#include "geometry/scale_factor.h"
 #include "velquad/types.h"
 
 namespace velquad::polygon {
@@ -23,6 +24,11 @@ struct PointTraits<tagPOINT> {
 
     /// Both coordinates are the same integers.
     static constexpr bool equal(const tagPOINT& a, const tagPOINT& b) { return frame::samePoint(a, b); }
+
+    /// The parameter of `point` on the line a -> b, measured along the dominant axis.
+    static double positionOnLine(const tagPOINT& a, const tagPOINT& b, const tagPOINT& point) {
+        return geometry::scaleFactor2LL(a, b, point);
+    }
 };
 
 template <>
@@ -39,6 +45,11 @@ struct PointTraits<tagPOINT2D> {
 
     static bool equal(const tagPOINT2D& a, const tagPOINT2D& b) {
         return frame::isSmaller(kEqualTolerance, b.x - a.x) && frame::isSmaller(kEqualTolerance, b.y - a.y);
+    }
+
+    /// The same for doubles. A line between equal points is a point: 0 for a point equal to it, else `kNoValue`.
+    static double positionOnLine(const tagPOINT2D& a, const tagPOINT2D& b, const tagPOINT2D& point) {
+        return geometry::scaleFactor(a, b, point, kEqualTolerance, kEqualTolerance);
     }
 };
 

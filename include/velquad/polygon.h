@@ -316,6 +316,110 @@ VELQUAD_API DWORD polyRemovePosition(const tagPOINT* points, DWORD count, int cl
                                      tagPOLY_POSITION* positions, DWORD positionCount, tagPOINT point);
 /// @}
 
+/// @name Simplicity
+/// @{
+
+/// Tells whether an outline is simple: no two edges meet but neighbours at their common vertex.
+///   (1) Repeats at the beginning and the end, and closing points, are left out first, with either flag: the edge of an
+///       open chain back to its first point is not looked at. Edges without length have no part in anything.
+///   (2) Touching is meeting. Contact is that of `matIntersectSegments2L`, tolerance and wrap-around included.
+///   (3) Neighbours may go on in one line, but not fold back.
+/// @param closed  non-zero: an edge leads from the last point to the first; it may be stored or not.
+/// @param first   optional; receives the lowest edge that is at fault, by the index of the point that it starts at.
+/// @param second  optional; receives the lowest edge, above `first`, that it must not meet. Both are left alone when
+///                the outline is simple.
+/// @return 1 simple, 0 not; 1 for fewer than two different points. A closed outline of two points folds back: 0.
+/// @par Cost    O(n log n) for outlines whose edges have few others around them, O(n^2) when the bounds of most edges
+///              overlap. Working memory of some 20 bytes a point; without it O(n^2), with the same answer.
+/// @par Source  Bounding hierarchy of upright and oriented boxes: S. Gottschalk, M. C. Lin, D. Manocha, "OBBTree",
+///              SIGGRAPH 1996.
+VELQUAD_API int polyIsSimple(const tagPOINT* points, DWORD count, int closed, DWORD* first, DWORD* second);
+
+/// Makes an outline, always taken as closed, simple: at the first fault one of the two sides is cut off, until there is
+/// none. The side that goes is the one of fewer pixels, by `polyGetMiniVecCount`; of equal ones the rest goes and the
+/// loop between the two edges stays.
+/// @param points           altered in place.
+/// @param maximalLoopSize  how large a side may be to go: when both sides of a fault reach this, nothing is done.
+/// @return the new count. For an outline without a stored closing point this is one more than the points that were
+///         written: a simple one of n points gives n + 1. 0, with the points as they were, when both sides of a fault
+///         are too large, when nothing would be left, and without memory.
+VELQUAD_API DWORD polyMakeSimple(tagPOINT* points, DWORD count, DWORD maximalLoopSize);
+
+/// Makes an outline or an open chain simple.
+/// @param closed           non-zero: the same as `polyMakeSimple`. 0: of an open chain the loop goes at each fault,
+///                         whatever the size of the rest.
+/// @param maximalLoopSize  a loop of this many pixels or more may not go.
+/// @return the new count. 0, with the points as they were, when a loop is too large and without memory.
+VELQUAD_API DWORD polyMakeSimpleEx(tagPOINT* points, DWORD count, int closed, DWORD maximalLoopSize);
+
+/// Removes stings: points q whose neighbours p and r lie on one line with it, with r no farther from p than `width`, so
+/// that the outline runs out to q and back. Repeated points go first. Stings go one after the other, each the first in
+/// order, as the removal of one can uncover another. A closed outline, one that stores its closing point, is taken as a
+/// chain that begins at that point: a sting whose tip is there stays.
+/// @param noWrap  0: the triples across the ends of an open chain are looked at too.
+/// @param width   a distance of exactly this is a sting.
+/// @return the new count, a closing point included. 1 when the outline collapsed: one point is left, or two different
+///         ones of a closed outline or of a chain with `noWrap`.
+/// @par Cost  O(count), no allocation.
+VELQUAD_API DWORD polyRemoveStings(tagPOINT* points, DWORD count, int noWrap, double width);
+
+/// Brings touching edges of an outline, always taken as closed, apart. Repeated points are removed. Then, as long as
+/// the outline is not simple, one of the two vertices of the first edge at fault is moved to a neighbouring pixel: the
+/// first of the eight, clockwise from above, at which the outline is simple or its first fault comes later.
+/// @return the new count; 0xFFFFFFFF when no move helps, with the points as the last move left them.
+VELQUAD_API DWORD polySeperateTouchingSegments(tagPOINT* points, DWORD count);
+/// @}
+
+/// @name Reduction
+/// @{
+
+/// The size of a run of an outline: how many pixels it covers. An edge takes max(|dx|, |dy|) steps of a raster line.
+/// Differences and sums wrap around at 32 bits.
+/// @param from, to  vertices.
+/// @param outside   0: the run from `from` to `to`. Non-zero: the rest, from the first vertex to `from` and on from `to`
+///                  to the place behind the last point, which must be readable and hold the vertex that follows the
+///                  last one; nothing is read there when `to` is `count` or more.
+/// @return the number of steps and one; 1 for an empty run.
+VELQUAD_API DWORD polyGetMiniVecCount(const tagPOINT* points, DWORD count, DWORD from, DWORD to, int outside);
+
+/// Thins a polygon in place to about a percentage of its points: every k-th point stays, with k = count divided by
+/// (count * percent / 100), both truncated, and the last one in any case.
+/// @param percent  the count does not change where k is 1 or 0: at more than 50 percent.
+/// @return the new count. A percentage of less than one point has no k; then nothing changes and the result is 0.
+VELQUAD_API DWORD polyReducePoints(tagPOINT* points, DWORD count, DWORD percent);
+
+/// Thins a polygon in place, in passes: of each three points in a row that begin at an even one, the middle one goes
+/// when it lies near the line through the others. With an even number of points the last but one is not tried.
+/// @param maximalDeviation  compared with the squared distance from the line; a point at exactly this goes.
+/// @param maximalPasses     each pass halves the points at most. The passes end when one removes nothing.
+/// @return the new count; 0 when `points` is null or `count` is 0.
+/// @par Cost  O(count), no allocation.
+VELQUAD_API DWORD polyReducePointsEx(tagPOINT* points, DWORD count, double maximalDeviation,
+                                     DWORD maximalPasses);
+/// @}
+
+/// @name Convex hull
+/// @{
+
+/// Moves the vertices of the convex hull to the front of a point array, beginning with the leftmost of those with the
+/// smallest y and counter-clockwise in mathematical axes. No closing point is added.
+///   (1) The array is permuted: behind the vertices stand the other points. A closing point stays where it is and has
+///       no part.
+///   (2) Of points in one line with an edge only the ends are vertices.
+///   (3) Directions are compared by 90 dy / (|dx| + |dy|), continued round to 360. Of those that differ by less than
+///       1e-7 the farthest point is taken, even when a nearer one lies outside by that little.
+///   (4) A repeat of the first vertex is a vertex when it comes last; repeats of others are none.
+/// @return the number of vertices; 1 when all points are equal, 0 for a count of 0.
+/// @par Cost    O(count) for each vertex, no allocation.
+/// @par Source  Package wrapping: R. A. Jarvis, Information Processing Letters 2, 1973, with the angle substitute of
+///              R. Sedgewick, "Algorithms", 1983.
+VELQUAD_API DWORD polyConvexHull(tagPOINT* points, DWORD count);
+
+/// The same for points of space, in the plane of x and y: z travels with its point. No closing point is looked for.
+/// @return the number of vertices; 1 for a count of 0.
+VELQUAD_API DWORD matConvexHullP3D(tagPOINT3D* points, DWORD count);
+/// @}
+
 }  // extern "C"
 
 #endif  // VELQUAD_POLYGON_H

@@ -47,6 +47,18 @@ struct tagPOLY {
     tagPOINT points[1];  ///< `count` points; the array is as long as the block allows.
 };
 
+/// An outline as a chain code: a start pixel and the direction of each step from it.
+///
+///     7 0 1        Codes 0 to 7 lead to the eight neighbours, clockwise on an image from the one above:
+///     6 . 2        (0, -1), (1, -1), (1, 0), (1, 1), (0, 1), (-1, 1), (-1, 0), (-1, -1).
+///     5 4 3        Codes 8 and 9 stay where they are.
+struct tagMINIVEC {
+    DWORD count;             ///< Steps that the record holds.
+    LONG x;                  ///< Where the first step starts.
+    LONG y;                  ///< Where the first step starts.
+    unsigned char codes[1];  ///< `count` codes; the array is as long as the block allows.
+};
+
 /// A place on an outline: `fraction` 0 is the vertex `index`, 1 the vertex behind it.
 struct tagPOLY_POSITION {
     DWORD index;
