@@ -127,6 +127,112 @@ double sumTerms(const Basis& basis, const double* values, Index count, Index ord
     return sum;
 }
 
+/// Two neighbouring outputs, computed side by side.
+typedef double Pair __attribute__((vector_size(16)));
+
+constexpr Pair both(double value) {
+    return Pair{value, value};
+}
+
+/// The sums at two places whose functions stand on distinct knots, `whole` the last of those below each.
+/// @param first, second  the control points of these functions.
+template <int Order>
+Pair sumInside(Pair u, Pair whole, const double* first, const double* second) {
+    Pair basis[static_cast<std::size_t>(Order)] = {};
+    basis[Order - 2] = whole + 1.0 - u;
+    basis[Order - 1] = u - whole;
+    for (int k = 3; k <= Order; ++k) {
+        for (int i = Order - k; i < Order; ++i) {
+            const Pair knot = whole - both(Order - 1 - i);
+            const Pair left = i > Order - k ? (u - knot) / both(k - 1) * basis[i] : both(0.0);
+            const Pair right = i < Order - 1 ? (knot + both(k) - u) / both(k - 1) * basis[i + 1] : both(0.0);
+            basis[i] = left + right;
+        }
+    }
+    Pair sum = both(0.0);
+    for (int i = Order - 1; i >= 0; --i) {
+        const Pair term = basis[i] * Pair{first[i], second[i]};
+        sum += basis[i] == both(0.0) ? both(0.0) : term;
+    }
+    return sum;
+}
+
+using SumInside = Pair (*)(Pair u, Pair whole, const double* first, const double* second);
+
+/// The orders in use. Others, and places near the ends, go the general way.
+SumInside sumInsideOf(Index order) {
+    switch (order) {
+        case 3:
+            return sumInside<3>;
+        case 4:
+            return sumInside<4>;
+        case 5:
+            return sumInside<5>;
+        default:
+            return nullptr;
+    }
+}
+
+class Resampler {
+  public:
+    Resampler(const Knots& knots, const double* values, Index count, Index order)
+        : values_(values),
+          count_(count),
+          order_(order),
+          end_(knots.end()),
+          sumInside_(sumInsideOf(order)),
+          basis_(knots, order) {}
+
+    /// Forms the inner values.
+    void sample(double* out, int outCount) {
+        const double du = static_cast<double>(end_) / outCount;
+        const double dx = static_cast<double>(count_ - 1) / outCount;
+        Place place{0.0, 0.0};
+        for (int j = 1; j < outCount - 1; ++j) {
+            place = {place.u + du, place.x + dx};
+            const Place next{place.u + du, place.x + dx};
+            if (j + 1 < outCount - 1 && isInside(place) && isInside(next)) {
+                const auto whole = static_cast<Index>(place.u);
+                const auto nextWhole = static_cast<Index>(next.u);
+                const Pair sums = sumInside_(Pair{place.u, next.u},
+                                             Pair{static_cast<double>(whole), static_cast<double>(nextWhole)},
+                                             values_ + whole, values_ + nextWhole);
+                out[j] = sums[0];
+                out[++j] = sums[1];
+                place = next;
+            } else {
+                out[j] = sumAt(place);
+            }
+        }
+    }
+
+  private:
+    struct Place {
+        double u;  ///< Among the knots.
+        double x;  ///< Among the samples.
+    };
+
+    Index highestTerm(const Place& place) const { return static_cast<Index>(place.x) + order_; }
+
+    bool isInside(const Place& place) const {
+        const auto whole = static_cast<Index>(place.u);
+        return sumInside_ != nullptr && whole >= order_ && whole < end_ - order_ &&
+               whole + order_ - 1 <= highestTerm(place);
+    }
+
+    double sumAt(const Place& place) {
+        basis_.evaluate(place.u);
+        return sumTerms(basis_, values_, count_, order_, highestTerm(place));
+    }
+
+    const double* values_;
+    Index count_;
+    Index order_;
+    Index end_;
+    SumInside sumInside_;
+    Basis basis_;
+};
+
 }  // namespace
 
 extern "C" int matBSpline(const double* values, unsigned int count, double* out, int outCount,
@@ -140,17 +246,7 @@ extern "C" int matBSpline(const double* values, unsigned int count, double* out,
         for (int j = 1; j < outCount - 1; ++j)
             out[j] = 0.0;
     } else {
-        Basis basis(knots, order);
-        const double du = static_cast<double>(knots.end()) / outCount;
-        const double dx = static_cast<double>(count - 1) / outCount;
-        double u = 0.0;
-        double x = 0.0;
-        for (int j = 1; j < outCount - 1; ++j) {
-            u += du;
-            x += dx;
-            basis.evaluate(u);
-            out[j] = sumTerms(basis, values, count, order, static_cast<Index>(x) + order);
-        }
+        Resampler(knots, values, count, order).sample(out, outCount);
     }
     out[outCount > 2 ? outCount - 1 : 1] = values[count - 1];
     return velquad::kSignalOk;
