@@ -54,6 +54,9 @@ class LockedBlock {
     }
     explicit operator bool() const { return contents_ != nullptr; }
 
+    /// Gives the block up, locked. @return the address of its contents, or null for no block.
+    void* release() { return std::exchange(contents_, nullptr); }
+
     /// Gives the block up, unlocked. @return its handle, or null for no block.
     HGLOBAL releaseHandle() {
         void* contents = std::exchange(contents_, nullptr);

@@ -1,0 +1,233 @@
+// Conversion to and from floats, fill, limits and linear map of whole arrays, and one number as an element. What a
+// type asks for is decided here, once per call; the loops over rows are kernels.
+#include <cmath>
+#include <limits>
+
+#include "array/array_2d.h"
+#include "array/element.h"
+#include "array/element_kernels.h"
+#include "array/range.h"
+#include "array/rounding.h"
+#include "frame/convert.h"
+#include "frame/kernels.h"
+#include "velquad/array.h"
+
+namespace velquad::array {
+
+VELQUAD_DEFINE_KERNELS(ElementKernels, kElementKernels, elementKernels)
+
+}  // namespace velquad::array
+
+using namespace velquad::array;
+using velquad::frame::lroundToInt32;
+using velquad::frame::truncToInt32;
+using velquad::frame::truncToInt64;
+
+namespace {
+
+/// A range of floats below this is flat.
+constexpr double kFlatRange = 1e-7;
+
+/// Below this a number is 0 as an unsigned 32-bit integer.
+constexpr double kSmallestUInt32 = 1e-7;
+
+/// Results of a linear map within this need no look at their range when they are rounded.
+constexpr double kNarrowLimit = 2147483000.0;
+
+/// Calls `work(row)` for all rows of an array.
+template <class Work>
+void forEachRow(const void* rows, unsigned int height, Work work) {
+    for (std::size_t y = 0; y < height; ++y)
+        work(rowAt(rows, y));
+}
+
+bool isType(unsigned int type) {
+    return elementSize(type) != 0;
+}
+
+/// What the range of floats is stretched over.
+double spanOf(unsigned int type) {
+    switch (type) {
+        case MAT_ARRAY_INT16:
+        case MAT_ARRAY_UINT16:
+            return 65535.0;
+        case MAT_ARRAY_INT32:
+        case MAT_ARRAY_UINT32:
+            return 4294967295.0;
+        default:
+            return 255.0;
+    }
+}
+
+void storePackedPixel(double value, void* out, std::size_t bytes) {
+    const auto packed = static_cast<std::uint64_t>(truncToInt64(value));
+    for (std::size_t i = 0; i < bytes; ++i)
+        storeElement(out, i, static_cast<std::uint8_t>(packed >> (8 * i)));
+}
+
+std::int32_t mappedToInt32(double value) {
+    if (value >= 2147483646.5) return INT32_MAX;
+    if (-2147483647.5 > value) return INT32_MIN;
+    return lroundToInt32(value);
+}
+
+std::uint32_t mappedToUInt32(double value) {
+    if (value >= 4294967294.5) return UINT32_MAX;
+    if (kSmallestUInt32 > value) return 0;
+    // Kept: truncation to signed 32 bits, so that 2147483647.5 and above store 0x80000000.
+    return static_cast<std::uint32_t>(truncToInt32(value + 0.5));
+}
+
+bool mapValue(double value, void* out, unsigned int type) {
+    return dispatchElement(type, [value, out]<class ElementType>(ElementType /*element*/) {
+        using Value = typename ElementType::Value;
+        constexpr unsigned int kType = ElementType::kType;
+        if constexpr (ElementType::kComponents > 1) {
+            storePackedPixel(value, out, ElementType::kBytes);
+        } else if constexpr (kType == MAT_ARRAY_INT32) {
+            storeElement(out, 0, mappedToInt32(value));
+        } else if constexpr (kType == MAT_ARRAY_UINT32) {
+            storeElement(out, 0, mappedToUInt32(value));
+        } else if constexpr (kType == MAT_ARRAY_FLOAT) {
+            storeElement(out, 0, static_cast<float>(limited(value, -kLargestFloat, kLargestFloat)));
+        } else if constexpr (kType == MAT_ARRAY_DOUBLE) {
+            storeElement(out, 0, value);
+        } else {
+            constexpr double kLowest = std::numeric_limits<Value>::min();
+            constexpr double kHighest = std::numeric_limits<Value>::max();
+            storeElement(out, 0, static_cast<Value>(lroundToInt32(limited(value, kLowest, kHighest))));
+        }
+    });
+}
+
+/// A bound of an integer type of up to 16 bits, from above or from below. Kept: only the side that points out of the
+/// type is limited; of a bound beyond the other end the low bits are taken.
+template <class Value>
+Value highBound(double high) {
+    const std::int32_t h = lroundToInt32(high);
+    return h > std::numeric_limits<Value>::max() ? std::numeric_limits<Value>::max() : static_cast<Value>(h);
+}
+
+template <class Value>
+Value lowBound(double low) {
+    const std::int32_t l = lroundToInt32(low);
+    return l < std::numeric_limits<Value>::min() ? std::numeric_limits<Value>::min() : static_cast<Value>(l);
+}
+
+/// A bound of the signed 32-bit type; `otherwise` is what a value within the range is rounded from.
+std::int32_t boundOfInt32(double value, double otherwise) {
+    if (value >= 2147483646.0) return INT32_MAX;
+    if (-2147483647.0 > value) return INT32_MIN;
+    return lroundToInt32(otherwise);
+}
+
+std::uint32_t boundOfUInt32(double value) {
+    if (value > 4294967295.0) return UINT32_MAX;
+    if (0.0 > value) return 0;
+    return truncatedTo<UInt32Element>(value + 0.5);
+}
+
+template <class ElementType>
+ClampBounds clampBounds(double low, double high) {
+    using Value = typename ElementType::Value;
+    constexpr unsigned int kType = ElementType::kType;
+    // Kept: the low bound of unsigned 16-bit integers and of floating point numbers is not limited by the high one.
+    constexpr bool kIsLowLimited =
+        kType != MAT_ARRAY_UINT16 && kType != MAT_ARRAY_FLOAT && kType != MAT_ARRAY_DOUBLE;
+    Value h;
+    Value l;
+    if constexpr (kType == MAT_ARRAY_FLOAT || kType == MAT_ARRAY_DOUBLE) {
+        h = static_cast<Value>(high);
+        l = static_cast<Value>(low);
+    } else if constexpr (kType == MAT_ARRAY_INT32) {
+        h = boundOfInt32(high, high);
+        // Kept: a low bound within the range takes the value of the high one.
+        l = boundOfInt32(low, high);
+    } else if constexpr (kType == MAT_ARRAY_UINT32) {
+        h = boundOfUInt32(high);
+        l = boundOfUInt32(low);
+    } else {
+        h = highBound<Value>(high);
+        l = lowBound<Value>(low);
+    }
+    if (kIsLowLimited && h < l) l = h;
+    ClampBounds bounds = {};
+    storeElement(bounds.high, 0, h);
+    storeElement(bounds.low, 0, l);
+    return bounds;
+}
+
+/// Every step of the map is monotone, so the results of the extreme values enclose all others.
+template <class ElementType>
+bool isNarrow(double offset, double scale, double bias) {
+    using Value = typename ElementType::Value;
+    const double first = (static_cast<double>(std::numeric_limits<Value>::min()) + offset) * scale + bias;
+    const double last = (static_cast<double>(std::numeric_limits<Value>::max()) + offset) * scale + bias;
+    return std::fabs(first) < kNarrowLimit && std::fabs(last) < kNarrowLimit;
+}
+
+}  // namespace
+
+extern "C" int matConvertArrayToFloat2v(const void* const* source, float* const* destination,
+                                        unsigned int width, unsigned int height, unsigned int type,
+                                        int flags) {
+    if (source == nullptr || destination == nullptr || !isType(type)) return 0;
+    const ElementKernels& kernels = elementKernels();
+    const bool isPixel = type == MAT_ARRAY_BYTE3 || type == MAT_ARRAY_BYTE4;
+    const auto convert = isPixel && (flags & 1) != 0 ? kernels.largestToFloat[type] : kernels.toFloat[type];
+    if (convert == nullptr) return 0;
+    for (std::size_t y = 0; y < height; ++y)
+        convert(rowAt(source, y), rowAt(destination, y), width);
+    return 1;
+}
+
+extern "C" int matConvertArrayFromFloat2v(const float* const* source, void* const* destination,
+                                          unsigned int width, unsigned int height, unsigned int type) {
+    if (source == nullptr || destination == nullptr) return 0;
+    double min = 0.0;
+    double max = 0.0;
+    if (!rangeOfFloats(source, width, height, min, max)) return 0;
+    if (!isType(type)) return 0;
+    const double extent = max - min;
+    const double scale = kFlatRange > std::fabs(extent) ? 0.0 : 1.0 / extent;
+    const Normalisation normalisation{min, scale * spanOf(type)};
+    const auto convert = elementKernels().fromFloat[type];
+    for (std::size_t y = 0; y < height; ++y)
+        convert(rowAt(source, y), rowAt(destination, y), width, normalisation);
+    return 1;
+}
+
+extern "C" int matClearArray2v(void* const* rows, unsigned int width, unsigned int height, unsigned int type,
+                               double value) {
+    unsigned char element[8] = {};
+    if (!mapValue(value, element, type)) return 0;
+    const auto fill = elementKernels().fill[type];
+    forEachRow(rows, height, [&](void* row) { fill(row, width, element); });
+    return 1;
+}
+
+extern "C" int matClampArray2v(void* const* rows, unsigned int width, unsigned int height, unsigned int type,
+                               double low, double high) {
+    const bool isKnown = dispatchElement(type, [&]<class ElementType>(ElementType /*element*/) {
+        const ClampBounds bounds = clampBounds<ElementType>(low, high);
+        const auto clamp = elementKernels().clamp[type];
+        forEachRow(rows, height, [&](void* row) { clamp(row, width, bounds); });
+    });
+    return isKnown ? 1 : 0;
+}
+
+extern "C" int matTransformArray2v(void* const* rows, unsigned int width, unsigned int height,
+                                   unsigned int type, double offset, double scale, double bias) {
+    if (rows == nullptr) return 0;
+    const bool isKnown = dispatchElement(type, [&]<class ElementType>(ElementType /*element*/) {
+        const LinearMap map{offset, scale, bias, isNarrow<ElementType>(offset, scale, bias)};
+        const auto transform = elementKernels().transform[type];
+        forEachRow(rows, height, [&](void* row) { transform(row, width, map); });
+    });
+    // Kept: signed bytes are transformed and still give 0.
+    return isKnown && type != MAT_ARRAY_INT8 ? 1 : 0;
+}
+
+extern "C" int matMapValue1d(double value, void* out, unsigned int type) {
+    return mapValue(value, out, type) ? 1 : 0;
+}

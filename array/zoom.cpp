@@ -1,0 +1,333 @@
+// Zoom by nearest, bilinear and cubic interpolation.
+//
+// The destination is cut into rectangles by how much of a position's neighbourhood the source has. Each rectangle is
+// worked on in strips of a few hundred columns, so that what belongs to the columns (source index, weights) is
+// computed once, stands on the stack, and stays in the nearest cache. Interpolation is separable in exactly the
+// order of its operations: the part along x depends on the source row and the column only, so a strip keeps it for
+// the two or four source rows in use and computes it once per source row instead of once per destination cell.
+#include <cmath>
+#include <cstring>
+
+#include "array/array_2d.h"
+#include "array/element.h"
+#include "array/roi.h"
+#include "array/zoom_kernels.h"
+#include "frame/kernels.h"
+#include "velquad/array.h"
+
+namespace velquad::array {
+
+VELQUAD_DEFINE_KERNELS(ZoomKernels, kZoomKernels, zoomKernels)
+
+}  // namespace velquad::array
+
+using velquad::array::BilinearRow;
+using velquad::array::CubicRow;
+using velquad::array::CubicWeights;
+using velquad::array::kZoomPiece;
+using velquad::array::rowAt;
+using velquad::array::ZoomColumns;
+using velquad::array::ZoomKernels;
+using velquad::array::zoomKernels;
+using velquad::array::ZoomValueKernels;
+
+namespace {
+
+/// A source must have this much more than the samples that a position needs.
+constexpr double kNeighbourMargin = 1e-7;
+
+constexpr unsigned int kBilinearFlag = 2;
+constexpr unsigned int kCubicFlag = 4;
+
+/// Inclusive on all sides; empty when right < left or bottom < top.
+struct CellRect {
+    int left = 0;
+    int top = 0;
+    int right = -1;
+    int bottom = -1;
+
+    bool isEmpty() const { return right < left || bottom < top; }
+};
+
+/// One axis of a zoom.
+struct Axis {
+    unsigned int sourceSize;
+    unsigned int destinationSize;
+    double scale;
+
+    Axis(unsigned int source, unsigned int destination)
+        : sourceSize(source),
+          destinationSize(destination),
+          scale(static_cast<double>(destination) / static_cast<double>(source)) {}
+
+    double position(unsigned int cell) const { return static_cast<double>(cell) / scale; }
+
+    /// The first cell that has a sample before its position; 0 when there is none.
+    int firstWithSampleBefore() const {
+        for (unsigned int cell = 0; cell < destinationSize; ++cell) {
+            if (std::trunc(position(cell)) > 0.0) return static_cast<int>(cell);
+        }
+        return 0;
+    }
+
+    /// The last cell that has `needed` samples behind its position; -1 when there is none.
+    int lastWithSamplesBehind(double needed) const {
+        for (unsigned int cell = destinationSize; cell-- > 0;) {
+            if (sourceSize > std::trunc(position(cell)) + needed + kNeighbourMargin)
+                return static_cast<int>(cell);
+        }
+        return -1;
+    }
+
+    int lastCell() const { return static_cast<int>(destinationSize - 1); }
+
+    /// The sample nearest to a cell's position.
+    unsigned int nearestSample(unsigned int cell) const {
+        const double sample = std::trunc(position(cell) + 0.5);
+        return sample < sourceSize - 1 ? static_cast<unsigned int>(sample) : sourceSize - 1;
+    }
+};
+
+/// A whole number and the way to the next one.
+struct Position {
+    unsigned int index;
+    double fraction;
+
+    Position(const Axis& axis, unsigned int cell) {
+        const double position = axis.position(cell);
+        index = static_cast<unsigned int>(position);
+        fraction = position - index;
+    }
+};
+
+struct Zoom {
+    Axis x;
+    Axis y;
+    const void* sourceRows;
+    const void* destinationRows;
+    std::size_t elementSize;        ///< Bytes of an element.
+    unsigned int valueType;         ///< Type code of the values of an element.
+    unsigned int valuesPerElement;  ///< 3 or 4 for pixels of bytes, else 1.
+
+    unsigned char* destination(unsigned int row, unsigned int column) const {
+        return rowAt(destinationRows, row) + column * elementSize;
+    }
+};
+
+/// The cells that have all samples for bilinear interpolation.
+CellRect bilinearRect(const Zoom& zoom) {
+    return {0, 0, zoom.x.lastWithSamplesBehind(1.0), zoom.y.lastWithSamplesBehind(1.0)};
+}
+
+/// The cells that have all samples for cubic interpolation.
+CellRect cubicRect(const Zoom& zoom) {
+    return {zoom.x.firstWithSampleBefore(), zoom.y.firstWithSampleBefore(), zoom.x.lastWithSamplesBehind(2.0),
+            zoom.y.lastWithSamplesBehind(2.0)};
+}
+
+/// Convolution weights with the parameter -1, all of them kept positive.
+CubicWeights cubicWeights(double t) {
+    return {(1 - t) * t * (1 - t), 1 - (t + t) * t + t * t * t, ((1 - t) * t + 1) * t, (1 - t) * t * t};
+}
+
+/// Calls `work(left, count)` for the strips of a rectangle.
+template <class Work>
+void forEachStrip(const CellRect& rect, std::size_t columnsPerStrip, Work work) {
+    if (rect.isEmpty()) return;
+    const auto end = static_cast<std::size_t>(rect.right) + 1;
+    for (auto left = static_cast<std::size_t>(rect.left); left < end; left += columnsPerStrip)
+        work(static_cast<unsigned int>(left), end - left < columnsPerStrip ? end - left : columnsPerStrip);
+}
+
+void zoomNearest(const Zoom& zoom, const CellRect& rect) {
+    const auto copyRow = zoomKernels().nearest[zoom.elementSize];
+    forEachStrip(rect, kZoomPiece, [&](unsigned int left, std::size_t count) {
+        std::int32_t index[kZoomPiece];
+        for (std::size_t i = 0; i < count; ++i)
+            index[i] = static_cast<std::int32_t>(zoom.x.nearestSample(left + static_cast<unsigned int>(i)));
+        const unsigned char* rowBefore = nullptr;
+        unsigned int sampleBefore = 0;
+        for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom); ++y) {
+            const unsigned int sample = zoom.y.nearestSample(y);
+            unsigned char* destination = zoom.destination(y, left);
+            if (rowBefore != nullptr && sample == sampleBefore) {
+                std::memmove(destination, rowBefore, count * zoom.elementSize);
+            } else {
+                copyRow(rowAt(zoom.sourceRows, sample), index, destination, count);
+            }
+            rowBefore = destination;
+            sampleBefore = sample;
+        }
+    });
+}
+
+/// Fills in where the columns of a strip lie.
+void placeColumns(const Zoom& zoom, unsigned int left, std::size_t elementCount, ZoomColumns& columns) {
+    const unsigned int parts = zoom.valuesPerElement;
+    columns.count = elementCount * parts;
+    columns.step = static_cast<std::int32_t>(parts);
+    for (std::size_t i = 0; i < elementCount; ++i) {
+        const Position at(zoom.x, left + static_cast<unsigned int>(i));
+        for (std::size_t part = 0; part < parts; ++part) {
+            const std::size_t column = i * parts + part;
+            columns.index[column] = static_cast<std::int32_t>(at.index * parts + part);
+            columns.fraction[column] = at.fraction;
+            columns.rest[column] = 1 - at.fraction;
+        }
+    }
+}
+
+void zoomBilinear(const Zoom& zoom, const CellRect& rect) {
+    constexpr unsigned int kNoRow = 0xFFFFFFFFU;
+    const ZoomValueKernels& kernels = zoomKernels().values[zoom.valueType];
+    ZoomColumns columns;
+    forEachStrip(rect, kZoomPiece / zoom.valuesPerElement, [&](unsigned int left, std::size_t count) {
+        placeColumns(zoom, left, count, columns);
+        BilinearRow rows[2];
+        unsigned int held[2] = {kNoRow, kNoRow};
+        const auto rowOf = [&](unsigned int y) -> const BilinearRow& {
+            if (held[y % 2] != y) kernels.bilinearAlong(rowAt(zoom.sourceRows, y), columns, rows[y % 2]);
+            held[y % 2] = y;
+            return rows[y % 2];
+        };
+        for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom); ++y) {
+            const Position at(zoom.y, y);
+            const BilinearRow& upper = rowOf(at.index);
+            kernels.bilinearAcross(upper, rowOf(at.index + 1), at.fraction, zoom.destination(y, left),
+                                   columns.count);
+        }
+    });
+}
+
+void weighColumns(ZoomColumns& columns) {
+    for (std::size_t i = 0; i < columns.count; ++i) {
+        const CubicWeights weights = cubicWeights(columns.fraction[i]);
+        columns.weight[0][i] = weights.a;
+        columns.weight[1][i] = weights.b;
+        columns.weight[2][i] = weights.c;
+        columns.weight[3][i] = weights.d;
+    }
+}
+
+void zoomCubic(const Zoom& zoom, const CellRect& rect) {
+    constexpr unsigned int kNoRow = 0xFFFFFFFFU;
+    const ZoomValueKernels& kernels = zoomKernels().values[zoom.valueType];
+    // Stands for the row before the first, which has the weight 0.
+    static constexpr CubicRow kAbsentRow = {};
+    ZoomColumns columns;
+    forEachStrip(rect, kZoomPiece / zoom.valuesPerElement, [&](unsigned int left, std::size_t count) {
+        placeColumns(zoom, left, count, columns);
+        weighColumns(columns);
+        CubicRow rows[4];
+        unsigned int held[4] = {kNoRow, kNoRow, kNoRow, kNoRow};
+        const auto rowOf = [&](unsigned int y) -> const CubicRow* {
+            if (held[y % 4] != y) kernels.cubicAlong(rowAt(zoom.sourceRows, y), columns, rows[y % 4]);
+            held[y % 4] = y;
+            return &rows[y % 4];
+        };
+        for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom); ++y) {
+            const Position at(zoom.y, y);
+            const CubicRow* const around[4] = {at.index == 0 ? &kAbsentRow : rowOf(at.index - 1),
+                                               rowOf(at.index), rowOf(at.index + 1), rowOf(at.index + 2)};
+            kernels.cubicAcross(around, cubicWeights(at.fraction), zoom.destination(y, left), columns.count);
+        }
+    });
+}
+
+/// Nearest samples where the source ends right of or below a bilinear rectangle.
+void zoomNearestAround(const Zoom& zoom, const CellRect& bilinear) {
+    zoomNearest(zoom, {bilinear.right + 1, 0, zoom.x.lastCell(), zoom.y.lastCell()});
+    zoomNearest(zoom, {0, bilinear.bottom + 1, bilinear.right, zoom.y.lastCell()});
+}
+
+/// Bilinear interpolation above, below, left and right of a cubic rectangle.
+void zoomBilinearAround(const Zoom& zoom, const CellRect& cubic, const CellRect& bilinear) {
+    zoomBilinear(zoom, {0, 0, bilinear.right, cubic.top - 1});
+    zoomBilinear(zoom, {0, cubic.bottom + 1, bilinear.right, bilinear.bottom});
+    zoomBilinear(zoom, {0, cubic.top, cubic.left - 1, cubic.bottom});
+    zoomBilinear(zoom, {cubic.right + 1, cubic.top, bilinear.right, cubic.bottom});
+}
+
+void zoomByFlags(const Zoom& zoom, unsigned int flags) {
+    if ((flags & (kCubicFlag | kBilinearFlag)) == 0) {
+        zoomNearest(zoom, {0, 0, zoom.x.lastCell(), zoom.y.lastCell()});
+        return;
+    }
+    const CellRect bilinear = bilinearRect(zoom);
+    if ((flags & kCubicFlag) != 0) {
+        const CellRect cubic = cubicRect(zoom);
+        zoomCubic(zoom, cubic);
+        zoomBilinearAround(zoom, cubic, bilinear);
+    } else {
+        zoomBilinear(zoom, bilinear);
+    }
+    zoomNearestAround(zoom, bilinear);
+}
+
+/// Rows that hold more values than this cannot be indexed by the kernels.
+constexpr std::uint64_t kMaxValuesPerRow = 0x7FFFFFFFU;
+
+void zoomArray(unsigned int srcWidth, unsigned int srcHeight, const void* srcRows, unsigned int dstWidth,
+               unsigned int dstHeight, const void* dstRows, unsigned int type, unsigned int flags) {
+    if (srcWidth == 0 || srcHeight == 0 || dstWidth == 0 || dstHeight == 0) return;
+    velquad::array::dispatchElement(type, [&]<class ElementType>(ElementType /*element*/) {
+        if (std::uint64_t{srcWidth} * ElementType::kComponents > kMaxValuesPerRow) return;
+        const Zoom zoom{Axis(srcWidth, dstWidth),
+                        Axis(srcHeight, dstHeight),
+                        srcRows,
+                        dstRows,
+                        ElementType::kBytes,
+                        ElementType::kComponents == 1 ? ElementType::kType : MAT_ARRAY_UINT8,
+                        ElementType::kComponents};
+        zoomByFlags(zoom, flags);
+    });
+}
+
+unsigned int widthOf(const RECT* roi, unsigned int width) {
+    return roi == nullptr ? width : static_cast<unsigned int>(roi->right - roi->left) + 1;
+}
+
+unsigned int heightOf(const RECT* roi, unsigned int height) {
+    return roi == nullptr ? height : static_cast<unsigned int>(roi->bottom - roi->top) + 1;
+}
+
+int zoomRegions(unsigned int srcWidth, unsigned int srcHeight, const void* srcRows, const RECT* srcRoi,
+                unsigned int dstWidth, unsigned int dstHeight, const void* dstRows, const RECT* dstRoi,
+                unsigned int type, unsigned int flags) {
+    using velquad::array::mapRegion;
+    const auto source =
+        mapRegion(srcRows, static_cast<int>(srcWidth), static_cast<int>(srcHeight), type, 1, srcRoi);
+    const auto destination =
+        mapRegion(dstRows, static_cast<int>(dstWidth), static_cast<int>(dstHeight), type, 1, dstRoi);
+    if (source == nullptr || destination == nullptr) return 0;
+    zoomArray(widthOf(srcRoi, srcWidth), heightOf(srcRoi, srcHeight), source.get(), widthOf(dstRoi, dstWidth),
+              heightOf(dstRoi, dstHeight), destination.get(), type, flags);
+    return 1;
+}
+
+}  // namespace
+
+extern "C" int matZoomArray2v(unsigned int srcWidth, unsigned int srcHeight, const void* const* srcRows,
+                              unsigned int dstWidth, unsigned int dstHeight, void* const* dstRows,
+                              unsigned int type, unsigned int flags) {
+    zoomArray(srcWidth, srcHeight, srcRows, dstWidth, dstHeight, dstRows, type, flags);
+    return 1;
+}
+
+extern "C" int matZoomArrayROI2v(unsigned int srcWidth, unsigned int srcHeight, const void* const* srcRows,
+                                 const RECT* srcRoi, unsigned int dstWidth, unsigned int dstHeight,
+                                 void* const* dstRows, const RECT* dstRoi, unsigned int type,
+                                 unsigned int flags) {
+    return zoomRegions(srcWidth, srcHeight, srcRows, srcRoi, dstWidth, dstHeight, dstRows, dstRoi, type,
+                       flags);
+}
+
+extern "C" int matZoomImage(unsigned int srcWidth, unsigned int srcHeight, unsigned int bytesPerPixel,
+                            const void* const* srcRows, const RECT* srcRoi, unsigned int dstWidth,
+                            unsigned int dstHeight, void* const* dstRows, const RECT* dstRoi,
+                            unsigned int mode) {
+    const unsigned int type = velquad::array::typeOfSize(bytesPerPixel);
+    const unsigned int flags = mode == 2 ? kCubicFlag : mode == 1 ? kBilinearFlag : 1U;
+    return zoomRegions(srcWidth, srcHeight, srcRows, srcRoi, dstWidth, dstHeight, dstRows, dstRoi, type,
+                       flags);
+}

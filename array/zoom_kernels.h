@@ -1,0 +1,66 @@
+// Inner loops of zoom: one piece of a row at a time, all columns of a piece with the same operations.
+#ifndef VELQUAD_ARRAY_ZOOM_KERNELS_H
+#define VELQUAD_ARRAY_ZOOM_KERNELS_H
+
+#include <cstddef>
+#include <cstdint>
+
+#include "array/element.h"
+
+namespace velquad::array {
+
+/// Values that one piece of a row holds at most.
+inline constexpr std::size_t kZoomPiece = 512;
+
+/// Where the columns of a piece lie in the source. A column is one value: pixels of bytes have one for each byte.
+struct ZoomColumns {
+    std::int32_t index[kZoomPiece];  ///< The value at or before the position, counted in values of the row.
+    double fraction[kZoomPiece];     ///< Way from there to the next pixel, in [0, 1).
+    double rest[kZoomPiece];         ///< 1 - fraction.
+    double weight[4][kZoomPiece];    ///< Cubic: a, b, c, d.
+    std::size_t count = 0;           ///< Columns of this piece.
+    std::int32_t step = 1;           ///< From a value to the same one of the next pixel.
+};
+
+/// A source row as bilinear zoom needs it: left * (1 - fraction) and right * fraction of each column.
+struct BilinearRow {
+    double left[kZoomPiece];
+    double right[kZoomPiece];
+};
+
+/// A source row as cubic zoom needs it: its interpolation along x.
+struct CubicRow {
+    double value[kZoomPiece];
+};
+
+/// The four weights of a position between two samples.
+struct CubicWeights {
+    double a;
+    double b;
+    double c;
+    double d;
+};
+
+/// The functions for one type of value.
+struct ZoomValueKernels {
+    void (*bilinearAlong)(const void* sourceRow, const ZoomColumns& columns, BilinearRow& row);
+    void (*bilinearAcross)(const BilinearRow& upper, const BilinearRow& lower, double fraction,
+                           void* destination, std::size_t count);
+    void (*cubicAlong)(const void* sourceRow, const ZoomColumns& columns, CubicRow& row);
+    void (*cubicAcross)(const CubicRow* const rows[4], const CubicWeights& weights, void* destination,
+                        std::size_t count);
+};
+
+struct ZoomKernels {
+    /// By the type code of a value, 1 to 8.
+    ZoomValueKernels values[9];
+    /// By the bytes of an element, 1 to 4 and 8: copies the elements at `index`, which counts elements.
+    void (*nearest[9])(const void* sourceRow, const std::int32_t* index, void* destination,
+                       std::size_t count);
+};
+
+const ZoomKernels& zoomKernels();
+
+}  // namespace velquad::array
+
+#endif  // VELQUAD_ARRAY_ZOOM_KERNELS_H

@@ -1,0 +1,73 @@
+// Zoom up and down, next to the loops that define it. Arguments: type code, flags (1 nearest, 2 bilinear, 4 cubic),
+// source size, destination size.
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+#include <memory>
+#include <random>
+
+#include "frame/kernels.h"
+#include "tests/support/array_data.h"
+#include "tests/support/zoom_reference.h"
+#include "velquad/array.h"
+
+namespace {
+
+using velquad::test::fillRandom;
+using velquad::test::LooseArray;
+
+struct Images {
+    unsigned int type;
+    unsigned int flags;
+    unsigned int srcSize;
+    unsigned int dstSize;
+    LooseArray source;
+    LooseArray destination;
+
+    explicit Images(const benchmark::State& state)
+        : type(static_cast<unsigned int>(state.range(0))),
+          flags(static_cast<unsigned int>(state.range(1))),
+          srcSize(static_cast<unsigned int>(state.range(2))),
+          dstSize(static_cast<unsigned int>(state.range(3))),
+          source(srcSize, srcSize, type),
+          destination(dstSize, dstSize, type) {
+        std::mt19937 random(7);
+        fillRandom(source, srcSize, srcSize, type, random);
+    }
+};
+
+void zoom(benchmark::State& state) {
+    Images images(state);
+    for (auto _ : state) {
+        matZoomArray2v(images.srcSize, images.srcSize, images.source.rows(), images.dstSize, images.dstSize,
+                       images.destination.rows(), images.type, images.flags);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * images.dstSize * images.dstSize);
+    state.SetLabel(velquad::frame::kernelLevelName(velquad::frame::kernelLevel()));
+}
+
+void zoomLiteral(benchmark::State& state) {
+    Images images(state);
+    const velquad::test::zoom::Job job{images.srcSize, images.srcSize, images.source.rows(),
+                                       images.dstSize, images.dstSize, images.destination.rows()};
+    for (auto _ : state) {
+        velquad::test::zoom::zoomArray(job, images.type, images.flags);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * images.dstSize * images.dstSize);
+}
+
+void cases(benchmark::internal::Benchmark* b) {
+    for (const int flags : {1, 2, 4}) {
+        for (const int type : {2, 4, 7, 8, 9}) {
+            b->Args({type, flags, 2048, 4096});
+            b->Args({type, flags, 4096, 1500});
+        }
+    }
+    b->Unit(benchmark::kMillisecond);
+}
+BENCHMARK(zoom)->Apply(cases);
+BENCHMARK(zoomLiteral)->Apply(cases);
+
+}  // namespace
