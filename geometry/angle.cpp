@@ -1,8 +1,6 @@
 // Angles of the plane: reduction to a range, turning angles, angles between rays and between directions.
 #include "geometry/angle.h"
 
-#include <cmath>
-
 #include "velquad/geometry.h"
 
 namespace {
@@ -36,15 +34,7 @@ extern "C" double matMapNormalizedAngle(double angle, int isDegrees, unsigned in
 }
 
 extern "C" double matCalcDistanceOfAngles(double a, double b, int isDegrees) {
-    const double period = velquad::geometry::fullTurn(isDegrees != 0);
-    const double angleA = velquad::geometry::normalizeAngle(a, isDegrees != 0);
-    const double angleB = velquad::geometry::normalizeAngle(b, isDegrees != 0);
-    double smallest = std::fabs(angleA - angleB);
-    const double acrossZeroB = std::fabs(angleA - (period + angleB));
-    if (acrossZeroB < smallest) smallest = acrossZeroB;
-    const double acrossZeroA = std::fabs(angleB - (period + angleA));
-    if (acrossZeroA < smallest) smallest = acrossZeroA;
-    return smallest;
+    return velquad::geometry::distanceOfAngles(a, b, isDegrees != 0);
 }
 
 extern "C" double matCalcScaledAngle(tagPOINT a, tagPOINT b, double scaleX, double scaleY) {

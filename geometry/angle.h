@@ -63,28 +63,45 @@ inline double directionOf(const tagPOINT2D& vector) {
     return direction < 0.0 ? direction + kFullTurnRad : direction;
 }
 
-/// The angle from the ray centre-first to the ray centre-second; see `matCalcNormalizedAngle2D`.
-inline double normalizedAngle(const tagPOINT2D& center, const tagPOINT2D& first, const tagPOINT2D& second,
-                              bool isCounterClockwise, bool isDegrees) {
-    constexpr double kNullLength = 1e-7;
+/// How far one direction lies from another in a sense of rotation, in [0, one turn).
+/// @param from, to  in radians, [0, 2 pi], as `directionOf` gives them.
+inline double sweptAngle(double from, double to, bool isCounterClockwise, bool isDegrees) {
     constexpr double kDegreesPerRadian = 57.29577951308232;
     constexpr double kOneStepBelowFullTurnRad = 6.283185307179585;
-    const tagPOINT2D toFirst{center.x - first.x, center.y - first.y};
-    const tagPOINT2D toSecond{center.x - second.x, center.y - second.y};
-    if (kNullLength > frame::lengthOf(toSecond) || kNullLength > frame::lengthOf(toFirst)) return 0.0;
-    const double direction1 = directionOf(toFirst);
-    const double direction2 = directionOf(toSecond);
     double angle = 0.0;
     if (isCounterClockwise) {
-        angle = direction1 > direction2 ? kFullTurnRad - (direction1 - direction2) : direction2 - direction1;
+        angle = from > to ? kFullTurnRad - (from - to) : to - from;
     } else {
-        angle = direction1 >= direction2 ? direction1 - direction2 : kFullTurnRad - (direction2 - direction1);
+        angle = from >= to ? from - to : kFullTurnRad - (to - from);
     }
     if (isDegrees) {
         angle *= kDegreesPerRadian;
         return angle >= kFullTurnDegrees ? 0.0 : angle;
     }
     return angle >= kOneStepBelowFullTurnRad ? 0.0 : angle;
+}
+
+/// The angle from the ray centre-first to the ray centre-second; see `matCalcNormalizedAngle2D`.
+inline double normalizedAngle(const tagPOINT2D& center, const tagPOINT2D& first, const tagPOINT2D& second,
+                              bool isCounterClockwise, bool isDegrees) {
+    constexpr double kNullLength = 1e-7;
+    const tagPOINT2D toFirst{center.x - first.x, center.y - first.y};
+    const tagPOINT2D toSecond{center.x - second.x, center.y - second.y};
+    if (kNullLength > frame::lengthOf(toSecond) || kNullLength > frame::lengthOf(toFirst)) return 0.0;
+    return sweptAngle(directionOf(toFirst), directionOf(toSecond), isCounterClockwise, isDegrees);
+}
+
+/// The shortest way from one angle to another; see `matCalcDistanceOfAngles`.
+inline double distanceOfAngles(double a, double b, bool isDegrees) {
+    const double period = fullTurn(isDegrees);
+    const double angleA = normalizeAngle(a, isDegrees);
+    const double angleB = normalizeAngle(b, isDegrees);
+    double smallest = std::fabs(angleA - angleB);
+    const double acrossZeroB = std::fabs(angleA - (period + angleB));
+    if (acrossZeroB < smallest) smallest = acrossZeroB;
+    const double acrossZeroA = std::fabs(angleB - (period + angleA));
+    if (acrossZeroA < smallest) smallest = acrossZeroA;
+    return smallest;
 }
 
 /// The direction from a to b in degrees, with pixels of a given size; see `matCalcScaledAngle`.

@@ -11,10 +11,10 @@
 //   - Elsewhere the order of the elements decides about the rounding, and they are added one by one.
 #include "statistics/moments.h"
 
-#include <emmintrin.h>
-
+#include "statistics/element_pair.h"
 #include "statistics/element_type.h"
 #include "statistics/narrow_sums.h"
+#include "statistics/prefetch.h"
 
 namespace velquad::statistics {
 
@@ -30,38 +30,6 @@ constexpr std::size_t kMinNarrowBlock = 16;
 constexpr std::size_t kMarkBlock = 1024;
 
 constexpr std::size_t kLanes = 4;
-
-/// Two neighbouring elements as doubles.
-template <class T>
-__m128d loadPair(const void* values, std::size_t index) {
-    return _mm_setr_pd(elementAt<T>(values, index), elementAt<T>(values, index + 1));
-}
-
-template <>
-__m128d loadPair<double>(const void* values, std::size_t index) {
-    return _mm_loadu_pd(static_cast<const double*>(tailOf<double>(values, index)));
-}
-
-template <>
-__m128d loadPair<float>(const void* values, std::size_t index) {
-    const __m128i bits = _mm_loadl_epi64(static_cast<const __m128i*>(tailOf<float>(values, index)));
-    return _mm_cvtps_pd(_mm_castsi128_ps(bits));
-}
-
-template <>
-__m128d loadPair<std::int32_t>(const void* values, std::size_t index) {
-    return _mm_cvtepi32_pd(_mm_loadl_epi64(static_cast<const __m128i*>(tailOf<std::int32_t>(values, index))));
-}
-
-/// The lower and the upper lane.
-struct Lanes {
-    double low = 0.0;
-    double high = 0.0;
-};
-
-Lanes lanesOf(__m128d pair) {
-    return {_mm_cvtsd_f64(pair), _mm_cvtsd_f64(_mm_unpackhi_pd(pair, pair))};
-}
 
 double lesser(Lanes lanes) {
     return lanes.high < lanes.low ? lanes.high : lanes.low;
@@ -114,6 +82,7 @@ void Moments::addInOrder(Evaluator& e, const void* values, std::size_t count) {
         __m128d greatest0 = _mm_set1_pd(e.max);
         __m128d greatest1 = greatest0;
         for (std::size_t i = 0; i < inLanes; i += kLanes) {
+            prefetchAhead(tailOf<T>(values, i));
             const __m128d x0 = loadPair<T>(values, i);
             const __m128d x1 = loadPair<T>(values, i + 2);
             // The second operand is the result when the first is not a number.
@@ -158,10 +127,10 @@ bool Moments::addTotals(Evaluator& e, std::int64_t sum, std::uint64_t squares, s
 template <class T>
 bool Moments::addExactly(Evaluator& e, const void* values, std::size_t count) {
     if (!isExactSum(e.sum) || !isExactSumOfSquares(e.sumOfSquares)) return false;
-    const NarrowSums sums = narrowSums<T>(values, count);
-    const std::uint64_t odd =
-        e.sumOfSquares >= static_cast<double>(kTwoTo53) ? countOdd<T>(values, count) : 0;
-    if (!addTotals(e, sums.sum, sums.sumOfSquares, odd)) return false;
+    const NarrowSums sums = narrowKernelsFor<T>().sums(values, count);
+    const bool isRounding = e.sumOfSquares >= static_cast<double>(kTwoTo53);
+    const std::size_t odd = isRounding ? narrowKernelsFor<T>().oddCount(values, count) : 0;
+    if (!addTotals(e, sums.sum, static_cast<std::uint64_t>(sums.sumOfSquares), odd)) return false;
     if (e.min > sums.min) e.min = sums.min;
     if (sums.max > e.max) e.max = sums.max;
     return true;
