@@ -27,7 +27,11 @@ struct ExtremeList {
     std::size_t count = 0;
     std::size_t cursor = 0;
 
-    void add(std::size_t index) { indices[count++] = static_cast<std::uint32_t>(index); }
+    /// Writes in any case: whether a value of a noisy curve is an extreme cannot be predicted.
+    void addIf(bool isExtreme, std::size_t index) {
+        indices[count] = static_cast<std::uint32_t>(index);
+        count += isExtreme ? 1 : 0;
+    }
     /// Only a curve of not-a-numbers has none; then its start stands in.
     std::size_t current() const { return count == 0 ? 0 : indices[cursor]; }
     std::size_t before() const { return cursor == 0 ? 0 : indices[cursor - 1]; }
@@ -40,7 +44,7 @@ struct ExtremeList {
     }
 };
 
-/// Entries that a list may have beyond one a value: the first value can come twice.
+/// Room of a list beyond one entry a value: the first value can come twice, and one more place is written to.
 constexpr std::size_t kSpareEntries = 2;
 
 struct Extremes {
@@ -58,21 +62,21 @@ struct Extremes {
     void find(const Data& data, std::size_t n) {
         minima.count = maxima.count = 0;
         minima.cursor = maxima.cursor = 0;
-        if (data[1] >= data[0]) minima.add(0);
-        if (data[0] >= data[1]) maxima.add(0);
+        minima.addIf(data[1] >= data[0], 0);
+        maxima.addIf(data[0] >= data[1], 0);
         double a = data[0];
         double b = data[1];
         double c = data[1];
         for (std::size_t k = 0;; ++k) {
-            if (a >= b && c >= b) minima.add(k);
-            if (b >= a && b >= c) maxima.add(k);
+            minima.addIf((a >= b) & (c >= b), k);
+            maxima.addIf((b >= a) & (b >= c), k);
             a = b;
             b = c;
             if (k + 2 == n) break;
             c = data[k + 2];
         }
-        if (a >= b) minima.add(n - 1);
-        if (b >= a) maxima.add(n - 1);
+        minima.addIf(a >= b, n - 1);
+        maxima.addIf(b >= a, n - 1);
     }
 };
 

@@ -5,18 +5,22 @@
 #include <cmath>
 #include <cstddef>
 
+#include "frame/kernels.h"
+#include "signal/smoothing_kernels.h"
 #include "velquad/signal.h"
+
+namespace velquad::signal {
+
+VELQUAD_DEFINE_KERNELS(SmoothingKernels, kSmoothingKernels, smoothingKernels)
+
+}  // namespace velquad::signal
 
 namespace {
 
-constexpr unsigned int kMostWidth = 5;
-constexpr unsigned int kMostDerivative = 2;
-constexpr std::size_t kMostTaps = 2 * kMostWidth + 3;
+using velquad::signal::Convolution;
 
-struct Convolution {
-    double norm;
-    double coefficients[kMostTaps];  ///< The first 2 * width + 3 of them.
-};
+constexpr unsigned int kMostWidth = velquad::signal::kConvolutionWidths;
+constexpr unsigned int kMostDerivative = 2;
 
 /// By derivative and width - 1.
 constexpr Convolution kConvolutions[kMostDerivative + 1][kMostWidth] = {
@@ -36,34 +40,6 @@ constexpr Convolution kConvolutions[kMostDerivative + 1][kMostWidth] = {
      {429, {15, 6, -1, -6, -9, -10, -9, -6, -1, 6, 15}},
      {1001, {22, 11, 2, -5, -10, -13, -14, -13, -10, -5, 2, 11, 22}}}};
 
-/// Values computed side by side. Each keeps its own order of summing.
-constexpr std::size_t kBlock = 8;
-
-/// Convolves the windows that begin at in[0], in[1], ...
-template <std::size_t Taps>
-void convolve(const double* in, std::size_t count, const Convolution& convolution, double* out) {
-    std::size_t i = 0;
-    for (; i + kBlock <= count; i += kBlock) {
-        double sums[kBlock] = {};
-        for (std::size_t j = 0; j < Taps; ++j) {
-            for (std::size_t lane = 0; lane < kBlock; ++lane)
-                sums[lane] += convolution.coefficients[j] * in[i + j + lane];
-        }
-        for (std::size_t lane = 0; lane < kBlock; ++lane)
-            out[i + lane] = sums[lane] / convolution.norm;
-    }
-    for (; i < count; ++i) {
-        double sum = 0.0;
-        for (std::size_t j = 0; j < Taps; ++j)
-            sum += convolution.coefficients[j] * in[i + j];
-        out[i] = sum / convolution.norm;
-    }
-}
-
-using Convolve = void (*)(const double* in, std::size_t count, const Convolution& convolution, double* out);
-constexpr Convolve kConvolve[kMostWidth] = {convolve<5>, convolve<7>, convolve<9>, convolve<11>,
-                                            convolve<13>};
-
 }  // namespace
 
 extern "C" unsigned int matSavitzkyGolay(const double* in, unsigned int n, double* out, unsigned int width,
@@ -74,7 +50,10 @@ extern "C" unsigned int matSavitzkyGolay(const double* in, unsigned int n, doubl
     }
     const std::size_t half = width + 1;
     const std::size_t windows = n > 2 * half ? n - 2 * half : 0;
-    if (windows > 0) kConvolve[width - 1](in, windows, kConvolutions[derivative][width - 1], out + half);
+    if (windows > 0) {
+        velquad::signal::smoothingKernels().convolve[width - 1](
+            in, windows, kConvolutions[derivative][width - 1], out + half);
+    }
     // Both ends repeat the nearest value. Without a whole window there is none.
     const double first = windows > 0 ? out[half] : 0.0;
     const double last = windows > 0 ? out[half + windows - 1] : 0.0;
