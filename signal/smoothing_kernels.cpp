@@ -2,36 +2,20 @@
 // used here.
 #include "signal/smoothing_kernels.h"
 
-#include "frame/inline.h"
+#include "signal/lanes.h"
 
 namespace velquad::signal::VELQUAD_KERNEL_LEVEL {
 
 namespace {
 
-#if defined(__AVX512F__)
-constexpr std::size_t kLanes = 8;
-#elif defined(__AVX__)
-constexpr std::size_t kLanes = 4;
-#else
-constexpr std::size_t kLanes = 2;
-#endif
-using Lanes [[gnu::vector_size(kLanes * sizeof(double))]] = double;
-
 /// Vectors of windows computed side by side.
 constexpr std::size_t kVectors = 4;
 constexpr std::size_t kBlock = kVectors * kLanes;
 
-VELQUAD_ALWAYS_INLINE Lanes load(const double* at) {
-    Lanes lanes;
-    __builtin_memcpy(&lanes, at, sizeof lanes);
-    return lanes;
-}
-
 /// Stores the sums of a block, each divided.
 VELQUAD_ALWAYS_INLINE void storeQuotients(const Lanes (&sums)[kVectors], double divisor, double* out) {
     for (std::size_t v = 0; v < kVectors; ++v) {
-        const Lanes quotients = sums[v] / divisor;
-        __builtin_memcpy(out + v * kLanes, &quotients, sizeof quotients);
+        store(out + v * kLanes, sums[v] / divisor);
     }
 }
 
