@@ -19,6 +19,7 @@
 #ifndef VELQUAD_CURVES_H
 #define VELQUAD_CURVES_H
 
+#include "velquad/platform.h"
 #include "velquad/types.h"
 
 namespace velquad {
@@ -120,6 +121,101 @@ VELQUAD_API void* polyCalcInterpolatingCurve(void* polygon, double step, double 
 /// @param error    receives the result code of the curve; 7 when the polygon cannot be locked. May be null.
 /// @return a new polygon, unlocked, for the caller to release with `polyFree`; null for every code but 0.
 VELQUAD_API void* polyCalcFittingCurve(void* polygon, double step, int order, unsigned int* error);
+
+/// @name Perimeters of chain codes
+/// Two estimates of the length of a closed outline of pixels. Each whole pixel is scaled before any smoothing, so a
+/// pixel may be wider than high.
+///
+/// |                          | curve                                             | on a digital disc          |
+/// | ------------------------ | ------------------------------------------------- | -------------------------- |
+/// | `miniCalcInnerPerimeter` | quadratic B-spline with the pixels as its control | cuts corners, the shorter  |
+/// | `miniCalcOuterPerimeter` | Renner subspline through the pixels               | keeps corners, the longer  |
+/// @{
+
+/// The length of the closed curve of `matFittingCurve`, order 3, as a chain of chords, two or more a step.
+/// @param chain           its last point, which repeats the first one, is not used. Codes above 7 stay in place.
+/// @param scaleX, scaleY  size of a pixel.
+/// @return the length; 0.0 for fewer than 3 steps or a null chain; 7.0, which no one can tell from a length, when
+///         memory is lacking.
+VELQUAD_API double miniCalcInnerPerimeter(const tagMINIVEC* chain, double scaleX, double scaleY);
+
+/// The sum of the parameter lengths of the curve of `matInterpolatingCurve` without rounded corners, which are
+/// close to its arc lengths.
+/// @param chain           4 steps or more, each of which moves.
+/// @param scaleX, scaleY  size of a pixel.
+/// @return the length; `velquad::kNoValue` for another chain, a null one, and when memory is lacking.
+VELQUAD_API double miniCalcOuterPerimeter(const tagMINIVEC* chain, double scaleX, double scaleY);
+/// @}
+
+/// @name Natural cubic splines
+/// Through points y(x), twice continuously differentiable, with no curvature at both ends.
+/// @{
+
+/// Tabulates a curve given by a few points at equal steps from its first to its last x, for instance a mapping of
+/// grey levels.
+/// @param xValues, yValues  `count` points, 3 or more, x strictly increasing.
+/// @param lowerLimit        least value of the table; a value that is not a number ends here.
+/// @param upperLimit        greatest value; the one that holds when the limits cross.
+/// @param outValues         room for `outCount` values. A table of one value, whose step does not exist, holds
+///                          the limited not-a-number.
+/// @return `outCount`; 0, with nothing written, for other points, a null array, and when memory is lacking.
+VELQUAD_API unsigned int matInterpolateIntensityCurve(const double* xValues, const double* yValues,
+                                                      unsigned int count, double lowerLimit,
+                                                      double upperLimit, double* outValues,
+                                                      unsigned int outCount);
+
+/// Scales the rows of an image to a new width: each row is a curve through its pixels, and target pixel o takes
+/// its value at o * sourceWidth / targetWidth, rounded with halves away from zero and limited to what a pixel
+/// holds.
+///   (1) Of equal widths the rows stay as they are.
+///   (2) When enlarging, the last target pixels lie beyond the last source pixel, where the last polynomial goes
+///       on.
+///   (3) The running application is kept in a wait; see `CWinApp::BeginWaitCursor`.
+/// @param sourceWidth  3 or more.
+/// @param pixelSize    1 for pixels of 8 bits; everything else means 16 bits.
+/// @param sourceRows   `height` rows at any address.
+/// @param targetRows   `height` rows with room for `targetWidth` pixels. A target row may be the source row of the
+///                     same place and must not overlap others.
+/// @return 0; 3 when memory is lacking; 12 for too few source pixels or a null table. A height of 0 is no failure.
+/// @par Cost    O(height * (sourceWidth + targetWidth)); memory for four rows.
+VELQUAD_API int matHorzStretchImage(unsigned int sourceWidth, unsigned int height, unsigned int pixelSize,
+                                    const void* const* sourceRows, unsigned int targetWidth,
+                                    void* const* targetRows);
+/// @}
+
+/// @name Resampling
+/// The samples stand at 0, 1, ... `count` - 1. The first and the last value of the result are the first and the last
+/// sample; the last one goes to `out[outCount - 1]`, but at least to `out[1]`, so `out` has room for two values or
+/// more.
+/// @return `velquad::SignalStatus`: 3 for a null array and for a count or an order of 0.
+/// @{
+
+/// Interpolates by local cubics, each of which depends on the six nearest samples, so an outlier has no effect
+/// far away.
+///   (1) A slope is the mean of the differences on both sides of its sample, each weighted by how much the
+///       differences change on its own side; the paper takes the change on the other side, which favours the
+///       calmer one.
+///   (2) Before the start the differences go on with d1 = d2 - d3, not with a straight continuation, so even a line
+///       begins with a slope of 0. Behind the end they go on straight.
+///   (3) Two samples are a line, one is a constant.
+/// @return 1 when memory is lacking, 2 when it cannot be locked; nothing is written then.
+/// @par Source  H. Akima, Journal of the ACM 17 (1970).
+VELQUAD_API int matAkima(const double* values, unsigned int count, double* out, int outCount);
+
+/// Smooths by a B-spline whose control points are the samples, on open uniform knots.
+///   (1) The steps divide the curve by `outCount`, not by one less, so the inner values stop short of its end.
+///   (2) Orders 1 and 2 are the sample whose interval holds the place, and hats that are not normalised by the
+///       distance of their knots; higher orders follow the recursion from order 2 up.
+///   (3) Control points more than nine beyond the place are left out, which from order 11 on leaves terms out.
+///   (4) With fewer samples than the order, all inner values are 0.
+/// @param order  degree plus 1.
+/// Throws std::bad_alloc for an order that memory does not suffice for.
+/// @par Cost    O(order^2) per value.
+/// @par Source  M. G. Cox, IMA Journal of Applied Mathematics 10 (1972); C. de Boor, Journal of Approximation
+///              Theory 6 (1972).
+VELQUAD_API int matBSpline(const double* values, unsigned int count, double* out, int outCount,
+                           unsigned int order);
+/// @}
 
 }  // extern "C"
 

@@ -103,6 +103,14 @@ inline constexpr double kExtentNotSet = 3.4028234663852886e38;
 /// A pixel coordinate that is not set.
 inline constexpr int kCoordinateNotSet = 0x7fffffff;
 
+/// What the functions on sampled curves report.
+enum SignalStatus : int {
+    kSignalOk = 0,
+    kSignalNoMemory = 1,     ///< A working block could not be allocated.
+    kSignalLockFailed = 2,   ///< A working block could not be locked.
+    kSignalBadArgument = 3,  ///< A count of 0, or what else the function names.
+};
+
 }  // namespace velquad
 
 #endif  // VELQUAD_TYPES_H
