@@ -3,10 +3,11 @@
 //     VELQUAD_KERNEL    the name of the kernel
 //     VELQUAD_LANES     doubles in a vector
 //
-// Vectors run across stretches: lane j of a vector belongs to the stretch that begins j samples later, so each
-// stretch is summed in its own order. Stretches are taken a tile at a time, as many as keep the adders busy; the
-// squares of the samples under a tile are computed once for all of its stretches. Everything here has internal
-// linkage, and no function of a header is called: the linker must never take this file's code for another's.
+// Vectors run across stretches, so each stretch is summed in its own order. Lanes are some stretches apart rather
+// than neighbours: the samples of a block are laid out row by row, one lane beside the other, so that every load
+// is aligned and one row serves several stretches of a lane. The squares of the samples are computed once a block.
+// Everything here has internal linkage and no function of a header is called: the linker must never take this
+// file's code for another's.
 #include <cstddef>
 
 #include "signal/correlation_kernel.h"
@@ -15,95 +16,118 @@ namespace velquad::signal {
 
 namespace {
 
-// One double or a vector of them; loads and stores may be unaligned. The width of the kernel is no template
-// parameter: compilers differ in vector types that depend on one.
 constexpr std::size_t kLanes = VELQUAD_LANES;
-template <std::size_t Lanes>
-struct Pack {
-    using Value = double __attribute__((vector_size(VELQUAD_LANES * sizeof(double))));
-};
-template <>
-struct Pack<1> {
-    using Value = double;
-};
-static_assert(sizeof(Pack<kLanes>::Value) == kLanes * sizeof(double));
+using Vector = double __attribute__((vector_size(VELQUAD_LANES * sizeof(double))));
 
-// Samples of the pattern between two refills of the squares.
-constexpr std::size_t kChunk = 256;
+// Most stretches that one lane takes in a block.
+constexpr std::size_t kLaneStretches = 64;
+// Stretches of a lane that are summed at once: twelve sums are in flight then, enough to keep the adders busy.
+constexpr std::size_t kAtOnce = 4;
+// Samples of the pattern between two refills of the samples under a block.
+constexpr std::size_t kChunk = 128;
 
-__attribute__((always_inline)) inline double squareRoot(double value) {
-    return __builtin_sqrt(value);
+struct Sums {
+    Vector sum;
+    Vector squares;
+    Vector dot;
+};
+
+// What a block works on, within the first cache of the processor.
+struct BlockMemory {
+    Vector samples[kChunk + kLaneStretches];  // row i, lane j: sample i of the stretch of lane j
+    Vector squared[kChunk + kLaneStretches];
+    Sums sums[kLaneStretches];
+};
+
+// A block of `kLanes` times `stretches` stretches; the lanes begin `stretches` samples apart.
+struct Block {
+    const double* signal;
+    double* result;
+    std::size_t stretches;
+};
+
+void fillRows(BlockMemory& memory, const Block& block, std::size_t begin, std::size_t rows) {
+    const double* const signal = block.signal + begin;
+    for (std::size_t i = 0; i < rows; ++i) {
+        double row[kLanes];
+        for (std::size_t j = 0; j < kLanes; ++j)
+            row[j] = signal[j * block.stretches + i];
+        __builtin_memcpy(&memory.samples[i], row, sizeof row);
+        memory.squared[i] = memory.samples[i] * memory.samples[i];
+    }
 }
 
-template <std::size_t Lanes>
-struct Vectors {
-    using Value = typename Pack<Lanes>::Value;
-
-    // Vectors are handed on by reference: by value they would need an alignment of the stack.
-    __attribute__((always_inline)) static void load(Value& vector, const double* from) {
-        __builtin_memcpy(&vector, from, sizeof vector);
-    }
-    __attribute__((always_inline)) static void store(double* to, const Value& vector) {
-        __builtin_memcpy(to, &vector, sizeof vector);
-    }
-};
-
-// Correlates the pattern with Lanes * Count stretches.
-template <std::size_t Lanes, std::size_t Count>
-__attribute__((always_inline)) inline void correlateTile(const CorrelationPattern& pattern,
-                                                         const double* signal, double* result) {
-    using V = Vectors<Lanes>;
-    using Value = typename V::Value;
-    constexpr std::size_t kStretches = Lanes * Count;
-    double squared[kChunk + kStretches];
-    Value sum[Count] = {};
-    Value squares[Count] = {};
-    Value dot[Count] = {};
-    for (std::size_t begin = 0; begin < pattern.count; begin += kChunk) {
-        const std::size_t length = pattern.count - begin < kChunk ? pattern.count - begin : kChunk;
-        const double* const samples = signal + begin;
-        for (std::size_t i = 0; i < length + kStretches - 1; ++i)
-            squared[i] = samples[i] * samples[i];
+// `stretches` is a multiple of kAtOnce.
+void addChunk(BlockMemory& memory, std::size_t stretches, const double* weights, std::size_t length) {
+    for (std::size_t first = 0; first < stretches; first += kAtOnce) {
+        Sums sums[kAtOnce];
+        for (std::size_t w = 0; w < kAtOnce; ++w)
+            sums[w] = memory.sums[first + w];
         for (std::size_t k = 0; k < length; ++k) {
-            const double weight = pattern.values[begin + k];
-            for (std::size_t v = 0; v < Count; ++v) {
-                Value sample;
-                Value square;
-                V::load(sample, samples + k + v * Lanes);
-                V::load(square, squared + k + v * Lanes);
-                sum[v] += sample;
-                squares[v] += square;
-                dot[v] += sample * weight;
+            const double weight = weights[k];
+            for (std::size_t w = 0; w < kAtOnce; ++w) {
+                const Vector sample = memory.samples[first + k + w];
+                sums[w].sum += sample;
+                sums[w].squares += memory.squared[first + k + w];
+                sums[w].dot += sample * weight;
             }
         }
+        for (std::size_t w = 0; w < kAtOnce; ++w)
+            memory.sums[first + w] = sums[w];
+    }
+}
+
+void correlateBlock(const CorrelationPattern& pattern, const Block& block) {
+    BlockMemory memory;
+    for (std::size_t w = 0; w < block.stretches; ++w)
+        memory.sums[w] = Sums{Vector{}, Vector{}, Vector{}};
+    for (std::size_t begin = 0; begin < pattern.count; begin += kChunk) {
+        const std::size_t length = pattern.count - begin < kChunk ? pattern.count - begin : kChunk;
+        fillRows(memory, block, begin, length + block.stretches - 1);
+        addChunk(memory, block.stretches, pattern.values + begin, length);
     }
     const auto size = static_cast<double>(pattern.count);
-    for (std::size_t v = 0; v < Count; ++v) {
-        const Value about = squares[v] - sum[v] / size * sum[v];
-        double abouts[Lanes] = {};
-        double dots[Lanes] = {};
-        V::store(abouts, about);
-        V::store(dots, dot[v]);
-        for (std::size_t j = 0; j < Lanes; ++j) {
-            const double x = abouts[j];
-            result[v * Lanes + j] = x > 0.0 ? dots[j] / (squareRoot(x) * pattern.norm) : x;
-        }
+    for (std::size_t w = 0; w < block.stretches; ++w) {
+        const Sums& sums = memory.sums[w];
+        const Vector about = sums.squares - sums.sum / size * sums.sum;
+        Vector root{};
+        for (std::size_t j = 0; j < kLanes; ++j)
+            root[j] = __builtin_sqrt(about[j]);
+        const Vector quotients = about > 0.0 ? sums.dot / (root * pattern.norm) : about;
+        for (std::size_t j = 0; j < kLanes; ++j)
+            block.result[j * block.stretches + w] = quotients[j];
     }
+}
+
+// Correlates the pattern with one stretch.
+void correlateOne(const CorrelationPattern& pattern, const double* signal, double* result) {
+    double sum = 0.0;
+    double squares = 0.0;
+    double dot = 0.0;
+    for (std::size_t k = 0; k < pattern.count; ++k) {
+        const double sample = signal[k];
+        sum += sample;
+        squares += sample * sample;
+        dot += sample * pattern.values[k];
+    }
+    const double about = squares - sum / static_cast<double>(pattern.count) * sum;
+    *result = about > 0.0 ? dot / (__builtin_sqrt(about) * pattern.norm) : about;
 }
 
 }  // namespace
 
 void VELQUAD_KERNEL(const CorrelationPattern& pattern, const double* signal, std::size_t count,
                     double* result) {
-    constexpr std::size_t kVectors = 4;
-    constexpr std::size_t kTile = kLanes * kVectors;
+    constexpr std::size_t kLeast = kLanes * kAtOnce;
     std::size_t i = 0;
-    for (; i + kTile <= count; i += kTile)
-        correlateTile<kLanes, kVectors>(pattern, signal + i, result + i);
-    for (; i + kLanes <= count; i += kLanes)
-        correlateTile<kLanes, 1>(pattern, signal + i, result + i);
+    while (count - i >= kLeast) {
+        const std::size_t wanted = (count - i) / kLeast * kAtOnce;
+        const std::size_t stretches = wanted < kLaneStretches ? wanted : kLaneStretches;
+        correlateBlock(pattern, {signal + i, result + i, stretches});
+        i += kLanes * stretches;
+    }
     for (; i < count; ++i)
-        correlateTile<1, 1>(pattern, signal + i, result + i);
+        correlateOne(pattern, signal + i, result + i);
 }
 
 }  // namespace velquad::signal
