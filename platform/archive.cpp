@@ -1,0 +1,363 @@
+// Archives: numbers and graphs of objects as bytes.
+//
+// Loading trusts nothing. Each index, tag and count is checked before it is used; memory grows with the bytes that
+// were really read; the depth of nested objects is bounded, as each level takes stack.
+#include <algorithm>
+#include <cstring>
+#include <unordered_map>
+#include <vector>
+
+#include "velquad/framework.h"
+
+namespace {
+
+constexpr WORD kNullTag = 0;
+constexpr WORD kNewClassTag = 0xFFFF;
+constexpr WORD kClassTag = 0x8000;
+constexpr WORD kBigTag = 0x7FFF;  // a 32-bit tag follows
+constexpr DWORD kBigClassTag = 0x80000000U;
+constexpr DWORD kLastIndex = 0x3FFFFFFE;
+constexpr std::size_t kLongestName = 63;
+constexpr std::size_t kSmallestBuffer = 128;
+constexpr int kDeepestNesting = 1000;
+constexpr UINT kNoSchema = 0xFFFF;
+constexpr UINT kNoObjectSchema = std::numeric_limits<UINT>::max();
+
+[[noreturn]] void fail(int cause) {
+    AfxThrowArchiveException(cause);
+}
+
+// Counts a level of nested objects for the length of a scope.
+class Nesting {
+  public:
+    explicit Nesting(int& depth) : depth_(depth) {
+        if (depth_ >= kDeepestNesting) fail(CArchiveException::genericException);
+        ++depth_;
+    }
+    Nesting(const Nesting&) = delete;
+    Nesting& operator=(const Nesting&) = delete;
+    ~Nesting() { --depth_; }
+
+  private:
+    int& depth_;
+};
+
+}  // namespace
+
+// What has an index. Index 0 is null.
+struct CArchive::Objects {
+    // Loading: an object or a class with its stored schema. Neither for null and for an object that was given up.
+    struct Entry {
+        CObject* object;
+        const CRuntimeClass* record;
+        UINT schema;
+    };
+    std::vector<Entry> loaded{Entry{nullptr, nullptr, 0}};
+    // The innermost object that the archive is making.
+    const CObject* beingMade = nullptr;
+    // Storing: indices of objects and class records, by address.
+    std::unordered_map<const void*, DWORD> stored;
+
+    void store(const void* address) {
+        if (stored.size() >= kLastIndex) fail(CArchiveException::badIndex);
+        stored.emplace(address, static_cast<DWORD>(stored.size() + 1));
+    }
+};
+
+CArchive::CArchive(CFile* file, UINT mode, int bufferSize, void* buffer)
+    : file_(file), mode_(mode), bufferSize_(static_cast<std::size_t>(std::max(bufferSize, 0))) {
+    if (buffer == nullptr || bufferSize_ < kSmallestBuffer) {
+        bufferSize_ = std::max(bufferSize_, kSmallestBuffer);
+        isBufferOwner_ = true;
+    }
+    auto objects = std::make_unique<Objects>();
+    start_ = isBufferOwner_ ? new BYTE[bufferSize_] : static_cast<BYTE*>(buffer);
+    objects_ = objects.release();
+    current_ = start_;
+    limit_ = IsLoading() != 0 ? start_ : start_ + bufferSize_;
+}
+
+CArchive::~CArchive() {
+    if (file_ != nullptr && (mode_ & bNoFlushOnDelete) == 0) {
+        try {
+            Close();
+        } catch (CException* exception) {
+            exception->Delete();
+        } catch (...) {  // NOLINT(bugprone-empty-catch): a destructor cannot tell
+        }
+    }
+    delete objects_;
+    if (isBufferOwner_) delete[] start_;
+}
+
+void CArchive::requireFile() const {
+    if (file_ == nullptr) fail(CArchiveException::genericException);
+}
+
+void CArchive::fillBuffer() {
+    current_ = start_;
+    limit_ = start_;
+    limit_ += file_->Read(start_, static_cast<UINT>(bufferSize_));
+}
+
+UINT CArchive::Read(void* bytes, UINT count) {
+    if (IsLoading() == 0) fail(CArchiveException::writeOnly);
+    requireFile();
+    auto* to = static_cast<BYTE*>(bytes);
+    UINT left = count;
+    while (left > 0) {
+        if (current_ == limit_) {
+            if (left >= bufferSize_) {
+                // Nothing is gained by a way through the buffer.
+                const UINT read = file_->Read(to, left);
+                if (read == 0) break;
+                to += read;
+                left -= read;
+                continue;
+            }
+            fillBuffer();
+            if (current_ == limit_) break;
+        }
+        const auto taken =
+            static_cast<UINT>(std::min<std::size_t>(left, static_cast<std::size_t>(limit_ - current_)));
+        std::memcpy(to, current_, taken);
+        current_ += taken;
+        to += taken;
+        left -= taken;
+    }
+    return count - left;
+}
+
+void CArchive::readAcrossBuffers(void* bytes, UINT count) {
+    if (Read(bytes, count) != count) fail(CArchiveException::endOfFile);
+}
+
+void CArchive::Write(const void* bytes, UINT count) {
+    if (IsLoading() != 0) fail(CArchiveException::readOnly);
+    requireFile();
+    if (count == 0) return;
+    if (count > static_cast<std::size_t>(limit_ - current_)) Flush();
+    if (count >= bufferSize_) {
+        file_->Write(bytes, count);
+        return;
+    }
+    std::memcpy(current_, bytes, count);
+    current_ += count;
+}
+
+void CArchive::Flush() {
+    requireFile();
+    if (IsLoading() != 0) {
+        if (current_ != limit_) file_->Seek(current_ - limit_, CFile::current);
+        current_ = start_;
+        limit_ = start_;
+    } else if (current_ != start_) {
+        file_->Write(start_, static_cast<UINT>(current_ - start_));
+        current_ = start_;
+    }
+}
+
+void CArchive::Close() {
+    Flush();
+    Abort();
+}
+
+void CArchive::Abort() {
+    file_ = nullptr;
+    current_ = start_;
+    // Every access takes the way that finds the file missing.
+    limit_ = start_;
+}
+
+std::uint64_t CArchive::GetBytesLeft() const {
+    requireFile();
+    const std::uint64_t buffered = IsLoading() != 0 ? static_cast<std::uint64_t>(limit_ - current_) : 0;
+    const std::uint64_t length = file_->GetLength();
+    const std::uint64_t position = file_->GetPosition();
+    return buffered + (length > position ? length - position : 0);
+}
+
+std::uintptr_t CArchive::ReadCount() {
+    WORD shortCount = 0;
+    *this >> shortCount;
+    if (shortCount != std::numeric_limits<WORD>::max()) return shortCount;
+    DWORD count = 0;
+    *this >> count;
+    if (count != std::numeric_limits<DWORD>::max()) return count;
+    std::uint64_t longCount = 0;
+    *this >> longCount;
+    return static_cast<std::uintptr_t>(longCount);
+}
+
+void CArchive::WriteCount(std::uintptr_t count) {
+    if (count < std::numeric_limits<WORD>::max()) {
+        *this << static_cast<WORD>(count);
+        return;
+    }
+    *this << std::numeric_limits<WORD>::max();
+    if (count < std::numeric_limits<DWORD>::max()) {
+        *this << static_cast<DWORD>(count);
+        return;
+    }
+    *this << std::numeric_limits<DWORD>::max() << static_cast<std::uint64_t>(count);
+}
+
+std::size_t CArchive::addEntry(CObject* object, const CRuntimeClass* record, UINT schema) {
+    if (objects_->loaded.size() > kLastIndex) fail(CArchiveException::badIndex);
+    objects_->loaded.push_back({object, record, schema});
+    return objects_->loaded.size() - 1;
+}
+
+// Schema, length of the name and name follow.
+const CRuntimeClass* CArchive::readNewClass(const CRuntimeClass* requested, UINT& schema) {
+    WORD storedSchema = 0;
+    WORD length = 0;
+    char name[kLongestName + 1] = {};
+    *this >> storedSchema >> length;
+    if (length > kLongestName) fail(CArchiveException::badClass);
+    readBytes(name, length);
+    // A name with a zero in it is none.
+    const CRuntimeClass* record = std::strlen(name) == length ? CRuntimeClass::FromName(name) : nullptr;
+    if (record == nullptr || (record->m_wSchema & kNoSchema) == kNoSchema) fail(CArchiveException::badClass);
+    schema = storedSchema;
+    const bool isVersionable = (record->m_wSchema & VERSIONABLE_SCHEMA) != 0;
+    if (!isVersionable && record->m_wSchema != schema) fail(CArchiveException::badSchema);
+    addEntry(nullptr, record, schema);
+    if (requested != nullptr && record->IsDerivedFrom(requested) == 0) fail(CArchiveException::badClass);
+    return record;
+}
+
+const CRuntimeClass* CArchive::knownClass(DWORD index, UINT& schema) const {
+    if (index >= objects_->loaded.size() || objects_->loaded[index].record == nullptr)
+        fail(CArchiveException::badIndex);
+    schema = objects_->loaded[index].schema;
+    return objects_->loaded[index].record;
+}
+
+CObject* CArchive::knownObject(DWORD index, const CRuntimeClass* requested) const {
+    if (index == 0) return nullptr;
+    if (index >= objects_->loaded.size() || objects_->loaded[index].object == nullptr)
+        fail(CArchiveException::badIndex);
+    CObject* object = objects_->loaded[index].object;
+    if (requested != nullptr && object->IsKindOf(requested) == 0) fail(CArchiveException::badClass);
+    return object;
+}
+
+CObject* CArchive::readNewObject(const CRuntimeClass* record, UINT schema) {
+    const Nesting nesting(depth_);
+    std::unique_ptr<CObject> object(record->CreateObject());
+    if (object == nullptr) fail(CArchiveException::badClass);
+    const std::size_t index = addEntry(object.get(), nullptr, 0);
+    const CObject* const outer = std::exchange(objects_->beingMade, object.get());
+    const UINT outerSchema = std::exchange(schema_, schema);
+    try {
+        object->Serialize(*this);
+    } catch (...) {
+        // Nothing may refer to what ends here, nor to what was made for it and may end with it.
+        for (std::size_t i = index; i < objects_->loaded.size(); ++i)
+            objects_->loaded[i].object = nullptr;
+        objects_->beingMade = outer;
+        schema_ = outerSchema;
+        throw;
+    }
+    objects_->beingMade = outer;
+    schema_ = outerSchema;
+    return object.release();
+}
+
+CObject* CArchive::ReadObject(const CRuntimeClass* requested) {
+    if (requested != nullptr && requested->m_wSchema == kNoSchema) AfxThrowNotSupportedException();
+    WORD tag = 0;
+    *this >> tag;
+    DWORD index = 0;
+    UINT schema = 0;
+    if (tag == kNewClassTag) {
+        const CRuntimeClass* record = readNewClass(requested, schema);
+        return readNewObject(record, schema);
+    }
+    if (tag == kBigTag) {
+        *this >> index;
+    } else {
+        index = (static_cast<DWORD>(tag & kClassTag) << 16) | static_cast<DWORD>(tag & ~kClassTag);
+    }
+    if ((index & kBigClassTag) == 0) return knownObject(index, requested);
+    const CRuntimeClass* record = knownClass(index & ~kBigClassTag, schema);
+    if (requested != nullptr && record->IsDerivedFrom(requested) == 0) fail(CArchiveException::badClass);
+    return readNewObject(record, schema);
+}
+
+void CArchive::writeIndex(DWORD index, DWORD bigTag, WORD tag) {
+    if (index < kBigTag) {
+        *this << static_cast<WORD>(tag | index);
+    } else {
+        *this << kBigTag << (bigTag | index);
+    }
+}
+
+void CArchive::writeClass(const CRuntimeClass* record) {
+    if ((record->m_wSchema & kNoSchema) == kNoSchema) AfxThrowNotSupportedException();
+    const auto known = objects_->stored.find(record);
+    if (known != objects_->stored.end()) {
+        writeIndex(known->second, kBigClassTag, kClassTag);
+        return;
+    }
+    const std::size_t length = std::strlen(record->m_lpszClassName);
+    // A longer name could not be loaded again.
+    if (length > kLongestName) AfxThrowNotSupportedException();
+    *this << kNewClassTag << static_cast<WORD>(record->m_wSchema) << static_cast<WORD>(length);
+    writeBytes(record->m_lpszClassName, static_cast<UINT>(length));
+    objects_->store(record);
+}
+
+void CArchive::WriteObject(const CObject* object) {
+    if (object == nullptr) {
+        *this << kNullTag;
+        return;
+    }
+    const auto known = objects_->stored.find(object);
+    if (known != objects_->stored.end()) {
+        writeIndex(known->second, 0, 0);
+        return;
+    }
+    const Nesting nesting(depth_);
+    writeClass(object->GetRuntimeClass());
+    objects_->store(object);
+    // `Serialize` stores and loads alike; while it stores, it does not change its object.
+    const_cast<CObject*>(object)->Serialize(*this);
+}
+
+void CArchive::MapObject(const CObject* object) {
+    if (object == nullptr) return;
+    if (IsLoading() != 0) {
+        addEntry(const_cast<CObject*>(object), nullptr, 0);
+    } else if (objects_->stored.count(object) == 0) {
+        objects_->store(object);
+    }
+}
+
+UINT CArchive::GetObjectSchema() {
+    return std::exchange(schema_, kNoObjectSchema);
+}
+
+bool CArchive::isMaking(const CObject* object) const {
+    return objects_->beingMade == object;
+}
+
+std::size_t CArchive::entryCount() const {
+    return objects_->loaded.size();
+}
+
+CArchive& operator<<(CArchive& archive, const CObject* object) {
+    archive.WriteObject(object);
+    return archive;
+}
+
+CArchive& operator>>(CArchive& archive, CObject*& object) {
+    object = archive.ReadObject(nullptr);
+    return archive;
+}
+
+CArchive& operator>>(CArchive& archive, const CObject*& object) {
+    object = archive.ReadObject(nullptr);
+    return archive;
+}
