@@ -44,6 +44,53 @@ int automaticSlack(int size) {
 
 }  // namespace
 
+namespace velquad::containers {
+
+// The memory of an array. No member of the class itself, as all of those are exported.
+struct ArrayMemory {
+    // Elements that come in are cleared, unless the caller overwrites them at once.
+    static void resize(CDoubleArray& array, int newSize, int newGrowBy, bool isCleared) {
+        if (newSize < 0) throw std::bad_array_new_length();
+        const int step = newGrowBy != -1 ? newGrowBy : array.growBy;
+        if (newSize == 0) {
+            delete[] array.data;
+            array.data = nullptr;
+            array.size = 0;
+            array.capacity = 0;
+            array.growBy = step;
+            return;
+        }
+        if (newSize > array.capacity) {
+            const int slack = step == 0 ? automaticSlack(array.size) : step;
+            const int wanted = velquad::frame::wrapAdd(array.capacity, slack);
+            const int newCapacity = array.data != nullptr && newSize < wanted ? wanted : newSize;
+            double* const block = allocate(newCapacity);
+            copy(block, array.data, array.size);
+            delete[] array.data;
+            array.data = block;
+            array.capacity = newCapacity;
+        }
+        if (isCleared) clear(array.data + array.size, newSize - array.size);
+        array.size = newSize;
+        array.growBy = step;
+    }
+
+    // Makes room for `count` elements at `index`, whatever they hold.
+    static void openGap(CDoubleArray& array, int index, int count) {
+        const int oldSize = array.size;
+        if (index < oldSize) {
+            resize(array, velquad::frame::wrapAdd(oldSize, count), -1, true);
+            copy(array.data + index + count, array.data + index, oldSize - index);
+        } else {
+            resize(array, velquad::frame::wrapAdd(index, count), -1, true);
+        }
+    }
+};
+
+}  // namespace velquad::containers
+
+using velquad::containers::ArrayMemory;
+
 constinit const CRuntimeClass CDoubleArray::classCDoubleArray = {
     "CDoubleArray", sizeof(CDoubleArray), 0, &CDoubleArray::CreateObject, &CDoubleArray::_GetBaseClass,
     nullptr};
@@ -52,7 +99,7 @@ CDoubleArray::CDoubleArray() = default;
 
 CDoubleArray::CDoubleArray(int newSize, int newGrowBy) {
     static_assert(sizeof(CDoubleArray) == 32);
-    setSize(newSize, newGrowBy, true);
+    ArrayMemory::resize(*this, newSize, newGrowBy, true);
 }
 
 CDoubleArray::~CDoubleArray() {
@@ -67,35 +114,8 @@ int CDoubleArray::GetUpperBound() const {
     return size - 1;
 }
 
-// Elements that come in are cleared, unless the caller overwrites them at once.
-void CDoubleArray::setSize(int newSize, int newGrowBy, bool isCleared) {
-    if (newSize < 0) throw std::bad_array_new_length();
-    const int step = newGrowBy != -1 ? newGrowBy : growBy;
-    if (newSize == 0) {
-        delete[] data;
-        data = nullptr;
-        size = 0;
-        capacity = 0;
-        growBy = step;
-        return;
-    }
-    if (newSize > capacity) {
-        const int slack = step == 0 ? automaticSlack(size) : step;
-        const int wanted = velquad::frame::wrapAdd(capacity, slack);
-        const int newCapacity = data != nullptr && newSize < wanted ? wanted : newSize;
-        double* const block = allocate(newCapacity);
-        copy(block, data, size);
-        delete[] data;
-        data = block;
-        capacity = newCapacity;
-    }
-    if (isCleared) clear(data + size, newSize - size);
-    size = newSize;
-    growBy = step;
-}
-
 void CDoubleArray::SetSize(int newSize, int newGrowBy) {
-    setSize(newSize, newGrowBy, true);
+    ArrayMemory::resize(*this, newSize, newGrowBy, true);
 }
 
 void CDoubleArray::FreeExtra() {
@@ -108,7 +128,7 @@ void CDoubleArray::FreeExtra() {
 }
 
 void CDoubleArray::RemoveAll() {
-    setSize(0, -1, true);
+    ArrayMemory::resize(*this, 0, -1, true);
 }
 
 double CDoubleArray::GetAt(int index) const {
@@ -132,7 +152,7 @@ void CDoubleArray::SetAt(int index, double value) {
 }
 
 void CDoubleArray::SetAtGrow(int index, double value) {
-    if (index >= size) setSize(velquad::frame::wrapAdd(index, 1), -1, true);
+    if (index >= size) ArrayMemory::resize(*this, velquad::frame::wrapAdd(index, 1), -1, true);
     data[index] = value;
 }
 
@@ -146,7 +166,7 @@ double* CDoubleArray::GetData() {
 
 int CDoubleArray::Add(double value) {
     const int index = size;
-    setSize(velquad::frame::wrapAdd(index, 1), -1, false);
+    ArrayMemory::resize(*this, velquad::frame::wrapAdd(index, 1), -1, false);
     data[index] = value;
     return index;
 }
@@ -154,30 +174,19 @@ int CDoubleArray::Add(double value) {
 int CDoubleArray::Append(const CDoubleArray& other) {
     const int oldSize = size;
     const int count = other.size;
-    setSize(velquad::frame::wrapAdd(oldSize, count), -1, false);
+    ArrayMemory::resize(*this, velquad::frame::wrapAdd(oldSize, count), -1, false);
     copy(data + oldSize, other.data, count);
     return oldSize;
 }
 
 void CDoubleArray::Copy(const CDoubleArray& other) {
-    setSize(other.size, -1, false);
+    ArrayMemory::resize(*this, other.size, -1, false);
     copy(data, other.data, other.size);
-}
-
-// Makes room for `count` elements at `index`, whatever they hold.
-void CDoubleArray::openGap(int index, int count) {
-    const int oldSize = size;
-    if (index < oldSize) {
-        setSize(velquad::frame::wrapAdd(oldSize, count), -1, true);
-        copy(data + index + count, data + index, oldSize - index);
-    } else {
-        setSize(velquad::frame::wrapAdd(index, count), -1, true);
-    }
 }
 
 void CDoubleArray::InsertAt(int index, double value, int count) {
     if (index < 0 || count < 0) return;
-    openGap(index, count);
+    ArrayMemory::openGap(*this, index, count);
     for (int i = 0; i < count; ++i)
         data[index + i] = value;
 }
@@ -186,13 +195,13 @@ void CDoubleArray::InsertAt(int index, CDoubleArray* other) {
     const int count = other->size;
     if (count <= 0 || index < 0) return;
     if (other != this) {
-        openGap(index, count);
+        ArrayMemory::openGap(*this, index, count);
         copy(data + index, other->data, count);
         return;
     }
     // The gap stands between what was before `index` and what was behind it; behind the end, both are one.
     const int head = index < count ? index : count;
-    openGap(index, count);
+    ArrayMemory::openGap(*this, index, count);
     copy(data + index, data, head);
     copy(data + index + head, data + index + count, count - head);
 }
@@ -218,7 +227,7 @@ void CDoubleArray::Serialize(CArchive& archive) {
     if (bytes > kUnquestionedBytes && bytes > archive.GetBytesLeft())
         AfxThrowArchiveException(CArchiveException::endOfFile);
     const int oldSize = size;
-    setSize(static_cast<int>(count), -1, false);
+    ArrayMemory::resize(*this, static_cast<int>(count), -1, false);
     UINT read = 0;
     try {
         read = archive.Read(data, static_cast<UINT>(bytes));

@@ -4,9 +4,11 @@
 // were really read; the depth of nested objects is bounded, as each level takes stack.
 #include <algorithm>
 #include <cstring>
-#include <unordered_map>
-#include <vector>
+#include <limits>
+#include <memory>
+#include <utility>
 
+#include "platform/archive_graph.h"
 #include "velquad/framework.h"
 
 namespace {
@@ -44,25 +46,145 @@ class Nesting {
 
 }  // namespace
 
-// What has an index. Index 0 is null.
-struct CArchive::Objects {
-    // Loading: an object or a class with its stored schema. Neither for null and for an object that was given up.
-    struct Entry {
-        CObject* object;
-        const CRuntimeClass* record;
-        UINT schema;
-    };
-    std::vector<Entry> loaded{Entry{nullptr, nullptr, 0}};
-    // The innermost object that the archive is making.
-    const CObject* beingMade = nullptr;
-    // Storing: indices of objects and class records, by address.
-    std::unordered_map<const void*, DWORD> stored;
+namespace velquad::platform {
 
-    void store(const void* address) {
-        if (stored.size() >= kLastIndex) fail(CArchiveException::badIndex);
-        stored.emplace(address, static_cast<DWORD>(stored.size() + 1));
+std::size_t ArchiveGraph::addEntry(CObject* object, const CRuntimeClass* record, UINT schema) {
+    if (loaded_.size() > kLastIndex) fail(CArchiveException::badIndex);
+    loaded_.push_back({object, record, schema});
+    return loaded_.size() - 1;
+}
+
+// Schema, length of the name and name follow.
+const CRuntimeClass* ArchiveGraph::readNewClass(const CRuntimeClass* requested, UINT& schema) {
+    WORD storedSchema = 0;
+    WORD length = 0;
+    char name[kLongestName + 1] = {};
+    archive_ >> storedSchema >> length;
+    if (length > kLongestName) fail(CArchiveException::badClass);
+    archive_.readBytes(name, length);
+    // A name with a zero in it is none.
+    const CRuntimeClass* record = std::strlen(name) == length ? CRuntimeClass::FromName(name) : nullptr;
+    if (record == nullptr || (record->m_wSchema & kNoSchema) == kNoSchema) fail(CArchiveException::badClass);
+    schema = storedSchema;
+    const bool isVersionable = (record->m_wSchema & VERSIONABLE_SCHEMA) != 0;
+    if (!isVersionable && record->m_wSchema != schema) fail(CArchiveException::badSchema);
+    addEntry(nullptr, record, schema);
+    if (requested != nullptr && record->IsDerivedFrom(requested) == 0) fail(CArchiveException::badClass);
+    return record;
+}
+
+const CRuntimeClass* ArchiveGraph::knownClass(DWORD index, UINT& schema) const {
+    if (index >= loaded_.size() || loaded_[index].record == nullptr) fail(CArchiveException::badIndex);
+    schema = loaded_[index].schema;
+    return loaded_[index].record;
+}
+
+CObject* ArchiveGraph::knownObject(DWORD index, const CRuntimeClass* requested) const {
+    if (index == 0) return nullptr;
+    if (index >= loaded_.size() || loaded_[index].object == nullptr) fail(CArchiveException::badIndex);
+    CObject* object = loaded_[index].object;
+    if (requested != nullptr && object->IsKindOf(requested) == 0) fail(CArchiveException::badClass);
+    return object;
+}
+
+CObject* ArchiveGraph::readNewObject(const CRuntimeClass* record, UINT schema) {
+    const Nesting nesting(depth_);
+    std::unique_ptr<CObject> object(record->CreateObject());
+    if (object == nullptr) fail(CArchiveException::badClass);
+    const std::size_t index = addEntry(object.get(), nullptr, 0);
+    const CObject* const outer = std::exchange(beingMade_, object.get());
+    const UINT outerSchema = std::exchange(archive_.schema_, schema);
+    try {
+        object->Serialize(archive_);
+    } catch (...) {
+        // Nothing may refer to what ends here, nor to what was made for it and may end with it.
+        for (std::size_t i = index; i < loaded_.size(); ++i)
+            loaded_[i].object = nullptr;
+        beingMade_ = outer;
+        archive_.schema_ = outerSchema;
+        throw;
     }
-};
+    beingMade_ = outer;
+    archive_.schema_ = outerSchema;
+    return object.release();
+}
+
+CObject* ArchiveGraph::readObject(const CRuntimeClass* requested) {
+    if (requested != nullptr && requested->m_wSchema == kNoSchema) AfxThrowNotSupportedException();
+    WORD tag = 0;
+    archive_ >> tag;
+    DWORD index = 0;
+    UINT schema = 0;
+    if (tag == kNewClassTag) {
+        const CRuntimeClass* record = readNewClass(requested, schema);
+        return readNewObject(record, schema);
+    }
+    if (tag == kBigTag) {
+        archive_ >> index;
+    } else {
+        index = (static_cast<DWORD>(tag & kClassTag) << 16) | static_cast<DWORD>(tag & ~kClassTag);
+    }
+    if ((index & kBigClassTag) == 0) return knownObject(index, requested);
+    const CRuntimeClass* record = knownClass(index & ~kBigClassTag, schema);
+    if (requested != nullptr && record->IsDerivedFrom(requested) == 0) fail(CArchiveException::badClass);
+    return readNewObject(record, schema);
+}
+
+void ArchiveGraph::writeIndex(DWORD index, DWORD bigTag, WORD tag) {
+    if (index < kBigTag) {
+        archive_ << static_cast<WORD>(tag | index);
+    } else {
+        archive_ << kBigTag << (bigTag | index);
+    }
+}
+
+void ArchiveGraph::store(const void* address) {
+    if (stored_.size() >= kLastIndex) fail(CArchiveException::badIndex);
+    stored_.emplace(address, static_cast<DWORD>(stored_.size() + 1));
+}
+
+void ArchiveGraph::writeClass(const CRuntimeClass* record) {
+    if ((record->m_wSchema & kNoSchema) == kNoSchema) AfxThrowNotSupportedException();
+    const auto known = stored_.find(record);
+    if (known != stored_.end()) {
+        writeIndex(known->second, kBigClassTag, kClassTag);
+        return;
+    }
+    const std::size_t length = std::strlen(record->m_lpszClassName);
+    // A longer name could not be loaded again.
+    if (length > kLongestName) AfxThrowNotSupportedException();
+    archive_ << kNewClassTag << static_cast<WORD>(record->m_wSchema) << static_cast<WORD>(length);
+    archive_.writeBytes(record->m_lpszClassName, static_cast<UINT>(length));
+    store(record);
+}
+
+void ArchiveGraph::writeObject(const CObject* object) {
+    if (object == nullptr) {
+        archive_ << kNullTag;
+        return;
+    }
+    const auto known = stored_.find(object);
+    if (known != stored_.end()) {
+        writeIndex(known->second, 0, 0);
+        return;
+    }
+    const Nesting nesting(depth_);
+    writeClass(object->GetRuntimeClass());
+    store(object);
+    // `Serialize` stores and loads alike; while it stores, it does not change its object.
+    const_cast<CObject*>(object)->Serialize(archive_);
+}
+
+void ArchiveGraph::map(const CObject* object) {
+    if (object == nullptr) return;
+    if (archive_.IsLoading() != 0) {
+        addEntry(const_cast<CObject*>(object), nullptr, 0);
+    } else if (stored_.count(object) == 0) {
+        store(object);
+    }
+}
+
+}  // namespace velquad::platform
 
 CArchive::CArchive(CFile* file, UINT mode, int bufferSize, void* buffer)
     : file_(file), mode_(mode), bufferSize_(static_cast<std::size_t>(std::max(bufferSize, 0))) {
@@ -70,9 +192,9 @@ CArchive::CArchive(CFile* file, UINT mode, int bufferSize, void* buffer)
         bufferSize_ = std::max(bufferSize_, kSmallestBuffer);
         isBufferOwner_ = true;
     }
-    auto objects = std::make_unique<Objects>();
+    auto graph = std::make_unique<velquad::platform::ArchiveGraph>(*this);
     start_ = isBufferOwner_ ? new BYTE[bufferSize_] : static_cast<BYTE*>(buffer);
-    objects_ = objects.release();
+    graph_ = graph.release();
     current_ = start_;
     limit_ = IsLoading() != 0 ? start_ : start_ + bufferSize_;
 }
@@ -86,18 +208,8 @@ CArchive::~CArchive() {
         } catch (...) {  // NOLINT(bugprone-empty-catch): a destructor cannot tell
         }
     }
-    delete objects_;
+    delete graph_;
     if (isBufferOwner_) delete[] start_;
-}
-
-void CArchive::requireFile() const {
-    if (file_ == nullptr) fail(CArchiveException::genericException);
-}
-
-void CArchive::fillBuffer() {
-    current_ = start_;
-    limit_ = start_;
-    limit_ += file_->Read(start_, static_cast<UINT>(bufferSize_));
 }
 
 UINT CArchive::Read(void* bytes, UINT count) {
@@ -115,7 +227,9 @@ UINT CArchive::Read(void* bytes, UINT count) {
                 left -= read;
                 continue;
             }
-            fillBuffer();
+            current_ = start_;
+            limit_ = start_;
+            limit_ += file_->Read(start_, static_cast<UINT>(bufferSize_));
             if (current_ == limit_) break;
         }
         const auto taken =
@@ -202,149 +316,20 @@ void CArchive::WriteCount(std::uintptr_t count) {
     *this << std::numeric_limits<DWORD>::max() << static_cast<std::uint64_t>(count);
 }
 
-std::size_t CArchive::addEntry(CObject* object, const CRuntimeClass* record, UINT schema) {
-    if (objects_->loaded.size() > kLastIndex) fail(CArchiveException::badIndex);
-    objects_->loaded.push_back({object, record, schema});
-    return objects_->loaded.size() - 1;
-}
-
-// Schema, length of the name and name follow.
-const CRuntimeClass* CArchive::readNewClass(const CRuntimeClass* requested, UINT& schema) {
-    WORD storedSchema = 0;
-    WORD length = 0;
-    char name[kLongestName + 1] = {};
-    *this >> storedSchema >> length;
-    if (length > kLongestName) fail(CArchiveException::badClass);
-    readBytes(name, length);
-    // A name with a zero in it is none.
-    const CRuntimeClass* record = std::strlen(name) == length ? CRuntimeClass::FromName(name) : nullptr;
-    if (record == nullptr || (record->m_wSchema & kNoSchema) == kNoSchema) fail(CArchiveException::badClass);
-    schema = storedSchema;
-    const bool isVersionable = (record->m_wSchema & VERSIONABLE_SCHEMA) != 0;
-    if (!isVersionable && record->m_wSchema != schema) fail(CArchiveException::badSchema);
-    addEntry(nullptr, record, schema);
-    if (requested != nullptr && record->IsDerivedFrom(requested) == 0) fail(CArchiveException::badClass);
-    return record;
-}
-
-const CRuntimeClass* CArchive::knownClass(DWORD index, UINT& schema) const {
-    if (index >= objects_->loaded.size() || objects_->loaded[index].record == nullptr)
-        fail(CArchiveException::badIndex);
-    schema = objects_->loaded[index].schema;
-    return objects_->loaded[index].record;
-}
-
-CObject* CArchive::knownObject(DWORD index, const CRuntimeClass* requested) const {
-    if (index == 0) return nullptr;
-    if (index >= objects_->loaded.size() || objects_->loaded[index].object == nullptr)
-        fail(CArchiveException::badIndex);
-    CObject* object = objects_->loaded[index].object;
-    if (requested != nullptr && object->IsKindOf(requested) == 0) fail(CArchiveException::badClass);
-    return object;
-}
-
-CObject* CArchive::readNewObject(const CRuntimeClass* record, UINT schema) {
-    const Nesting nesting(depth_);
-    std::unique_ptr<CObject> object(record->CreateObject());
-    if (object == nullptr) fail(CArchiveException::badClass);
-    const std::size_t index = addEntry(object.get(), nullptr, 0);
-    const CObject* const outer = std::exchange(objects_->beingMade, object.get());
-    const UINT outerSchema = std::exchange(schema_, schema);
-    try {
-        object->Serialize(*this);
-    } catch (...) {
-        // Nothing may refer to what ends here, nor to what was made for it and may end with it.
-        for (std::size_t i = index; i < objects_->loaded.size(); ++i)
-            objects_->loaded[i].object = nullptr;
-        objects_->beingMade = outer;
-        schema_ = outerSchema;
-        throw;
-    }
-    objects_->beingMade = outer;
-    schema_ = outerSchema;
-    return object.release();
-}
-
 CObject* CArchive::ReadObject(const CRuntimeClass* requested) {
-    if (requested != nullptr && requested->m_wSchema == kNoSchema) AfxThrowNotSupportedException();
-    WORD tag = 0;
-    *this >> tag;
-    DWORD index = 0;
-    UINT schema = 0;
-    if (tag == kNewClassTag) {
-        const CRuntimeClass* record = readNewClass(requested, schema);
-        return readNewObject(record, schema);
-    }
-    if (tag == kBigTag) {
-        *this >> index;
-    } else {
-        index = (static_cast<DWORD>(tag & kClassTag) << 16) | static_cast<DWORD>(tag & ~kClassTag);
-    }
-    if ((index & kBigClassTag) == 0) return knownObject(index, requested);
-    const CRuntimeClass* record = knownClass(index & ~kBigClassTag, schema);
-    if (requested != nullptr && record->IsDerivedFrom(requested) == 0) fail(CArchiveException::badClass);
-    return readNewObject(record, schema);
-}
-
-void CArchive::writeIndex(DWORD index, DWORD bigTag, WORD tag) {
-    if (index < kBigTag) {
-        *this << static_cast<WORD>(tag | index);
-    } else {
-        *this << kBigTag << (bigTag | index);
-    }
-}
-
-void CArchive::writeClass(const CRuntimeClass* record) {
-    if ((record->m_wSchema & kNoSchema) == kNoSchema) AfxThrowNotSupportedException();
-    const auto known = objects_->stored.find(record);
-    if (known != objects_->stored.end()) {
-        writeIndex(known->second, kBigClassTag, kClassTag);
-        return;
-    }
-    const std::size_t length = std::strlen(record->m_lpszClassName);
-    // A longer name could not be loaded again.
-    if (length > kLongestName) AfxThrowNotSupportedException();
-    *this << kNewClassTag << static_cast<WORD>(record->m_wSchema) << static_cast<WORD>(length);
-    writeBytes(record->m_lpszClassName, static_cast<UINT>(length));
-    objects_->store(record);
+    return graph_->readObject(requested);
 }
 
 void CArchive::WriteObject(const CObject* object) {
-    if (object == nullptr) {
-        *this << kNullTag;
-        return;
-    }
-    const auto known = objects_->stored.find(object);
-    if (known != objects_->stored.end()) {
-        writeIndex(known->second, 0, 0);
-        return;
-    }
-    const Nesting nesting(depth_);
-    writeClass(object->GetRuntimeClass());
-    objects_->store(object);
-    // `Serialize` stores and loads alike; while it stores, it does not change its object.
-    const_cast<CObject*>(object)->Serialize(*this);
+    graph_->writeObject(object);
 }
 
 void CArchive::MapObject(const CObject* object) {
-    if (object == nullptr) return;
-    if (IsLoading() != 0) {
-        addEntry(const_cast<CObject*>(object), nullptr, 0);
-    } else if (objects_->stored.count(object) == 0) {
-        objects_->store(object);
-    }
+    graph_->map(object);
 }
 
 UINT CArchive::GetObjectSchema() {
     return std::exchange(schema_, kNoObjectSchema);
-}
-
-bool CArchive::isMaking(const CObject* object) const {
-    return objects_->beingMade == object;
-}
-
-std::size_t CArchive::entryCount() const {
-    return objects_->loaded.size();
 }
 
 CArchive& operator<<(CArchive& archive, const CObject* object) {

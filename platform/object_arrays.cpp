@@ -2,6 +2,7 @@
 #include <memory>
 #include <vector>
 
+#include "platform/archive_graph.h"
 #include "platform/module.h"
 #include "velquad/framework.h"
 
@@ -66,14 +67,14 @@ void CObArray::Serialize(CArchive& archive) {
     RemoveAll();
     SetSize(static_cast<std::intptr_t>(count));
     // Nobody but the archive can reach the elements of an array that it is making.
-    const bool isArchives = archive.isMaking(this);
+    const bool isArchives = archive.graph_->isMaking(this);
     std::vector<std::unique_ptr<CObject>> made;
     if (isArchives) made.reserve(count);
     try {
         for (std::intptr_t i = 0; i < GetSize(); ++i) {
-            const std::size_t before = archive.entryCount();
+            const std::size_t before = archive.graph_->entryCount();
             SetAt(i, archive.ReadObject(nullptr));
-            if (isArchives && archive.entryCount() != before) made.emplace_back(GetAt(i));
+            if (isArchives && archive.graph_->entryCount() != before) made.emplace_back(GetAt(i));
         }
     } catch (...) {
         if (isArchives) RemoveAll();

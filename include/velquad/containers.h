@@ -11,6 +11,10 @@
 #include "velquad/platform.h"
 #include "velquad/types.h"
 
+namespace velquad::containers {
+struct ArrayMemory;
+}
+
 /// A growing array of doubles that knows its class at run time and is stored in archives.
 ///
 ///   (1) Elements that come into the array are 0.0.
@@ -79,8 +83,7 @@ class VELQUAD_API CDoubleArray : public CObject {
     static const CRuntimeClass classCDoubleArray;  ///< Name "CDoubleArray", schema 0. Registered at load.
 
   private:
-    void setSize(int newSize, int growBy, bool isCleared);
-    void openGap(int index, int count);
+    friend struct velquad::containers::ArrayMemory;
 
     double* data = nullptr;
     int size = 0;

@@ -28,6 +28,10 @@ class CArchive;
 class CDumpContext;
 class CObject;
 
+namespace velquad::platform {
+class ArchiveGraph;
+}
+
 /// Flag of a class's schema: objects of any stored version are read, and `CArchive::GetObjectSchema` tells which.
 inline constexpr UINT VERSIONABLE_SCHEMA = 0x80000000U;
 
@@ -485,8 +489,8 @@ class VELQUAD_API CArchive {
     }
 
   private:
-    struct Objects;
     friend class CObArray;
+    friend class velquad::platform::ArchiveGraph;
 
     template <class Number>
     using StoredAs =
@@ -510,17 +514,9 @@ class VELQUAD_API CArchive {
         }
     }
     void readAcrossBuffers(void* bytes, UINT count);
-    void fillBuffer();
-    void requireFile() const;
-    std::size_t addEntry(CObject* object, const CRuntimeClass* record, UINT schema);
-    const CRuntimeClass* readNewClass(const CRuntimeClass* requested, UINT& schema);
-    const CRuntimeClass* knownClass(DWORD index, UINT& schema) const;
-    CObject* knownObject(DWORD index, const CRuntimeClass* requested) const;
-    CObject* readNewObject(const CRuntimeClass* record, UINT schema);
-    void writeClass(const CRuntimeClass* record);
-    void writeIndex(DWORD index, DWORD bigTag, WORD tag);
-    bool isMaking(const CObject* object) const;
-    std::size_t entryCount() const;
+    void requireFile() const {
+        if (file_ == nullptr) AfxThrowArchiveException(CArchiveException::genericException);
+    }
 
     // While loading, bytes not read yet lie in [current_, limit_). While storing, [start_, current_) was written and
     // limit_ is the end of the buffer.
@@ -532,8 +528,7 @@ class VELQUAD_API CArchive {
     BYTE* limit_ = nullptr;
     std::size_t bufferSize_ = 0;
     bool isBufferOwner_ = false;
-    int depth_ = 0;
-    Objects* objects_ = nullptr;
+    velquad::platform::ArchiveGraph* graph_ = nullptr;  // what has an index
 };
 
 /// Stores an object; see `CArchive::WriteObject`.
