@@ -92,21 +92,42 @@ CObject* ArchiveGraph::readNewObject(const CRuntimeClass* record, UINT schema) {
     std::unique_ptr<CObject> object(record->CreateObject());
     if (object == nullptr) fail(CArchiveException::badClass);
     const std::size_t index = addEntry(object.get(), nullptr, 0);
+    const std::size_t madeBefore = made_.size();
     const CObject* const outer = std::exchange(beingMade_, object.get());
     const UINT outerSchema = std::exchange(archive_.schema_, schema);
+    const auto restore = [&] {
+        beingMade_ = outer;
+        archive_.schema_ = outerSchema;
+        // A class derived from the array may own its elements.
+        if (depth_ == 1 || record != CObArray::GetThisClass()) forgetMade(madeBefore);
+    };
     try {
         object->Serialize(archive_);
     } catch (...) {
+        restore();
         // Nothing may refer to what ends here, nor to what was made for it and may end with it.
         for (std::size_t i = index; i < loaded_.size(); ++i)
             loaded_[i].object = nullptr;
-        beingMade_ = outer;
-        archive_.schema_ = outerSchema;
         throw;
     }
-    beingMade_ = outer;
-    archive_.schema_ = outerSchema;
+    restore();
     return object.release();
+}
+
+CObject* ArchiveGraph::readElement() {
+    const std::size_t slot = made_.size();
+    made_.push_back(nullptr);
+    const std::size_t entriesBefore = loaded_.size();
+    CObject* object = readObject(nullptr);
+    if (loaded_.size() != entriesBefore) made_[slot] = object;
+    return object;
+}
+
+void ArchiveGraph::deleteMade(std::size_t first) {
+    while (made_.size() > first) {
+        delete made_.back();
+        made_.pop_back();
+    }
 }
 
 CObject* ArchiveGraph::readObject(const CRuntimeClass* requested) {

@@ -21,8 +21,20 @@ class ArchiveGraph {
     /// Tells whether this is the innermost object that the archive is making.
     bool isMaking(const CObject* object) const { return beingMade_ == object; }
 
-    /// @return how many indices are taken: making an object takes one, a reference takes none.
-    std::size_t entryCount() const { return loaded_.size(); }
+    /// @name Elements of arrays that the archive is making
+    /// Until the outermost of such arrays is complete nobody else can reach them, so they end with an array that
+    /// fails. What other objects read is their own business.
+    /// @{
+
+    /// Reads an element and remembers it if it was made for that.
+    CObject* readElement();
+    /// @return how many elements are remembered.
+    std::size_t madeCount() const { return made_.size(); }
+    /// Deletes the elements from the one with this number on.
+    void deleteMade(std::size_t first);
+    /// Forgets them.
+    void forgetMade(std::size_t first) { made_.resize(first); }
+    /// @}
 
   private:
     // What has an index while loading: an object, or a class with its stored schema. Neither for null and for an
@@ -46,6 +58,7 @@ class ArchiveGraph {
     int depth_ = 0;
     std::vector<Entry> loaded_{Entry{nullptr, nullptr, 0}};
     const CObject* beingMade_ = nullptr;
+    std::vector<CObject*> made_;                     // null for a reference
     std::unordered_map<const void*, DWORD> stored_;  // indices of objects and class records, by address
 };
 

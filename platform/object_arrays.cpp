@@ -1,7 +1,4 @@
 // Arrays of pointers and of objects: what of them is not inline.
-#include <memory>
-#include <vector>
-
 #include "platform/archive_graph.h"
 #include "platform/module.h"
 #include "velquad/framework.h"
@@ -66,20 +63,21 @@ void CObArray::Serialize(CArchive& archive) {
     // Elements of before are not for the loaded array.
     RemoveAll();
     SetSize(static_cast<std::intptr_t>(count));
-    // Nobody but the archive can reach the elements of an array that it is making.
-    const bool isArchives = archive.graph_->isMaking(this);
-    std::vector<std::unique_ptr<CObject>> made;
-    if (isArchives) made.reserve(count);
+    velquad::platform::ArchiveGraph& graph = *archive.graph_;
+    const bool isArchives = graph.isMaking(this);
+    const std::size_t madeBefore = graph.madeCount();
     try {
         for (std::intptr_t i = 0; i < GetSize(); ++i) {
-            const std::size_t before = archive.graph_->entryCount();
-            SetAt(i, archive.ReadObject(nullptr));
-            if (isArchives && archive.graph_->entryCount() != before) made.emplace_back(GetAt(i));
+            SetAt(i, graph.readElement());
+            if (!isArchives) graph.forgetMade(madeBefore);
         }
     } catch (...) {
-        if (isArchives) RemoveAll();
+        if (isArchives) {
+            RemoveAll();
+            graph.deleteMade(madeBefore);
+        } else {
+            graph.forgetMade(madeBefore);
+        }
         throw;
     }
-    for (std::unique_ptr<CObject>& element : made)
-        static_cast<void>(element.release());
 }

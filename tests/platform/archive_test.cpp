@@ -375,6 +375,41 @@ TEST_F(Archive, DeletesWhatItMadeWhenLoadingFails) {
     }
 }
 
+TEST_F(Archive, DeletesArraysWithinArraysWhenLoadingFails) {
+    // [[link, link], first link again, [] and what is missing]
+    Bytes bytes = newClass("CObArray");
+    append(bytes, Bytes{4, 0, 0x01, 0x80, 2, 0});
+    append(bytes, newClass("Link", 3));
+    append(bytes, Bytes{5, 0, 0});
+    append(bytes, Bytes{0x04, 0x80, 6, 0, 0});
+    append(bytes, Bytes{0x05, 0x00});
+    append(bytes, Bytes{0x01, 0x80, 0, 0});
+    for (std::size_t length = 0; length <= bytes.size(); ++length) {
+        const std::ptrdiff_t before = velquad::test::liveAllocations();
+        {
+            const Bytes cut(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length));
+            EXPECT_EQ(causeOfReading(cut), CArchiveException::endOfFile) << length;
+        }
+        EXPECT_EQ(velquad::test::liveAllocations(), before) << length;
+        EXPECT_TRUE(Link::alive.empty()) << length;
+    }
+    // Complete, it is the caller's with all that is in it.
+    append(bytes, Bytes{0, 0});
+    EXPECT_EQ(loadBytes(bytes,
+                        [](CArchive& archive) {
+                            const std::unique_ptr<CObject> object(readAny(archive));
+                            auto& array = static_cast<CObArray&>(*object);
+                            ASSERT_EQ(array.GetSize(), 4);
+                            const std::unique_ptr<CObArray> inner(static_cast<CObArray*>(array[0]));
+                            const std::unique_ptr<CObject> last(array[2]);
+                            EXPECT_EQ(inner->GetAt(0), array[1]);
+                            EXPECT_EQ(array[3], nullptr);
+                            delete inner->GetAt(0);
+                            delete inner->GetAt(1);
+                        }),
+              0);
+}
+
 TEST_F(Archive, ForgetsObjectsThatWereGivenUp) {
     // Reading the link fails behind its value; the index that it had refers to nothing from then on.
     Bytes bytes = newClass("Link", 3);
