@@ -639,6 +639,65 @@ void digestLineFits(Digest& digest, Random& random) {
         digest.add(matRegressionPlane(solid.data() + 1, n, round % 3 == 0 ? &scale : nullptr, &centre,
                                       &normal, nullptr, &mean, &deviation),
                    centre, normal, mean, deviation);
+void digestSolvers(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds / 10; ++round) {
+        const int n = 1 + random.below(7);
+        CDoubleMatrix matrix(n, n);
+        CDoubleMatrix sides(n, 2);
+        for (int row = 0; row < n; ++row) {
+            for (int column = 0; column < n; ++column)
+                matrix(row, column) = random.real();
+            sides(row, 0) = random.real();
+            sides(row, 1) = random.real();
+        }
+        CDoubleMatrix copy(matrix);
+        digest.add(matGaussJordanElimination(matrix.GetMatrixPtr(1, 1), n, sides.GetMatrixPtr(1, 1), 2) ? 1
+                                                                                                        : 0);
+        digest.add(matSolveLinearEquation(copy.GetMatrixPtr(0, 0), sides.GetRow(0), n) ? 1 : 0);
+        for (int row = 0; row < n; ++row) {
+            for (int column = 0; column < n; ++column)
+                digest.add(matrix(row, column), copy(row, column));
+            digest.add(sides(row, 0), sides(row, 1));
+        }
+        double value = 0.0;
+        matPolynomEval(matrix.GetData(), n * n, random.real() / 100.0, value);
+        digest.add(value, static_cast<DWORD>(matCalcGreatestCommonDivisor(
+                              static_cast<DWORD>(random.below(10000)), static_cast<DWORD>(n))));
+        const auto numerator = static_cast<std::int64_t>(random.bits());
+        digest.add(matConvertRationalToDoublei64(numerator, n));
+        digest.add(matConvertRationalToDoubleu64(random.bits(), static_cast<std::uint64_t>(numerator)));
+    }
+}
+
+void digestCurveTools(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds / 40; ++round) {
+        const int size = 2 + random.below(40);
+        const int count = 1 + random.below(300);
+        std::vector<double> pattern(static_cast<std::size_t>(size));
+        std::vector<double> signal(static_cast<std::size_t>(size + count - 1));
+        std::vector<double> result(signal.size());
+        for (double& sample : pattern)
+            sample = random.real();
+        for (double& sample : signal)
+            sample = random.real();
+        void* handle = fnrInitCorrelation(pattern.data(), size);
+        digest.add(fnrDoCorrelation(handle, signal.data(), static_cast<unsigned int>(signal.size()),
+                                    result.data(), count));
+        fnrExitCorrelation(&handle);
+        for (const double value : result)
+            digest.add(value);
+        const int length = size + count - 1;
+        const int isCircular = random.below(2);
+        unsigned int rising = static_cast<unsigned int>(length);
+        unsigned int falling = 0;
+        digest.add(
+            fnrFindZeroPoint(signal.data(), length, result.data(), &rising, nullptr, &falling, isCircular));
+        digest.add(static_cast<int>(rising), static_cast<int>(falling));
+        fnrDerivate(signal.data(), signal.data(), length, isCircular);
+        for (const double value : signal)
+            digest.add(value);
+        for (const double value : result)
+            digest.add(value);
     }
 }
 
@@ -667,5 +726,7 @@ int main() {
     print("outlines-2d", 21, digestOutlines2D);
     print("volumes", 20, digestVolumes);
     print("line-fits", 12, digestLineFits);
+    print("solvers", 10, digestSolvers);
+    print("curve-tools", 11, digestCurveTools);
     return 0;
 }
