@@ -7,10 +7,10 @@ namespace velquad::triangulation {
 
 namespace {
 
-/// A value in the middle that is above `low` and not above `high`; `low` when there is none.
+/// A value in the middle, between `low` and `high`; `low` when there is none.
 double middleOf(double low, double high) {
     const double middle = low * 0.5 + high * 0.5;
-    return low < middle && middle <= high ? middle : low;
+    return low < middle && middle < high ? middle : low;
 }
 
 }  // namespace

@@ -35,7 +35,8 @@ class RankedSequence {
         }
         Block& block = blocks_[place.block];
         block.reserve(kBlockSize);
-        block.insert(block.begin() + static_cast<std::ptrdiff_t>(place.offset), element);
+        block.push_back(element);
+        std::rotate(block.begin() + static_cast<std::ptrdiff_t>(place.offset), block.end() - 1, block.end());
         ++size_;
         for (std::size_t i = place.block + 1; i < sums_.size(); i += lowestBit(i))
             ++sums_[i];
