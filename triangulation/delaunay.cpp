@@ -54,9 +54,7 @@ CDelaunay2D::CDelaunay2D(const tagMAT_RECT2D* extent)
 
 void CDelaunay2D::init(const tagMAT_RECT2D& extent) {
     if (isEmptyExtent(&extent)) return;
-    reserve(3);
-    reserveMore(positions_, kHelperCount);
-    reserveMore(attributes_, kHelperCount);
+    reserve(3, kHelperCount);
     extent_ = extent;
     index_ = NearestIndex(extent);
     const double width = extent.right - extent.left;
@@ -183,9 +181,7 @@ bool CDelaunay2D::insertSite(const Point2d& site) {
     if (Relative(orgPosition(e), v).isHere() || Relative(destPosition(e), v).isHere()) return true;
     const bool splitsEdge = isOnEdge(v, e);
     // All that can fail comes before the first change.
-    reserve(countFaceEdges(e) + (splitsEdge ? countFaceEdges(sym(e)) : 0));
-    reserveMore(positions_, 1);
-    reserveMore(attributes_, 1);
+    reserve(countFaceEdges(e) + (splitsEdge ? countFaceEdges(sym(e)) : 0), 1);
     index_.prepare(v.x, v.y);
     if (splitsEdge) {
         e = oprev(e);
@@ -194,38 +190,38 @@ bool CDelaunay2D::insertSite(const Point2d& site) {
     const std::uint32_t point = appendPoint(site);
     index_.add(v.x, v.y, point);
     joinToFace(e, point);
-    if (groups_.size() >= nextArrangement_) arrangeGroups();
+    if (groups_.size() >= nextArrangement_) arrange();
     return true;
 }
 
-/// Makes room for edges.
-void CDelaunay2D::reserve(std::size_t edgeCount) {
+/// Makes room for edges and points.
+void CDelaunay2D::reserve(std::size_t edgeCount, std::size_t pointCount) {
     if (groups_.size() + edgeCount > kMostGroups) throw std::length_error("too many edges");
     groups_.reserveMore(edgeCount);
     reserveMore(order_, edgeCount);
+    slots_.reserveMore(pointCount);
+    reserveMore(numbers_, pointCount);
+    reserveMore(positions_, pointCount);
+    reserveMore(attributes_, pointCount);
 }
 
+/// Appends a vertex. Its slot has its number until the slots are arranged.
 std::uint32_t CDelaunay2D::appendPoint(const Point2d& point) {
-    positions_.push_back({point.x, point.y});
+    const std::uint32_t number = pointCount();
+    const tagPOINT2D position{point.x, point.y};
+    positions_.push_back(position);
     attributes_.push_back({point.z, point.id});
-    return pointCount() - 1;
+    slots_.append(position);
+    numbers_.push_back(number);
+    return number;
 }
 
 /// Appends an edge without connections.
 EdgeRef CDelaunay2D::makeEdge() {
     const auto e = static_cast<EdgeRef>(groups_.size() * 4);
-    groups_.append({{e, e + 3, e + 2, e + 1},
-                    {0, 0},
-                    static_cast<std::uint32_t>(order_.size()),
-                    {{0.0, 0.0}, {0.0, 0.0}}});
+    groups_.append({{e, e + 3, e + 2, e + 1}, {0, 0}, static_cast<std::uint32_t>(order_.size()), 0});
     order_.push_back(e);
     return e;
-}
-
-void CDelaunay2D::setOrg(EdgeRef e, std::uint32_t point) {
-    CQuadEdge& group = groups_[e >> 2];
-    group.ends[(e >> 1) & 1] = point;
-    group.positions[(e >> 1) & 1] = positions_[point];
 }
 
 void CDelaunay2D::splice(EdgeRef a, EdgeRef b) {
@@ -240,8 +236,8 @@ EdgeRef CDelaunay2D::connect(EdgeRef a, EdgeRef b) {
     const EdgeRef e = makeEdge();
     splice(e, lnext(a));
     splice(sym(e), b);
-    setOrg(e, dest(a));
-    setOrg(sym(e), org(b));
+    setOrg(e, slotOfOrg(sym(a)));
+    setOrg(sym(e), slotOfOrg(b));
     return e;
 }
 
@@ -262,8 +258,8 @@ void CDelaunay2D::swap(EdgeRef e) {
     splice(sym(e), b);
     splice(e, lnext(a));
     splice(sym(e), lnext(b));
-    setOrg(e, dest(a));
-    setOrg(sym(e), dest(b));
+    setOrg(e, slotOfOrg(sym(a)));
+    setOrg(sym(e), slotOfOrg(sym(b)));
 }
 
 std::size_t CDelaunay2D::countFaceEdges(EdgeRef e) const {
@@ -274,17 +270,17 @@ std::size_t CDelaunay2D::countFaceEdges(EdgeRef e) const {
 }
 
 /// Joins a new point to all corners of the face to the left of `e` and restores the Delaunay property.
-void CDelaunay2D::joinToFace(EdgeRef e, std::uint32_t point) {
+void CDelaunay2D::joinToFace(EdgeRef e, std::uint32_t slot) {
     EdgeRef base = makeEdge();
-    setOrg(base, org(e));
-    setOrg(sym(base), point);
+    setOrg(base, slotOfOrg(e));
+    setOrg(sym(base), slot);
     splice(base, e);
     startingEdge_ = base;
     do {
         base = connect(e, sym(base));
         e = oprev(base);
     } while (lnext(e) != startingEdge_);
-    flipAround(e, positions_[point]);
+    flipAround(e, slots_[slot]);
 }
 
 /// Walks around the new vertex `v` and flips the edges that face it, as long as one is to be flipped.

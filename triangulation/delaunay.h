@@ -120,9 +120,9 @@ class CDelaunay2D {
     EdgeRef lnext(EdgeRef e) const { return rot(onext(invRot(e))); }
     EdgeRef lprev(EdgeRef e) const { return sym(onext(e)); }
     EdgeRef dprev(EdgeRef e) const { return invRot(onext(invRot(e))); }
-    std::uint32_t org(EdgeRef e) const { return groups_[e >> 2].ends[(e >> 1) & 1]; }
+    std::uint32_t org(EdgeRef e) const { return numbers_[slotOfOrg(e)]; }
     std::uint32_t dest(EdgeRef e) const { return org(sym(e)); }
-    const tagPOINT2D& orgPosition(EdgeRef e) const { return groups_[e >> 2].positions[(e >> 1) & 1]; }
+    const tagPOINT2D& orgPosition(EdgeRef e) const { return slots_[slotOfOrg(e)]; }
     const tagPOINT2D& destPosition(EdgeRef e) const { return orgPosition(sym(e)); }
     /// @}
 
@@ -158,14 +158,14 @@ class CDelaunay2D {
     bool insertSite(const Point2d& site);
 
   private:
-    /// A quad edge, a cache line. The ends' positions stand here once more, so that a walk reads nothing else.
+    /// A quad edge, half a cache line.
     struct CQuadEdge {
         EdgeRef next[4];
-        std::uint32_t ends[2];
-        std::uint32_t rank;  ///< Its place in the order of the edges.
-        tagPOINT2D positions[2];
+        std::uint32_t ends[2];  ///< The slots of the edge's start and end.
+        std::uint32_t rank;     ///< Its place in the order of the edges.
+        std::uint32_t unused;
     };
-    static_assert(sizeof(CQuadEdge) == 64);
+    static_assert(sizeof(CQuadEdge) == 32);
 
     /// From so many groups on they are arranged in memory.
     static constexpr std::size_t kFirstArrangement = 3000;
@@ -175,19 +175,22 @@ class CDelaunay2D {
         std::uint64_t id;
     };
 
-    void reserve(std::size_t edgeCount);
+    void reserve(std::size_t edgeCount, std::size_t pointCount);
     std::uint32_t appendPoint(const Point2d& point);
     EdgeRef makeEdge();
-    void setOrg(EdgeRef e, std::uint32_t point);
+    std::uint32_t slotOfOrg(EdgeRef e) const { return groups_[e >> 2].ends[(e >> 1) & 1]; }
+    void setOrg(EdgeRef e, std::uint32_t slot) { groups_[e >> 2].ends[(e >> 1) & 1] = slot; }
     void splice(EdgeRef a, EdgeRef b);
     EdgeRef connect(EdgeRef a, EdgeRef b);
     void deleteEdge(EdgeRef e);
     void swap(EdgeRef e);
     std::size_t countFaceEdges(EdgeRef e) const;
-    void joinToFace(EdgeRef e, std::uint32_t point);
+    void joinToFace(EdgeRef e, std::uint32_t slot);
     void flipAround(EdgeRef e, const tagPOINT2D& v);
-    void arrangeGroups() noexcept;
-    void moveGroups(const std::vector<std::uint64_t>& keys);
+    void arrange() noexcept;
+    void arrangeSlots();
+    void arrangeGroups();
+    std::uint32_t placeOnCurve(const tagPOINT2D& p) const;
 
     tagMAT_RECT2D extent_;
     EdgeRef startingEdge_ = kNoEdge;
@@ -195,6 +198,8 @@ class CDelaunay2D {
     std::size_t nextArrangement_ = kFirstArrangement;
     GrowingArray<CQuadEdge> groups_;
     std::vector<EdgeRef> order_;
+    GrowingArray<tagPOINT2D> slots_;      ///< The positions once more, where walks read them.
+    std::vector<std::uint32_t> numbers_;  ///< The vertex of each slot.
     std::vector<tagPOINT2D> positions_;
     std::vector<Attributes> attributes_;
     NearestIndex index_;

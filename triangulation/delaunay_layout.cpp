@@ -1,6 +1,6 @@
-// Where the edges lie in memory: along a Hilbert curve over the extent, so that a walk finds the edges of neighbouring
-// triangles close together (D. Hilbert, Ueber die stetige Abbildung einer Linie auf ein Flaechenstueck, 1891). New
-// edges are appended; each time there are half as many again, all are arranged anew. Nothing that callers see depends
+// Where edges and positions lie in memory: along a Hilbert curve over the extent, so that a walk finds those of
+// neighbouring triangles close together (D. Hilbert, Ueber die stetige Abbildung einer Linie auf ein Flaechenstueck, 1891). New
+// ones are appended; each time there are half as many edges again, all are arranged anew. Nothing that callers see depends
 // on it.
 #include <algorithm>
 #include <new>
@@ -38,43 +38,81 @@ std::uint32_t alongCurve(std::uint32_t x, std::uint32_t y) {
     return distance;
 }
 
+/// Numbers from 0 on in the order of their places on the curve.
+template <class PlaceOf>
+std::vector<std::uint32_t> sortedByPlace(std::size_t count, const PlaceOf& placeOf) {
+    // A key holds a place and, below it, a number.
+    std::vector<std::uint64_t> keys(count);
+    for (std::size_t i = 0; i < count; ++i)
+        keys[i] = static_cast<std::uint64_t>(placeOf(i)) << 32 | i;
+    std::sort(keys.begin(), keys.end());
+    std::vector<std::uint32_t> numbers(count);
+    for (std::size_t i = 0; i < count; ++i)
+        numbers[i] = static_cast<std::uint32_t>(keys[i]);
+    return numbers;
+}
+
+/// Where each number stands in an order.
+std::vector<std::uint32_t> inverseOf(const std::vector<std::uint32_t>& order) {
+    std::vector<std::uint32_t> places(order.size());
+    for (std::size_t i = 0; i < order.size(); ++i)
+        places[order[i]] = static_cast<std::uint32_t>(i);
+    return places;
+}
+
 }  // namespace
 
-/// Arranges the groups along the curve. A shortage of memory leaves them as they are.
-void CDelaunay2D::arrangeGroups() noexcept {
+/// Arranges slots and groups along the curve. Without the memory for that they stay as they are.
+void CDelaunay2D::arrange() noexcept {
     nextArrangement_ = groups_.size() + groups_.size() / 2;
     try {
-        // Each key holds a place on the curve and, below it, a group.
-        std::vector<std::uint64_t> keys(groups_.size());
-        for (std::size_t group = 0; group < keys.size(); ++group) {
-            const auto* ends = groups_[group].positions;
-            const std::uint32_t place =
-                alongCurve(cellOf((ends[0].x + ends[1].x) * 0.5, extent_.left, extent_.right),
-                           cellOf((ends[0].y + ends[1].y) * 0.5, extent_.top, extent_.bottom));
-            keys[group] = static_cast<std::uint64_t>(place) << 32 | group;
-        }
-        std::sort(keys.begin(), keys.end());
-        moveGroups(keys);
+        arrangeSlots();
+        arrangeGroups();
     } catch (const std::bad_alloc&) {
         return;
     }
 }
 
-/// Moves the groups into the order of the keys' lower halves.
-void CDelaunay2D::moveGroups(const std::vector<std::uint64_t>& keys) {
-    std::vector<std::uint32_t> newGroups(keys.size());
-    GrowingArray<CQuadEdge> moved;
-    moved.reserveMore(nextArrangement_);
-    for (std::size_t i = 0; i < keys.size(); ++i)
-        newGroups[static_cast<std::uint32_t>(keys[i])] = static_cast<std::uint32_t>(i);
+std::uint32_t CDelaunay2D::placeOnCurve(const tagPOINT2D& p) const {
+    return alongCurve(cellOf(p.x, extent_.left, extent_.right), cellOf(p.y, extent_.top, extent_.bottom));
+}
+
+void CDelaunay2D::arrangeSlots() {
+    const std::vector<std::uint32_t> oldSlots =
+        sortedByPlace(slots_.size(), [this](std::size_t slot) { return placeOnCurve(slots_[slot]); });
+    const std::vector<std::uint32_t> newSlots = inverseOf(oldSlots);
+    GrowingArray<tagPOINT2D> slots;
+    slots.reserveMore(oldSlots.size() + oldSlots.size() / 2);
+    std::vector<std::uint32_t> numbers;
+    numbers.reserve(oldSlots.size() + oldSlots.size() / 2);
+    for (const std::uint32_t old : oldSlots) {
+        slots.append(slots_[old]);
+        numbers.push_back(numbers_[old]);
+    }
+    for (std::size_t group = 0; group < groups_.size(); ++group)
+        for (std::uint32_t& end : groups_[group].ends)
+            end = newSlots[end];
+    slots_ = std::move(slots);
+    numbers_ = std::move(numbers);
+}
+
+void CDelaunay2D::arrangeGroups() {
+    const std::vector<std::uint32_t> oldGroups = sortedByPlace(groups_.size(), [this](std::size_t group) {
+        const tagPOINT2D& a = slots_[groups_[group].ends[0]];
+        const tagPOINT2D& b = slots_[groups_[group].ends[1]];
+        return placeOnCurve({(a.x + b.x) * 0.5, (a.y + b.y) * 0.5});
+    });
+    const std::vector<std::uint32_t> newGroups = inverseOf(oldGroups);
     const auto renumbered = [&newGroups](EdgeRef e) { return newGroups[e >> 2] * 4 + (e & 3); };
-    for (const std::uint64_t key : keys) {
-        CQuadEdge group = groups_[static_cast<std::uint32_t>(key)];
+    GrowingArray<CQuadEdge> groups;
+    groups.reserveMore(nextArrangement_);
+    for (const std::uint32_t old : oldGroups) {
+        CQuadEdge group = groups_[old];
         for (EdgeRef& next : group.next)
             next = renumbered(next);
-        moved.append(group);
+        groups.append(group);
     }
-    groups_ = std::move(moved);
+    groups_ = std::move(groups);
     for (EdgeRef& e : order_)
         if (e != kNoEdge) e = renumbered(e);
     startingEdge_ = renumbered(startingEdge_);
