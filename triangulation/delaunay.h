@@ -190,7 +190,6 @@ class CDelaunay2D {
     void arrange() noexcept;
     void arrangeSlots();
     void arrangeGroups();
-    std::uint32_t placeOnCurve(const tagPOINT2D& p) const;
 
     tagMAT_RECT2D extent_;
     EdgeRef startingEdge_ = kNoEdge;

@@ -73,13 +73,12 @@ void CDelaunay2D::arrange() noexcept {
     }
 }
 
-std::uint32_t CDelaunay2D::placeOnCurve(const tagPOINT2D& p) const {
-    return alongCurve(cellOf(p.x, extent_.left, extent_.right), cellOf(p.y, extent_.top, extent_.bottom));
-}
-
+/// Brings the slots into the order of their places on the curve.
 void CDelaunay2D::arrangeSlots() {
-    const std::vector<std::uint32_t> oldSlots =
-        sortedByPlace(slots_.size(), [this](std::size_t slot) { return placeOnCurve(slots_[slot]); });
+    const std::vector<std::uint32_t> oldSlots = sortedByPlace(slots_.size(), [this](std::size_t slot) {
+        const tagPOINT2D& p = slots_[slot];
+        return alongCurve(cellOf(p.x, extent_.left, extent_.right), cellOf(p.y, extent_.top, extent_.bottom));
+    });
     const std::vector<std::uint32_t> newSlots = inverseOf(oldSlots);
     GrowingArray<tagPOINT2D> slots;
     slots.reserveMore(oldSlots.size() + oldSlots.size() / 2);
@@ -96,13 +95,21 @@ void CDelaunay2D::arrangeSlots() {
     numbers_ = std::move(numbers);
 }
 
+/// Brings the groups into the order of their smaller slots, by counting.
 void CDelaunay2D::arrangeGroups() {
-    const std::vector<std::uint32_t> oldGroups = sortedByPlace(groups_.size(), [this](std::size_t group) {
-        const tagPOINT2D& a = slots_[groups_[group].ends[0]];
-        const tagPOINT2D& b = slots_[groups_[group].ends[1]];
-        return placeOnCurve({(a.x + b.x) * 0.5, (a.y + b.y) * 0.5});
-    });
-    const std::vector<std::uint32_t> newGroups = inverseOf(oldGroups);
+    const auto smallerSlot = [this](std::size_t group) {
+        const std::uint32_t* ends = groups_[group].ends;
+        return ends[0] < ends[1] ? ends[0] : ends[1];
+    };
+    std::vector<std::uint32_t> nextPlaces(slots_.size() + 1, 0);
+    for (std::size_t group = 0; group < groups_.size(); ++group)
+        ++nextPlaces[smallerSlot(group) + 1];
+    for (std::size_t slot = 1; slot < nextPlaces.size(); ++slot)
+        nextPlaces[slot] += nextPlaces[slot - 1];
+    std::vector<std::uint32_t> newGroups(groups_.size());
+    for (std::size_t group = 0; group < groups_.size(); ++group)
+        newGroups[group] = nextPlaces[smallerSlot(group)]++;
+    const std::vector<std::uint32_t> oldGroups = inverseOf(newGroups);
     const auto renumbered = [&newGroups](EdgeRef e) { return newGroups[e >> 2] * 4 + (e & 3); };
     GrowingArray<CQuadEdge> groups;
     groups.reserveMore(nextArrangement_);
