@@ -1,0 +1,128 @@
+// Where edges and positions lie in memory: along a Hilbert curve over the extent, so that a walk finds those of
+// neighbouring triangles close together (D. Hilbert, Ueber die stetige Abbildung einer Linie auf ein Flaechenstueck, 1891). New
+// ones are appended; each time there are half as many edges again, all are arranged anew. Nothing that callers see depends
+// on it.
+#include <algorithm>
+#include <new>
+#include <utility>
+
+#include "triangulation/delaunay.h"
+
+namespace velquad::triangulation {
+namespace {
+
+/// The curve runs through 2^16 by 2^16 cells.
+constexpr std::uint32_t kLastCell = 0xFFFF;
+
+/// The cell of a coordinate; those beyond the extent share its outermost cells.
+std::uint32_t cellOf(double coordinate, double low, double high) {
+    const double cell = (coordinate - low) / (high - low) * kLastCell;
+    if (!(cell > 0.0)) return 0;
+    return cell < kLastCell ? static_cast<std::uint32_t>(cell) : kLastCell;
+}
+
+/// How far along the curve a cell lies.
+std::uint32_t alongCurve(std::uint32_t x, std::uint32_t y) {
+    std::uint32_t distance = 0;
+    for (std::uint32_t bit = (kLastCell + 1) / 2; bit != 0; bit /= 2) {
+        const bool isRight = (x & bit) != 0;
+        const bool isBelow = (y & bit) != 0;
+        distance = distance * 4 + (isRight ? (isBelow ? 2 : 3) : (isBelow ? 1 : 0));
+        if (isBelow) continue;
+        if (isRight) {
+            x = kLastCell - x;
+            y = kLastCell - y;
+        }
+        std::swap(x, y);
+    }
+    return distance;
+}
+
+/// Numbers from 0 on in the order of their places on the curve.
+template <class PlaceOf>
+std::vector<std::uint32_t> sortedByPlace(std::size_t count, const PlaceOf& placeOf) {
+    // A key holds a place and, below it, a number.
+    std::vector<std::uint64_t> keys(count);
+    for (std::size_t i = 0; i < count; ++i)
+        keys[i] = static_cast<std::uint64_t>(placeOf(i)) << 32 | i;
+    std::sort(keys.begin(), keys.end());
+    std::vector<std::uint32_t> numbers(count);
+    for (std::size_t i = 0; i < count; ++i)
+        numbers[i] = static_cast<std::uint32_t>(keys[i]);
+    return numbers;
+}
+
+/// Where each number stands in an order.
+std::vector<std::uint32_t> inverseOf(const std::vector<std::uint32_t>& order) {
+    std::vector<std::uint32_t> places(order.size());
+    for (std::size_t i = 0; i < order.size(); ++i)
+        places[order[i]] = static_cast<std::uint32_t>(i);
+    return places;
+}
+
+}  // namespace
+
+/// Arranges slots and groups along the curve. Without the memory for that they stay as they are.
+void CDelaunay2D::arrange() noexcept {
+    nextArrangement_ = groups_.size() + groups_.size() / 2;
+    try {
+        arrangeSlots();
+        arrangeGroups();
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+}
+
+/// Brings the slots into the order of their places on the curve.
+void CDelaunay2D::arrangeSlots() {
+    const std::vector<std::uint32_t> oldSlots = sortedByPlace(slots_.size(), [this](std::size_t slot) {
+        const tagPOINT2D& p = slots_[slot];
+        return alongCurve(cellOf(p.x, extent_.left, extent_.right), cellOf(p.y, extent_.top, extent_.bottom));
+    });
+    const std::vector<std::uint32_t> newSlots = inverseOf(oldSlots);
+    GrowingArray<tagPOINT2D> slots;
+    slots.reserveMore(oldSlots.size() + oldSlots.size() / 2);
+    std::vector<std::uint32_t> numbers;
+    numbers.reserve(oldSlots.size() + oldSlots.size() / 2);
+    for (const std::uint32_t old : oldSlots) {
+        slots.append(slots_[old]);
+        numbers.push_back(numbers_[old]);
+    }
+    for (std::size_t group = 0; group < groups_.size(); ++group)
+        for (std::uint32_t& end : groups_[group].ends)
+            end = newSlots[end];
+    slots_ = std::move(slots);
+    numbers_ = std::move(numbers);
+}
+
+/// Brings the groups into the order of their smaller slots, by counting.
+void CDelaunay2D::arrangeGroups() {
+    const auto smallerSlot = [this](std::size_t group) {
+        const std::uint32_t* ends = groups_[group].ends;
+        return ends[0] < ends[1] ? ends[0] : ends[1];
+    };
+    std::vector<std::uint32_t> nextPlaces(slots_.size() + 1, 0);
+    for (std::size_t group = 0; group < groups_.size(); ++group)
+        ++nextPlaces[smallerSlot(group) + 1];
+    for (std::size_t slot = 1; slot < nextPlaces.size(); ++slot)
+        nextPlaces[slot] += nextPlaces[slot - 1];
+    std::vector<std::uint32_t> newGroups(groups_.size());
+    for (std::size_t group = 0; group < groups_.size(); ++group)
+        newGroups[group] = nextPlaces[smallerSlot(group)]++;
+    const std::vector<std::uint32_t> oldGroups = inverseOf(newGroups);
+    const auto renumbered = [&newGroups](EdgeRef e) { return newGroups[e >> 2] * 4 + (e & 3); };
+    GrowingArray<CQuadEdge> groups;
+    groups.reserveMore(nextArrangement_);
+    for (const std::uint32_t old : oldGroups) {
+        CQuadEdge group = groups_[old];
+        for (EdgeRef& next : group.next)
+            next = renumbered(next);
+        groups.append(group);
+    }
+    groups_ = std::move(groups);
+    for (EdgeRef& e : order_)
+        if (e != kNoEdge) e = renumbered(e);
+    startingEdge_ = renumbered(startingEdge_);
+}
+
+}  // namespace velquad::triangulation
