@@ -301,6 +301,89 @@ void digestPolygon(Digest& digest, Random& random) {
     }
 }
 
+void digestCurves(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds / 40; ++round) {
+        const std::vector<tagPOINT> points = outline(random, 8 + random.below(40));
+        const auto count = static_cast<DWORD>(points.size() - static_cast<std::size_t>(random.below(2)));
+        HGLOBAL source = polyCopy(points.data(), count, 0);
+        unsigned int error = 0;
+        const double step = 0.25 + random.below(20) * 0.5;
+        const double cornerFactor = random.below(3) * 0.5;
+        HGLOBAL curve = polyCalcInterpolatingCurve(source, step, cornerFactor, &error);
+        digest.add(static_cast<int>(error));
+        digest.addPolygon(curve);
+        polyFree(curve);
+        curve = polyCalcFittingCurve(source, step, 3 + random.below(3), &error);
+        digest.add(static_cast<int>(error));
+        digest.addPolygon(curve);
+        polyFree(curve);
+        polyFree(source);
+    }
+}
+
+/// The samples themselves, which the polygon forms cut to pixels.
+void digestCurveSamples(Digest& digest, Random& random) {
+    struct Points {
+        std::vector<tagPOINT2D> source;
+        Digest* digest;
+    };
+    const auto read = [](double** rows, unsigned int maximal, unsigned int, void* user, void*) {
+        const auto& source = static_cast<Points*>(user)->source;
+        const auto count = static_cast<unsigned int>(source.size()) < maximal
+                               ? static_cast<unsigned int>(source.size())
+                               : maximal;
+        for (unsigned int i = 0; i < count; ++i) {
+            rows[i][0] = source[i].x;
+            rows[i][1] = source[i].y;
+        }
+        return count;
+    };
+    const auto write = [](double** rows, unsigned int count, unsigned int, void* user, void*) {
+        for (unsigned int i = 0; i < count; ++i)
+            static_cast<Points*>(user)->digest->add(rows[i][0], rows[i][1]);
+        return 1U;
+    };
+    for (int round = 0; round < kRounds / 40; ++round) {
+        Points points{{}, &digest};
+        const int count = 5 + random.below(30);
+        for (int i = 0; i < count; ++i)
+            points.source.push_back(random.point());
+        if (random.below(2) != 0) points.source.push_back(points.source.front());
+        const auto most = static_cast<unsigned int>(points.source.size());
+        digest.add(static_cast<int>(
+            matInterpolatingCurve(most, read, write, &points, nullptr, 2, 7.5, random.below(3) * 0.5)));
+        digest.add(static_cast<int>(
+            matFittingCurve(most, read, write, &points, nullptr, 2, 7.5, 3 + random.below(3))));
+    }
+}
+
+void digestMoments(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds / 4; ++round) {
+        // Any bytes as integers of every type, and numbers as doubles; now and then with sums beyond 2^53.
+        const int count = 1 + random.below(400);
+        std::vector<std::uint64_t> x, y;
+        std::vector<double> numbers;
+        for (int i = 0; i < count; ++i) {
+            x.push_back(random.bits());
+            y.push_back(random.bits());
+            numbers.push_back(random.real() * (round % 50 == 0 ? 1e8 : 1.0));
+        }
+        CMatMomentEvaluator moments;
+        CMatCorrelationEvaluator correlation;
+        digest.add(moments.AddValues(numbers.data(), count));
+        for (unsigned int type = 0; type < 7; ++type) {
+            const int values = type < 5 ? 2 * count : count;
+            digest.add(moments.AddValues(x.data(), values, type));
+            digest.add(correlation.AddValuePairs(x.data(), y.data(), values, type));
+        }
+        digest.add(moments.GetMin(), moments.GetMax(), moments.GetMean(), moments.GetVariance());
+        digest.add(moments.GetStdDev(), moments.GetCount(), correlation.ComputeCorrelation());
+        auto* words = reinterpret_cast<unsigned short*>(x.data());
+        CMatCorrelationEvaluator whole;
+        digest.add(whole.AddValuePairs(words, words + 1, 4 * count - 1), whole.ComputeCorrelation());
+    }
+}
+
 void digestRepair(Digest& digest, Random& random) {
     for (int round = 0; round < kRounds / 20; ++round) {
         std::vector<tagPOINT> points;
@@ -328,6 +411,67 @@ void digestRepair(Digest& digest, Random& random) {
         addRepaired([](tagPOINT* p, DWORD n, int) { return polyConvexHull(p, n); });
         if (count < 30)
             addRepaired([](tagPOINT* p, DWORD n, int) { return polySeperateTouchingSegments(p, n); });
+    }
+}
+
+/// Adds the rows of an array.
+void addRows(Digest& digest, void** rows, unsigned int width, unsigned int height, unsigned int type) {
+    const unsigned int size = matCvtArrayTypeToSize2v(type);
+    for (unsigned int y = 0; y < height; ++y) {
+        unsigned char* row = nullptr;
+        std::memcpy(&row, reinterpret_cast<const unsigned char*>(rows) + 8 * std::size_t{y}, sizeof row);
+        for (std::size_t x = 0; x < width; ++x) {
+            std::uint64_t element = 0;
+            std::memcpy(&element, row + x * size, size);
+            digest.add(element);
+        }
+    }
+}
+
+void digestImages(Digest& digest, Random& random) {
+    for (int round = 0; round < 200; ++round) {
+        const unsigned int type = 1 + static_cast<unsigned int>(round) % 10;
+        const unsigned int width = 1 + static_cast<unsigned int>(random.below(40));
+        const unsigned int height = 1 + static_cast<unsigned int>(random.below(30));
+        const unsigned int newWidth = 1 + static_cast<unsigned int>(random.below(60));
+        const unsigned int newHeight = 1 + static_cast<unsigned int>(random.below(60));
+        void* data = nullptr;
+        void** floats = matAllocArray2v(width, height, 7, 1, &data);
+        for (std::size_t i = 0; i < std::size_t{width} * height; ++i) {
+            const auto value = static_cast<float>(random.real());
+            std::memcpy(static_cast<unsigned char*>(data) + 4 * i, &value, sizeof value);
+        }
+        void** image = matAllocArray2v(width, height, type, 1, nullptr);
+        auto* floatRows = reinterpret_cast<float**>(floats);
+        digest.add(matConvertArrayFromFloat2v(floatRows, image, width, height, type));
+        addRows(digest, image, width, height, type);
+        const double scale = random.real() / 50.0;
+        const double bias = random.real();
+        digest.add(matTransformArray2v(image, width, height, type, 1.5, scale, bias));
+        const double low = random.real();
+        digest.add(matClampArray2v(image, width, height, type, low, low + 100.0));
+        for (const unsigned int flags : {1U, 2U, 4U}) {
+            void** zoomed = matAllocArray2v(newWidth, newHeight, type, 1, nullptr);
+            digest.add(matZoomArray2v(width, height, image, newWidth, newHeight, zoomed, type, flags));
+            addRows(digest, zoomed, newWidth, newHeight, type);
+            double min[4] = {}, max[4] = {}, mean[4] = {}, deviation[4] = {};
+            digest.add(matGetRangeOfArray2v(zoomed, type, 1, nullptr, 0, newWidth, newHeight, min, max, mean,
+                                            deviation),
+                       min, max, mean, deviation);
+            matFreeArray2v(zoomed);
+        }
+        digest.add(matConvertArrayToFloat2v(image, floatRows, width, height, type, round % 2));
+        addRows(digest, floats, width, height, 7);
+        void** words = matAllocArray2v(width, height, 4, 1, nullptr);
+        digest.add(matConvertArrayFromFloat2v(floatRows, words, width, height, 4));
+        tagPOINT peak = {};
+        double mean = 0.0;
+        digest.add(matFindGlobalPeak2w(reinterpret_cast<unsigned short**>(words), static_cast<int>(width),
+                                       static_cast<int>(height), random.below(6), &peak, &mean),
+                   peak, mean);
+        matFreeArray2v(words);
+        matFreeArray2v(image);
+        matFreeArray2v(floats);
     }
 }
 
@@ -415,144 +559,6 @@ void digestOutlines2D(Digest& digest, Random& random) {
     }
 }
 
-void digestCurves(Digest& digest, Random& random) {
-    for (int round = 0; round < kRounds / 40; ++round) {
-        const std::vector<tagPOINT> points = outline(random, 8 + random.below(40));
-        const auto count = static_cast<DWORD>(points.size() - static_cast<std::size_t>(random.below(2)));
-        HGLOBAL source = polyCopy(points.data(), count, 0);
-        unsigned int error = 0;
-        const double step = 0.25 + random.below(20) * 0.5;
-        const double cornerFactor = random.below(3) * 0.5;
-        HGLOBAL curve = polyCalcInterpolatingCurve(source, step, cornerFactor, &error);
-        digest.add(static_cast<int>(error));
-        digest.addPolygon(curve);
-        polyFree(curve);
-        curve = polyCalcFittingCurve(source, step, 3 + random.below(3), &error);
-        digest.add(static_cast<int>(error));
-        digest.addPolygon(curve);
-        polyFree(curve);
-        polyFree(source);
-    }
-}
-
-/// The samples themselves, which the polygon forms cut to pixels.
-void digestCurveSamples(Digest& digest, Random& random) {
-    struct Points {
-        std::vector<tagPOINT2D> source;
-        Digest* digest;
-    };
-    const auto read = [](double** rows, unsigned int maximal, unsigned int, void* user, void*) {
-        const auto& source = static_cast<Points*>(user)->source;
-        const auto count = static_cast<unsigned int>(source.size()) < maximal
-                               ? static_cast<unsigned int>(source.size())
-                               : maximal;
-        for (unsigned int i = 0; i < count; ++i) {
-            rows[i][0] = source[i].x;
-            rows[i][1] = source[i].y;
-        }
-        return count;
-    };
-    const auto write = [](double** rows, unsigned int count, unsigned int, void* user, void*) {
-        for (unsigned int i = 0; i < count; ++i)
-            static_cast<Points*>(user)->digest->add(rows[i][0], rows[i][1]);
-        return 1U;
-    };
-    for (int round = 0; round < kRounds / 40; ++round) {
-        Points points{{}, &digest};
-        const int count = 5 + random.below(30);
-        for (int i = 0; i < count; ++i)
-            points.source.push_back(random.point());
-        if (random.below(2) != 0) points.source.push_back(points.source.front());
-        const auto most = static_cast<unsigned int>(points.source.size());
-        digest.add(static_cast<int>(
-            matInterpolatingCurve(most, read, write, &points, nullptr, 2, 7.5, random.below(3) * 0.5)));
-        digest.add(static_cast<int>(
-            matFittingCurve(most, read, write, &points, nullptr, 2, 7.5, 3 + random.below(3))));
-    }
-}
-
-void digestMoments(Digest& digest, Random& random) {
-    for (int round = 0; round < kRounds / 4; ++round) {
-        // Any bytes as integers of every type, and numbers as doubles; now and then with sums beyond 2^53.
-        const int count = 1 + random.below(400);
-        std::vector<std::uint64_t> x, y;
-        std::vector<double> numbers;
-        for (int i = 0; i < count; ++i) {
-            x.push_back(random.bits());
-            y.push_back(random.bits());
-            numbers.push_back(random.real() * (round % 50 == 0 ? 1e8 : 1.0));
-        }
-        CMatMomentEvaluator moments;
-        CMatCorrelationEvaluator correlation;
-        digest.add(moments.AddValues(numbers.data(), count));
-        for (unsigned int type = 0; type < 7; ++type) {
-            const int values = type < 5 ? 2 * count : count;
-            digest.add(moments.AddValues(x.data(), values, type));
-            digest.add(correlation.AddValuePairs(x.data(), y.data(), values, type));
-        }
-        digest.add(moments.GetMin(), moments.GetMax(), moments.GetMean(), moments.GetVariance());
-        digest.add(moments.GetStdDev(), moments.GetCount(), correlation.ComputeCorrelation());
-        auto* words = reinterpret_cast<unsigned short*>(x.data());
-        CMatCorrelationEvaluator whole;
-        digest.add(whole.AddValuePairs(words, words + 1, 4 * count - 1), whole.ComputeCorrelation());
-/// Adds the rows of an array.
-void addRows(Digest& digest, void** rows, unsigned int width, unsigned int height, unsigned int type) {
-    const unsigned int size = matCvtArrayTypeToSize2v(type);
-    for (unsigned int y = 0; y < height; ++y) {
-        unsigned char* row = nullptr;
-        std::memcpy(&row, reinterpret_cast<const unsigned char*>(rows) + 8 * std::size_t{y}, sizeof row);
-        for (std::size_t x = 0; x < width; ++x) {
-            std::uint64_t element = 0;
-            std::memcpy(&element, row + x * size, size);
-            digest.add(element);
-        }
-    }
-}
-
-void digestImages(Digest& digest, Random& random) {
-    for (int round = 0; round < 200; ++round) {
-        const unsigned int type = 1 + static_cast<unsigned int>(round) % 10;
-        const unsigned int width = 1 + static_cast<unsigned int>(random.below(40));
-        const unsigned int height = 1 + static_cast<unsigned int>(random.below(30));
-        const unsigned int newWidth = 1 + static_cast<unsigned int>(random.below(60));
-        const unsigned int newHeight = 1 + static_cast<unsigned int>(random.below(60));
-        void* data = nullptr;
-        void** floats = matAllocArray2v(width, height, 7, 1, &data);
-        for (std::size_t i = 0; i < std::size_t{width} * height; ++i) {
-            const auto value = static_cast<float>(random.real());
-            std::memcpy(static_cast<unsigned char*>(data) + 4 * i, &value, sizeof value);
-        }
-        void** image = matAllocArray2v(width, height, type, 1, nullptr);
-        auto* floatRows = reinterpret_cast<float**>(floats);
-        digest.add(matConvertArrayFromFloat2v(floatRows, image, width, height, type));
-        addRows(digest, image, width, height, type);
-        const double scale = random.real() / 50.0;
-        const double bias = random.real();
-        digest.add(matTransformArray2v(image, width, height, type, 1.5, scale, bias));
-        const double low = random.real();
-        digest.add(matClampArray2v(image, width, height, type, low, low + 100.0));
-        for (const unsigned int flags : {1U, 2U, 4U}) {
-            void** zoomed = matAllocArray2v(newWidth, newHeight, type, 1, nullptr);
-            digest.add(matZoomArray2v(width, height, image, newWidth, newHeight, zoomed, type, flags));
-            addRows(digest, zoomed, newWidth, newHeight, type);
-            double min[4] = {}, max[4] = {}, mean[4] = {}, deviation[4] = {};
-            digest.add(matGetRangeOfArray2v(zoomed, type, 1, nullptr, 0, newWidth, newHeight, min, max, mean,
-                                            deviation),
-                       min, max, mean, deviation);
-            matFreeArray2v(zoomed);
-        }
-        digest.add(matConvertArrayToFloat2v(image, floatRows, width, height, type, round % 2));
-        addRows(digest, floats, width, height, 7);
-        void** words = matAllocArray2v(width, height, 4, 1, nullptr);
-        digest.add(matConvertArrayFromFloat2v(floatRows, words, width, height, 4));
-        tagPOINT peak = {};
-        double mean = 0.0;
-        digest.add(matFindGlobalPeak2w(reinterpret_cast<unsigned short**>(words), static_cast<int>(width),
-                                       static_cast<int>(height), random.below(6), &peak, &mean),
-                   peak, mean);
-        matFreeArray2v(words);
-        matFreeArray2v(image);
-        matFreeArray2v(floats);
 /// The address of a double of a volume that the library made.
 unsigned char* doubleAt(void*** volume, std::size_t x, std::size_t y, std::size_t z) {
     unsigned char* row = nullptr;
@@ -606,6 +612,9 @@ void digestVolumes(Digest& digest, Random& random) {
         matFreeArray3v(numbers);
         matFreeArray3v(source);
         matFreeArray3v(result);
+    }
+}
+
 /// Least squares, least deviations and least distance, of clouds around tilted lines and planes with some outliers.
 void digestLineFits(Digest& digest, Random& random) {
     for (int round = 0; round < kRounds / 10; ++round) {
@@ -639,6 +648,9 @@ void digestLineFits(Digest& digest, Random& random) {
         digest.add(matRegressionPlane(solid.data() + 1, n, round % 3 == 0 ? &scale : nullptr, &centre,
                                       &normal, nullptr, &mean, &deviation),
                    centre, normal, mean, deviation);
+    }
+}
+
 void digestSolvers(Digest& digest, Random& random) {
     for (int round = 0; round < kRounds / 10; ++round) {
         const int n = 1 + random.below(7);
