@@ -46,10 +46,12 @@ inline double cross(const tagPOINT2D& a, const tagPOINT2D& b) {
 inline tagPOINT2D offset(const tagPOINT2D& from, const tagPOINT2D& to) {
     return {to.x - from.x, to.y - from.y};
 }
-/// The unit vector; that of the x axis for a null vector.
+/// The unit vector; that of the x axis for a vector so short that its square loses digits, where the quotients would
+/// not be of length 1 and a box along them would be too small.
 inline tagPOINT2D unitVector(const tagPOINT2D& v) {
+    constexpr double kShortest = 1e-150;
     const double length = std::sqrt(dot(v, v));
-    return length > 0.0 ? tagPOINT2D{v.x / length, v.y / length} : tagPOINT2D{1.0, 0.0};
+    return length > kShortest ? tagPOINT2D{v.x / length, v.y / length} : tagPOINT2D{1.0, 0.0};
 }
 
 /// The box with this axis whose extents are given relative to `origin`.

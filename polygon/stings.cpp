@@ -42,7 +42,8 @@ class StingTest {
     double widthSquared_;
 };
 
-/// Removes the stings among the points as an open chain, and the repeats that they leave. The first point stays.
+/// Removes the stings among the points as an open chain, and the repeats that they leave. The first point and the
+/// last one stay.
 /// @param points  without repeats. @return the new count.
 DWORD removeInnerStings(tagPOINT* points, DWORD count, const StingTest& test) {
     DWORD kept = 0;
@@ -83,9 +84,8 @@ Remainder removeSeamStings(const tagPOINT* points, DWORD count, const StingTest&
 
 /// An outline whose last point equals its first one; that point plays no part. @param points  without repeats.
 DWORD removeStingsOfClosed(tagPOINT* points, DWORD count, const StingTest& test) {
-    DWORD left = removeInnerStings(points, count - 1, test);
-    // The last sting may have led back to the first point, which closes the outline now.
-    if (left > 1 && samePoint(points[0], points[left - 1])) --left;
+    // The ends of the chain stay, and they differ.
+    const DWORD left = removeInnerStings(points, count - 1, test);
     if (left <= 2) return kCollapsed;
     points[left] = points[0];
     return left + 1;

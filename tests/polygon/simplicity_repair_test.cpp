@@ -98,6 +98,8 @@ TEST(PolyMakeSimple, KeepsTheLoopWhenTheRestIsSmaller) {
     const Result result = makeSimple(points, kNoLimit);
     EXPECT_EQ(result.count, 5U);
     EXPECT_EQ(front(result, 5), (Coordinates{{10, 0}, {60, 0}, {60, 40}, {10, 40}, {10, 0}}));
+    EXPECT_EQ(makeSimple(points, 21), result) << "the rest is below the limit";
+    EXPECT_EQ(makeSimple(points, 20), (Result{0, withGuards(points)}));
 }
 
 /// Edges 0 and 4 cross. The loop from vertex 0 to 4 has 6 + 6 + 7 + 6 + 1 = 26 pixels, and the rest

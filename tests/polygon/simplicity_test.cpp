@@ -151,6 +151,22 @@ TEST(PolyIsSimple, ClosingEdgeMayMeetTheFirstEdgeOnlyAtTheirVertex) {
         << "the closing edge runs over the first one";
 }
 
+TEST(PolyIsSimple, ChainFoldsBackUnlessItEndsBeyondTheToleranceOfTheEdge) {
+    // Straight on by one pixel, which is 1 + 1 / size on the edge; 1.0000001 goes on.
+    const auto chain = [](int size) { return Coordinates{{0, 0}, {size, 0}, {size + 1, 0}}; };
+    EXPECT_EQ(answer(chain(9999999), 0), kSimple);
+    EXPECT_EQ(answer(chain(10000000), 0), kSimple);
+    EXPECT_EQ(answer(chain(10000001), 0), faultAt(0, 1));
+}
+
+TEST(PolyIsSimple, ClosingEdgeOverlapsUnlessItStartsBeyondTheToleranceOfTheFirstEdge) {
+    // The closing edge leads straight on from one pixel before the first edge, at -1 / size of it.
+    const auto outline = [](int size) { return Coordinates{{0, 0}, {size, 0}, {size, 5}, {-1, 5}, {-1, 0}}; };
+    EXPECT_EQ(answer(outline(9999999), 1), kSimple);
+    EXPECT_EQ(answer(outline(10000000), 1), kSimple) << "exactly -1e-7";
+    EXPECT_EQ(answer(outline(10000001), 1), faultAt(0, 4));
+}
+
 TEST(PolyIsSimple, ClosingEdgeHasNoPrivilegeWithOtherEdges) {
     // The first vertex lies on edge 2, and so do edge 0 and the closing edge 4.
     EXPECT_EQ(answer(Coordinates{{5, 0}, {5, 9}, {20, 0}, {0, 0}, {0, 9}}, 1), faultAt(0, 2));
