@@ -1,4 +1,4 @@
 // The correlation kernel for processors with AVX2.
 #define VELQUAD_KERNEL correlateAvx2
 #define VELQUAD_LANES 4
-#include "signal/correlation_body.h"
+#include "signal/correlation_body.inc"

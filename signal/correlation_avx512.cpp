@@ -1,4 +1,4 @@
 // The correlation kernel for processors with AVX-512.
 #define VELQUAD_KERNEL correlateAvx512
 #define VELQUAD_LANES 8
-#include "signal/correlation_body.h"
+#include "signal/correlation_body.inc"

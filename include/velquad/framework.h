@@ -659,7 +659,7 @@ class BoundedArray {
                    ? m_nMaxSize + growBy
                    : size;
     }
-    // Moves the elements to a block with another capacity.
+    // Moves the elements to a block with another capacity. NOLINTBEGIN(bugprone-sizeof-expression)
     void move(std::intptr_t capacity) {
         if (static_cast<std::size_t>(capacity) > std::numeric_limits<std::size_t>::max() / sizeof(Type) / 2)
             throw std::bad_alloc();
@@ -671,7 +671,7 @@ class BoundedArray {
         m_pData = data;
         m_nSize = size;
         m_nMaxSize = capacity;
-    }
+    }  // NOLINTEND(bugprone-sizeof-expression)
     void release() {
         std::destroy(m_pData, m_pData + m_nSize);
         ::operator delete(static_cast<void*>(m_pData));
