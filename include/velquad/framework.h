@@ -459,6 +459,7 @@ class VELQUAD_API CArchive {
     /// Loads an object or a reference to one.
     /// @param requested  the class or a base of it; null for any.
     /// @return the object, which belongs to the caller if it is new; null if null was stored.
+    /// @throws CNotSupportedException*  when a class without a schema is requested.
     CObject* ReadObject(const CRuntimeClass* requested);
     /// Stores an object, a reference when it was stored before, or null. An object must live as long as the archive
     /// stores.
@@ -663,9 +664,14 @@ class BoundedArray {
     void move(std::intptr_t capacity) {
         if (static_cast<std::size_t>(capacity) > std::numeric_limits<std::size_t>::max() / sizeof(Type) / 2)
             throw std::bad_alloc();
-        Type* const data =
-            static_cast<Type*>(::operator new(static_cast<std::size_t>(capacity) * sizeof(Type)));
+        // Ends the new block when an element cannot be moved.
+        struct Block {
+            void* memory;
+            ~Block() { ::operator delete(memory); }
+        } block{::operator new(static_cast<std::size_t>(capacity) * sizeof(Type))};
+        Type* const data = static_cast<Type*>(block.memory);
         std::uninitialized_move(m_pData, m_pData + m_nSize, data);
+        block.memory = nullptr;
         const std::intptr_t size = m_nSize;
         release();
         m_pData = data;
