@@ -12,8 +12,9 @@ namespace {
 constexpr int kSlackDivisor = 8;
 constexpr int kLeastSlack = 4;
 constexpr int kMostSlack = 1024;
-// Arrays up to this many bytes are allocated whatever an archive is able to fill.
-constexpr std::uint64_t kUnquestionedBytes = 65536;
+// Arrays up to this many bytes take the size that an archive tells even when its bytes end before; beyond it, the
+// archive must be able to fill the memory that it asks for.
+constexpr std::uint64_t kUnquestionedBytes = std::uint64_t{64} << 20;
 // One call of the archive takes fewer bytes than 32 bits can count.
 constexpr std::uint64_t kMostArchiveBytes = 0xFFFFFFFFU;
 
