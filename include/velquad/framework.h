@@ -594,7 +594,7 @@ class BoundedArray {
 
     /// Stores an element and stretches the array when it lies behind the end.
     void SetAtGrow(std::intptr_t index, Argument element) {
-        require(index >= 0);
+        require(index >= 0 && index < std::numeric_limits<std::intptr_t>::max());
         Type copy(element);  // `element` may be one of the array
         if (index >= m_nSize) SetSize(index + 1);
         m_pData[index] = std::move(copy);
@@ -622,10 +622,11 @@ class BoundedArray {
     }
     /// Inserts copies of an element; behind the end, the array is stretched.
     void InsertAt(std::intptr_t index, Argument element, std::intptr_t count = 1) {
-        require(index >= 0 && count >= 0 && count <= std::numeric_limits<std::intptr_t>::max() - index);
-        const Type copy(element);
         const std::intptr_t oldSize = m_nSize;
-        SetSize(index < oldSize ? oldSize + count : index + count);
+        const std::intptr_t end = index < oldSize ? oldSize : index;
+        require(index >= 0 && count >= 0 && count <= std::numeric_limits<std::intptr_t>::max() - end);
+        const Type copy(element);
+        SetSize(end + count);
         for (std::intptr_t i = oldSize; i-- > index;)
             m_pData[i + count] = std::move(m_pData[i]);
         for (std::intptr_t i = 0; i < count; ++i)

@@ -61,6 +61,9 @@ TEST(PtrArray, ChecksItsBounds) {
     EXPECT_TRUE(throwsInvalidArgument([&] { array.SetAtGrow(-1, nullptr); }));
     EXPECT_TRUE(throwsInvalidArgument([&] { array.InsertAt(-1, nullptr); }));
     EXPECT_TRUE(throwsInvalidArgument([&] { array.InsertAt(0, nullptr, -1); }));
+    EXPECT_TRUE(throwsInvalidArgument([&] { array.InsertAt(0, nullptr, INTPTR_MAX); }));
+    EXPECT_TRUE(throwsInvalidArgument([&] { array.InsertAt(INTPTR_MAX, nullptr, 1); }));
+    EXPECT_TRUE(throwsInvalidArgument([&] { array.SetAtGrow(INTPTR_MAX, nullptr); }));
     EXPECT_TRUE(throwsInvalidArgument([&] { array.RemoveAt(-1); }));
     EXPECT_TRUE(throwsInvalidArgument([&] { array.RemoveAt(0, -1); }));
     EXPECT_TRUE(throwsInvalidArgument([&] { array.RemoveAt(0, 4); }));
