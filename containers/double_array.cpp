@@ -12,8 +12,9 @@ namespace {
 constexpr int kSlackDivisor = 8;
 constexpr int kLeastSlack = 4;
 constexpr int kMostSlack = 1024;
-// Arrays up to this many bytes are allocated whatever an archive is able to fill.
-constexpr std::uint64_t kUnquestionedBytes = 65536;
+// Arrays up to this many bytes take the size that an archive tells even when its bytes end before; beyond it, the
+// archive must be able to fill the memory that it asks for.
+constexpr std::uint64_t kUnquestionedBytes = std::uint64_t{64} << 20;
 // One call of the archive takes fewer bytes than 32 bits can count.
 constexpr std::uint64_t kMostArchiveBytes = 0xFFFFFFFFU;
 
@@ -28,12 +29,15 @@ double* allocate(int count) {
     return new double[static_cast<std::size_t>(count)];
 }
 
+// An array without elements may have no memory.
 void copy(double* to, const double* from, int count) {
-    if (count > 0) std::memmove(to, from, static_cast<std::size_t>(count) * sizeof(double));
+    if (count > 0 && to != nullptr && from != nullptr)
+        std::memmove(to, from, static_cast<std::size_t>(count) * sizeof(double));
 }
 
 void clear(double* first, int count) {
-    if (count > 0) std::memset(first, 0, static_cast<std::size_t>(count) * sizeof(double));
+    if (count > 0 && first != nullptr)
+        std::memset(first, 0, static_cast<std::size_t>(count) * sizeof(double));
 }
 
 int automaticSlack(int size) {
@@ -153,7 +157,7 @@ void CDoubleArray::SetAt(int index, double value) {
 
 void CDoubleArray::SetAtGrow(int index, double value) {
     if (index >= size) ArrayMemory::resize(*this, velquad::frame::wrapAdd(index, 1), -1, true);
-    data[index] = value;
+    data[index] = value;  // NOLINT(clang-analyzer-core.NullDereference): not null with an element
 }
 
 const double* CDoubleArray::GetData() const {
@@ -167,7 +171,7 @@ double* CDoubleArray::GetData() {
 int CDoubleArray::Add(double value) {
     const int index = size;
     ArrayMemory::resize(*this, velquad::frame::wrapAdd(index, 1), -1, false);
-    data[index] = value;
+    data[index] = value;  // NOLINT(clang-analyzer-core.NullDereference): not null with an element
     return index;
 }
 
@@ -188,7 +192,7 @@ void CDoubleArray::InsertAt(int index, double value, int count) {
     if (index < 0 || count < 0) return;
     ArrayMemory::openGap(*this, index, count);
     for (int i = 0; i < count; ++i)
-        data[index + i] = value;
+        data[index + i] = value;  // NOLINT(clang-analyzer-core.NullDereference): not null with an element
 }
 
 void CDoubleArray::InsertAt(int index, CDoubleArray* other) {
@@ -240,6 +244,7 @@ void CDoubleArray::Serialize(CArchive& archive) {
     const int touched = static_cast<int>((read + sizeof(double) - 1) / sizeof(double));
     const int first = touched > oldSize ? touched : oldSize;
     if (touched > oldSize && read % sizeof(double) != 0) {
+        // NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker): not null where something was read
         std::memset(reinterpret_cast<unsigned char*>(data) + read, 0, sizeof(double) - read % sizeof(double));
     }
     clear(data + first, size - first);

@@ -21,11 +21,11 @@ CDoubleMatrix::CDoubleMatrix() = default;
 
 CDoubleMatrix::CDoubleMatrix(int rows, int newColumns) {
     static_assert(sizeof(CDoubleMatrix) == 88);
-    SetSize(CSize(newColumns, rows));
+    SetSize(rows, newColumns);
 }
 
 CDoubleMatrix::CDoubleMatrix(const CSize& size) {
-    SetSize(size);
+    SetSize(size.cy, size.cx);
 }
 
 CDoubleMatrix::CDoubleMatrix(const CDoubleMatrix& other) {
@@ -40,14 +40,13 @@ const CDoubleMatrix& CDoubleMatrix::operator=(const CDoubleMatrix& other) {
 CDoubleMatrix::~CDoubleMatrix() = default;
 
 void CDoubleMatrix::SetSize(int rows, int newColumns) {
-    SetSize(CSize(newColumns, rows));
+    values.SetSize(velquad::frame::wrapMul(newColumns, rows), -1);
+    columns = newColumns;
+    rowPointers.RemoveAll();
 }
 
 void CDoubleMatrix::SetSize(const CSize& size) {
-    const int newColumns = size.cx;
-    values.SetSize(velquad::frame::wrapMul(newColumns, size.cy), -1);
-    columns = newColumns;
-    rowPointers.RemoveAll();
+    SetSize(size.cy, size.cx);
 }
 
 CSize CDoubleMatrix::GetSize() const {

@@ -71,8 +71,8 @@ class VELQUAD_API CDoubleArray : public CObject {
 
     /// Stores the array or loads it.
     /// @throws CArchiveException*  when the archive ends too early. The array then has the stored size and what was
-    ///                             read of its elements; but it stays as it was when the stored size could neither be
-    ///                             filled by what is left of the archive nor is small (64 KB).
+    ///                             read of its elements; but it stays as it was when the stored size takes more than
+    ///                             64 MB and what is left of the archive could not fill it.
     void Serialize(CArchive& archive) override;
 
     CRuntimeClass* GetRuntimeClass() const override;

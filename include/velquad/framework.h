@@ -459,6 +459,7 @@ class VELQUAD_API CArchive {
     /// Loads an object or a reference to one.
     /// @param requested  the class or a base of it; null for any.
     /// @return the object, which belongs to the caller if it is new; null if null was stored.
+    /// @throws CNotSupportedException*  when a class without a schema is requested.
     CObject* ReadObject(const CRuntimeClass* requested);
     /// Stores an object, a reference when it was stored before, or null. An object must live as long as the archive
     /// stores.
@@ -593,7 +594,7 @@ class BoundedArray {
 
     /// Stores an element and stretches the array when it lies behind the end.
     void SetAtGrow(std::intptr_t index, Argument element) {
-        require(index >= 0);
+        require(index >= 0 && index < std::numeric_limits<std::intptr_t>::max());
         Type copy(element);  // `element` may be one of the array
         if (index >= m_nSize) SetSize(index + 1);
         m_pData[index] = std::move(copy);
@@ -621,10 +622,11 @@ class BoundedArray {
     }
     /// Inserts copies of an element; behind the end, the array is stretched.
     void InsertAt(std::intptr_t index, Argument element, std::intptr_t count = 1) {
-        require(index >= 0 && count >= 0 && count <= std::numeric_limits<std::intptr_t>::max() - index);
-        const Type copy(element);
         const std::intptr_t oldSize = m_nSize;
-        SetSize(index < oldSize ? oldSize + count : index + count);
+        const std::intptr_t end = index < oldSize ? oldSize : index;
+        require(index >= 0 && count >= 0 && count <= std::numeric_limits<std::intptr_t>::max() - end);
+        const Type copy(element);
+        SetSize(end + count);
         for (std::intptr_t i = oldSize; i-- > index;)
             m_pData[i + count] = std::move(m_pData[i]);
         for (std::intptr_t i = 0; i < count; ++i)
@@ -659,19 +661,24 @@ class BoundedArray {
                    ? m_nMaxSize + growBy
                    : size;
     }
-    // Moves the elements to a block with another capacity.
+    // Moves the elements to a block with another capacity. NOLINTBEGIN(bugprone-sizeof-expression)
     void move(std::intptr_t capacity) {
         if (static_cast<std::size_t>(capacity) > std::numeric_limits<std::size_t>::max() / sizeof(Type) / 2)
             throw std::bad_alloc();
-        Type* const data =
-            static_cast<Type*>(::operator new(static_cast<std::size_t>(capacity) * sizeof(Type)));
+        // Ends the new block when an element cannot be moved.
+        struct Block {
+            void* memory;
+            ~Block() { ::operator delete(memory); }
+        } block{::operator new(static_cast<std::size_t>(capacity) * sizeof(Type))};
+        Type* const data = static_cast<Type*>(block.memory);
         std::uninitialized_move(m_pData, m_pData + m_nSize, data);
+        block.memory = nullptr;
         const std::intptr_t size = m_nSize;
         release();
         m_pData = data;
         m_nSize = size;
         m_nMaxSize = capacity;
-    }
+    }  // NOLINTEND(bugprone-sizeof-expression)
     void release() {
         std::destroy(m_pData, m_pData + m_nSize);
         ::operator delete(static_cast<void*>(m_pData));

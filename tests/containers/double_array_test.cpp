@@ -395,6 +395,27 @@ TEST(DoubleArrayArchive, KeepsWhatWasReadOfAShortArchive) {
     EXPECT_EQ((*array)[0], std::ldexp(1.0, -1008));
 }
 
+TEST(DoubleArrayArchive, TakesItsStoredSizeFromAShortArchiveUpTo64Megabytes) {
+    struct Stored {
+        Bytes count;
+        int size;
+    };
+    for (const Stored& stored : {Stored{{0x10, 0x27}, 10000}, Stored{{0xFF, 0xFF, 0, 0, 0x80, 0}, 8388608}}) {
+        SCOPED_TRACE(stored.size);
+        Bytes bytes = stored.count;
+        append(bytes, kOne);
+        append(bytes, kMinusTwoAndAHalf);
+        const auto array = arrayOf({7});
+        EXPECT_EQ(loadBytes(bytes, [&](CArchive& archive) { array->Serialize(archive); }),
+                  CArchiveException::endOfFile);
+        ASSERT_EQ(array->GetSize(), stored.size);
+        EXPECT_EQ(array->GetAt(0), 1.0);
+        EXPECT_EQ(array->GetAt(1), -2.5);
+        EXPECT_EQ(array->GetAt(2), 0.0);
+        EXPECT_EQ(array->GetAt(stored.size - 1), 0.0);
+    }
+}
+
 TEST(DoubleArrayArchive, EveryTruncationEndsInTheArchivesException) {
     const auto array = arrayOf({1, 2, 3});
     const Bytes bytes = storedBytes([&](CArchive& archive) { archive << array.get(); });
@@ -417,7 +438,8 @@ TEST(DoubleArrayArchive, AsksForNoMemoryThatTheArchiveCannotFill) {
     for (const Bytes& count :
          {Bytes{0xFF, 0xFF, 0x00, 0x00, 0x00, 0x80}, Bytes{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F},
           Bytes{0xFF, 0xFF, 0x01, 0x00, 0x00, 0x20}, Bytes{0xFF, 0xFF, 0xFE, 0xFF, 0xFF, 0xFF},
-          Bytes{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 1, 0, 0, 0, 1, 0, 0, 0}, Bytes{0x01, 0x20}}) {
+          Bytes{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 1, 0, 0, 0, 1, 0, 0, 0},
+          Bytes{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x1F}, Bytes{0xFF, 0xFF, 0x01, 0x00, 0x80, 0x00}}) {
         Bytes bytes = count;
         append(bytes, kOne);
         const auto array = arrayOf({7, 8});

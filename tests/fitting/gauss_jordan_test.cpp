@@ -87,6 +87,12 @@ TEST(GaussJordan, BoundOfThePivotIsAbsolute) {
         OneBasedMatrix a(1, 1, Values{pivot});
         EXPECT_FALSE(matGaussJordanElimination(a.table(), 1, nullptr, 0)) << pivot;
     }
+    // The second pivot alone is too small; scaled, the same matrix is inverted.
+    OneBasedMatrix smallPivot(2, 2, Values{1, 0, 0, 1e-17});
+    EXPECT_FALSE(matGaussJordanElimination(smallPivot.table(), 2, nullptr, 0));
+    OneBasedMatrix scaledPivot(2, 2, Values{1e17, 0, 0, 1});
+    EXPECT_TRUE(matGaussJordanElimination(scaledPivot.table(), 2, nullptr, 0));
+    EXPECT_EQ(scaledPivot.values(), (Values{1.0 / 1e17, 0, 0, 1}));
     OneBasedMatrix tiny(2, 2, Values{1e-17, 0, 0, 3e-17});
     EXPECT_FALSE(matGaussJordanElimination(tiny.table(), 2, nullptr, 0));
     OneBasedMatrix scaled(2, 2, Values{1, 0, 0, 4});
@@ -139,7 +145,9 @@ double randomElement(std::mt19937_64& random, int kind) {
                        ? kInfinity
                        : std::uniform_real_distribution<double>(-1.0, 1.0)(random);
         default:
-            return std::uniform_int_distribution<int>(0, 2)(random) == 0 ? -0.0 : 1e-16 * static_cast<double>(random() % 7U);
+            return std::uniform_int_distribution<int>(0, 2)(random) == 0
+                       ? -0.0
+                       : 1e-16 * static_cast<double>(random() % 7U);
     }
 }
 

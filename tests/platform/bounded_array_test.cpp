@@ -61,6 +61,9 @@ TEST(PtrArray, ChecksItsBounds) {
     EXPECT_TRUE(throwsInvalidArgument([&] { array.SetAtGrow(-1, nullptr); }));
     EXPECT_TRUE(throwsInvalidArgument([&] { array.InsertAt(-1, nullptr); }));
     EXPECT_TRUE(throwsInvalidArgument([&] { array.InsertAt(0, nullptr, -1); }));
+    EXPECT_TRUE(throwsInvalidArgument([&] { array.InsertAt(0, nullptr, INTPTR_MAX); }));
+    EXPECT_TRUE(throwsInvalidArgument([&] { array.InsertAt(INTPTR_MAX, nullptr, 1); }));
+    EXPECT_TRUE(throwsInvalidArgument([&] { array.SetAtGrow(INTPTR_MAX, nullptr); }));
     EXPECT_TRUE(throwsInvalidArgument([&] { array.RemoveAt(-1); }));
     EXPECT_TRUE(throwsInvalidArgument([&] { array.RemoveAt(0, -1); }));
     EXPECT_TRUE(throwsInvalidArgument([&] { array.RemoveAt(0, 4); }));
@@ -141,6 +144,36 @@ TEST(Array, ReleasesEverythingWhenMemoryIsLacking) {
         }
     });
     EXPECT_GE(count, 20U);
+}
+
+/// Copies until it is told not to.
+struct Reluctant {
+    Reluctant() = default;
+    Reluctant(const Reluctant& other) : value(other.value) {
+        if (--copiesLeft == 0) throw std::bad_alloc();
+    }
+    Reluctant& operator=(const Reluctant&) = default;
+    int value = 0;
+    static int copiesLeft;
+};
+int Reluctant::copiesLeft = 0;
+
+TEST(Array, StaysAsItWasWhenAnElementCannotBeMoved) {
+    CArray<Reluctant> array;
+    array.SetSize(3);
+    array[2].value = 7;
+    const std::ptrdiff_t before = velquad::test::liveAllocations();
+    bool hasThrown = false;
+    Reluctant::copiesLeft = 2;
+    try {
+        array.SetSize(10);
+    } catch (const std::bad_alloc&) {
+        hasThrown = true;
+    }
+    EXPECT_TRUE(hasThrown);
+    EXPECT_EQ(velquad::test::liveAllocations(), before);
+    EXPECT_EQ(array.GetSize(), 3);
+    EXPECT_EQ(array[2].value, 7);
 }
 
 TEST(ObArray, IsKnownByNameAndStoresNothingItself) {
