@@ -59,7 +59,7 @@ inline double pointDistance(const tagPOINT2D& a, const tagPOINT2D& b) {
     return std::sqrt(dx * dx + dy * dy);
 }
 
-/// The larger absolute area of a triangle.
+/// The area of a triangle, whichever way it turns.
 inline double triangleArea(const tagPOINT2D& a, const tagPOINT2D& b, const tagPOINT2D& c) {
     return std::fabs(triArea(a, b, c)) * 0.5;
 }

@@ -1,7 +1,7 @@
 // Where edges and positions lie in memory: along a Hilbert curve over the extent, so that a walk finds those of
-// neighbouring triangles close together (D. Hilbert, Ueber die stetige Abbildung einer Linie auf ein Flaechenstueck, 1891). New
-// ones are appended; each time there are half as many edges again, all are arranged anew. Nothing that callers see depends
-// on it.
+// neighbouring triangles close together (D. Hilbert, Ueber die stetige Abbildung einer Linie auf ein
+// Flaechenstueck, 1891). New ones are appended; each time there are half as many edges again, all are arranged anew.
+// Nothing that callers see depends on it.
 #include <algorithm>
 #include <new>
 #include <utility>

@@ -219,7 +219,7 @@ struct SortedPointers {
 
     bool insert(T* element) {
         const auto [index, isEqual] = find(placeOf(*element));
-        if (!isEqual) elements.insert(elements.begin() + index + 1, element);
+        if (!isEqual) elements.insert(elements.begin() + (index + 1), element);
         return !isEqual;
     }
 };
