@@ -35,6 +35,11 @@ ellipses_in_rectangles.png 869 617
 ellipses_around_origin.png 883 575
 tilted_ellipses.png 925 617
 directions.png 889 453
+repairs.png 925 617
+split.png 897 421
+decomposition.png 869 421
+reduction.png 931 311
+convex_hulls.png 897 449
 END
 big_endian_32() { # FILE OFFSET
     od -An -tu1 -j "$2" -N 4 "$1" | awk '{ print (($1 * 256 + $2) * 256 + $3) * 256 + $4 }'
@@ -47,7 +52,9 @@ diff "$work/expected" "$work/found" || fail "names, order or sizes of the pictur
 [ -z "$(cksum "$work"/first/*.png | cut -d ' ' -f 1,2 | sort | uniq -d)" ] || fail "two pictures are the same"
 # Each picture is explained by the function that it shows.
 for name in matGetBresenhamLine CMatBresenhamLine matClipLine2L matClipLine2D matComputeArrow matCalcEllipse \
-    matGetEllipse polyGetRotatedEllipse polyGetArbitraryEllipse CMatNormalEncoder; do
+    matGetEllipse polyGetRotatedEllipse polyGetArbitraryEllipse CMatNormalEncoder \
+    polyMakeSimple polyRemoveStings polySeperateTouchingSegments polySplit polyDecompose polyReducePointsEx \
+    polyConvexHull; do
     grep -q "figcaption>.*$name" "$work/first/index.html" || fail "the page does not name $name"
 done
 
