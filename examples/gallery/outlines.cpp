@@ -1,8 +1,8 @@
 // Outlines: repaired, split, cut into pieces, reduced, and within their convex hulls.
 #include <velquad/polygon.h>
 
-#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <stdexcept>
