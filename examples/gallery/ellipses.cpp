@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "chains.h"
 #include "pictures.h"
 
 namespace gallery {
@@ -38,20 +39,6 @@ void strokeCurve(Canvas& canvas, const Ellipse& ellipse) {
     };
     for (int step = 0; step < kSteps; ++step)
         canvas.stroke(at(step), at(step + 1), 1.5, kInk);
-}
-
-/// Takes the points out of a polygon and releases it.
-std::vector<tagPOINT> pointsOf(void* handle) {
-    if (handle == nullptr) throw std::runtime_error("an ellipse was not drawn");
-    const tagPOLY* polygon = static_cast<const tagPOLY*>(GlobalLock(handle));
-    if (polygon == nullptr) {
-        polyFree(handle);
-        throw std::runtime_error("a polygon cannot be locked");
-    }
-    std::vector<tagPOINT> points(polygon->points, polygon->points + polygon->count);
-    GlobalUnlock(handle);
-    polyFree(handle);
-    return points;
 }
 
 std::vector<tagPOINT> ellipseIn(const int* rect) {

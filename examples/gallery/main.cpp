@@ -80,6 +80,28 @@ constexpr Picture kPictures[] = {
      "those "
      "below violet, each joined to its foot on the plane.",
      drawFittedPlane},
+    {"repairs.png", "Outlines repaired",
+     "Above, the outlines at fault, with the first pair of edges that meet in red; below, what is left of "
+     "them, on top of the old line in red. polyMakeSimple (orange) cuts the smaller side off at each "
+     "crossing and joins the vertices next to it. polyRemoveStings (blue) removes what runs out and back on "
+     "one line, up to a width of 1 pixel. polySeperateTouchingSegments (green) moves vertices by a pixel "
+     "until no edges touch.",
+     drawRepairs},
+    {"split.png", "An outline split along a line",
+     "polySplit: on the left the outline and the line in red; on the right the two pieces, moved apart. The "
+     "outline is cut where it is nearest to the ends of the line.",
+     drawSplit},
+    {"decomposition.png", "An outline cut into pieces",
+     "polyDecompose: the rings are the positions, the colours the pieces. On the right, positions nearer "
+     "than 3 pixels to a vertex move onto it.",
+     drawDecomposition},
+    {"reduction.png", "An outline reduced",
+     "polyReducePointsEx: of the grey chain of pixels, points go that lie near the line through their "
+     "neighbours, up to squared distances of 0.25, 1 and 4. Each pass measures against what the one before "
+     "has left, so the line may end up farther off than the limit.",
+     drawReduction},
+    {"convex_hulls.png", "Convex hulls",
+     "polyConvexHull of scattered pixels and of the vertices of an outline.", drawConvexHulls},
 };
 
 void writePage(const std::string& path) {

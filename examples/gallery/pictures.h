@@ -31,6 +31,16 @@ Canvas drawFittedLines();
 Canvas drawMeanDirections();
 /// A plane through points of space.
 Canvas drawFittedPlane();
+/// Outlines at fault, and what each repair makes of them.
+Canvas drawRepairs();
+/// An outline split along a line.
+Canvas drawSplit();
+/// An outline cut at positions, as they are and moved onto vertices.
+Canvas drawDecomposition();
+/// An outline reduced at three limits.
+Canvas drawReduction();
+/// Convex hulls of points and of an outline.
+Canvas drawConvexHulls();
 
 }  // namespace gallery
 

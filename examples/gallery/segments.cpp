@@ -3,22 +3,13 @@
 
 #include <vector>
 
+#include "chains.h"
 #include "pictures.h"
 
 namespace gallery {
 namespace {
 
 constexpr int kZoom = 16;
-
-std::vector<tagPOINT> pixelsOf(const tagPOINT& from, const tagPOINT& to) {
-    std::vector<tagPOINT> pixels(matGetBresenhamLine(from.x, from.y, to.x, to.y, nullptr, 0));
-    matGetBresenhamLine(from.x, from.y, to.x, to.y, pixels.data(), static_cast<unsigned int>(pixels.size()));
-    return pixels;
-}
-
-tagPOINT2D middleOf(const tagPOINT& pixel) {
-    return {static_cast<double>(pixel.x), static_cast<double>(pixel.y)};
-}
 
 }  // namespace
 

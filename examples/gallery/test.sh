@@ -38,6 +38,11 @@ directions.png 889 453
 fitted_lines.png 855 575
 mean_directions.png 925 493
 fitted_plane.png 855 631
+repairs.png 925 617
+split.png 897 421
+decomposition.png 869 421
+reduction.png 931 311
+convex_hulls.png 897 449
 END
 big_endian_32() { # FILE OFFSET
     od -An -tu1 -j "$2" -N 4 "$1" | awk '{ print (($1 * 256 + $2) * 256 + $3) * 256 + $4 }'
@@ -52,6 +57,9 @@ diff "$work/expected" "$work/found" || fail "names, order or sizes of the pictur
 for name in matGetBresenhamLine CMatBresenhamLine matClipLine2L matClipLine2D matComputeArrow matCalcEllipse \
     matGetEllipse polyGetRotatedEllipse polyGetArbitraryEllipse CMatNormalEncoder CMatRegressionLine CMatRobustLineFit \
     CMatMomentOfAnglesEvaluator matRegressionPlane; do
+    matGetEllipse polyGetRotatedEllipse polyGetArbitraryEllipse CMatNormalEncoder \
+    polyMakeSimple polyRemoveStings polySeperateTouchingSegments polySplit polyDecompose polyReducePointsEx \
+    polyConvexHull; do
     grep -q "figcaption>.*$name" "$work/first/index.html" || fail "the page does not name $name"
 done
 

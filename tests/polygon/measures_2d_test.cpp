@@ -66,6 +66,11 @@ TEST(Distance2D, ComparesTheClosingPointExactly) {
     const Outline almost{{0, 0}, {1, 0}, {1, 1}, {0, 5e-8}};
     expectPlace(nearest(almost, 1, {-1, 2.5e-8}, 0), 1.0, {0, 2.5e-8}, 3, 0.5);
     EXPECT_LT(nearest(almost, 0, {-1, 2.5e-8}, 0).index, 3U);
+    // The same with a gap in both coordinates, and a test point straight off its middle.
+    const Outline aslant{{0, 0}, {1, 0}, {1, 1}, {5e-8, 5e-8}};
+    EXPECT_EQ(nearest(aslant, 1, {-7.5e-8, 1.25e-7}).index, 3U);
+    EXPECT_NEAR(nearest(aslant, 1, {-7.5e-8, 1.25e-7}).fraction, 0.5, 1e-9);
+    EXPECT_LT(nearest(aslant, 0, {-7.5e-8, 1.25e-7}).index, 3U);
 }
 
 TEST(Distance2D, OfASinglePointIsMeasuredToIt) {

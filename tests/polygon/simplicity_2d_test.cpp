@@ -308,6 +308,12 @@ TEST(Poly2dMakeSimple, ClosesWithinTheTolerance) {
     EXPECT_EQ(makeSimple(outline, 1000.0), 5U) << "closed already";
     Outline open{{0, 0}, {0.1, 0}, {0.1, 0.1}, {0, 0.1}, {0, 1e-7}};
     EXPECT_EQ(makeSimple(open, 1000.0), 6U);
+    const Outline both{{0, 0}, {0.1, 0}, {0.1, 0.1}, {0, 0.1}, {5e-8, 5e-8}};
+    Outline kept = both;
+    EXPECT_EQ(makeSimple(kept, 1000.0), 5U) << "closed in both coordinates";
+    EXPECT_EQ(poly2dMakeSimpleEx(kept.data(), 5, 1, 1000.0), 5U);
+    EXPECT_EQ(poly2dMakeSimpleEx(kept.data(), 5, 0, 0.0), 5U) << "nor is it a fault of an open chain";
+    expectPoints(kept, both);
 }
 
 TEST(Poly2dMakeSimple, GivesUpWhenNothingWouldBeLeft) {
