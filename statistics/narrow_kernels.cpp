@@ -56,8 +56,8 @@ struct Tail {
     std::int32_t movedFill() const { return elements[kPerVector - 1] - Move<T>::kShift; }
 };
 
-/// Sums of lanes of unsigned 32-bit values, modulo 2^32 and by their high halves. The latter tell the sum of up to
-/// 2^15 values up to 2^31, and between these bounds one number only fits the former.
+/// Sums of lanes of unsigned 32-bit values, modulo 2^32 and by their high halves. Of up to 2^15 values of any size, the
+/// high halves add up to less than 2^31, and the low halves too: their sum is what the two totals differ by.
 class WideSums {
   public:
     VELQUAD_ALWAYS_INLINE void add(Vector values) {

@@ -345,6 +345,34 @@ TEST(MomentEvaluatorArrays, ReadBytesBySignednessOfTheirType) {
     EXPECT_EQ(asSigned.GetMax(), 0.0);
 }
 
+TEST(MomentEvaluatorArrays, WithATypeOfTheirOwnEqualTheirCodes) {
+    // Each sum by hand; as signed integers the last elements would be below zero.
+    unsigned char bytes[3] = {0, 1, 255};
+    unsigned short words[3] = {0, 2, 65535};
+    float floats[3] = {-0.5F, 16777216.0F, 0.25F};
+    double doubles[3] = {-0.5, 9007199254740992.0, 1.0};
+    CMatMomentEvaluator ofBytes;
+    CMatMomentEvaluator ofWords;
+    CMatMomentEvaluator ofFloats;
+    CMatMomentEvaluator ofDoubles;
+    EXPECT_EQ(ofBytes.AddValues(bytes, 3), 1);
+    EXPECT_EQ(ofWords.AddValues(words, 3), 1);
+    EXPECT_EQ(ofFloats.AddValues(floats, 3), 1);
+    EXPECT_EQ(ofDoubles.AddValues(doubles, 3), 1);
+    expectSameBits(ofBytes, {256.0, 65026.0, 0.0, 255.0, 3});
+    expectSameBits(ofWords, {65537.0, 4294836229.0, 0.0, 65535.0, 3});
+    expectSameBits(ofFloats, {16777215.75, 281474976710656.3125, -0.5, 16777216.0, 3});
+    // 2^53 - 0.5 is a tie and goes to 2^53, and so does 2^53 + 1; 2^106 swallows both squares.
+    expectSameBits(ofDoubles, {kTwoTo53, kTwoTo53 * kTwoTo53, -0.5, kTwoTo53, 3});
+    CMatMomentEvaluator byCode;
+    EXPECT_EQ(byCode.AddValues(bytes, 3, 2), 1);
+    EXPECT_EQ(byCode.AddValues(words, 3, 4), 1);
+    EXPECT_EQ(byCode.AddValues(floats, 3, 7), 1);
+    EXPECT_EQ(byCode.GetCount(), 9U);
+    EXPECT_EQ(byCode.GetMin(), -0.5);
+    EXPECT_EQ(byCode.GetMax(), 16777216.0);
+}
+
 template <class T>
 class MomentArrays : public testing::Test {};
 using ElementTypes = testing::Types<std::int8_t, std::uint8_t, std::int16_t, std::uint16_t, std::int32_t,

@@ -21,14 +21,20 @@ using velquad::statistics::NarrowPairSums;
 using velquad::statistics::NarrowSums;
 using velquad::test::forEachKernelLevel;
 
+/// The same number, with room for its products.
+template <class T>
+std::int64_t widened(T element) {
+    return element;
+}
+
 template <class T>
 void expectSums(const std::vector<T>& x, const std::vector<T>& y) {
     NarrowSums expected{0, 0, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()};
     NarrowPairSums expectedPairs{};
     std::size_t odd = 0;
     for (std::size_t i = 0; i < x.size(); ++i) {
-        const auto a = static_cast<std::int64_t>(x[i]);
-        const auto b = static_cast<std::int64_t>(y[i]);
+        const std::int64_t a = widened(x[i]);
+        const std::int64_t b = widened(y[i]);
         expected.sum += a;
         expected.sumOfSquares += a * a;
         if (a < expected.min) expected.min = static_cast<int>(a);
