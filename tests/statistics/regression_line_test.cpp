@@ -391,6 +391,22 @@ TEST(CMatRegressionLine, FailureLeavesOutputsAndTheStoredLineAlone) {
     EXPECT_EQ(point[1], 8.0);
 }
 
+TEST(CMatRegressionLine, AFailureKeepsALineThatWasThereBefore) {
+    AnyLine line(0.5, 1.0, 1);
+    for (int pairs = 0; pairs < 4; ++pairs) {
+        // No pairs, one, and coincident ones; all lie off the line.
+        Line out;
+        EXPECT_EQ(line.CalcRegressionLine(&out.slope, &out.intercept, &out.yOfX), 0) << pairs;
+        EXPECT_EQ(out.slope, -77.0);
+        EXPECT_EQ(out.intercept, -78.0);
+        EXPECT_EQ(out.yOfX, -79);
+        EXPECT_EQ(fieldAt<double>(line, 64), 0.5);
+        EXPECT_EQ(fieldAt<double>(line, 72), 1.0);
+        EXPECT_EQ(fieldAt<std::int32_t>(line, 80), 1);
+        EXPECT_EQ(line.AddValue(8.0, 2.0), 1);
+    }
+}
+
 TEST(CMatRegressionLine, ALineIsKeptUntilTheNextOneIsComputed) {
     CMatRegressionLine line = lineOverX(0.5, 1.0);
     line.AddValue(100.0, -300.0);

@@ -26,6 +26,23 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+#endif
+/// A line that was there before any pair.
+class AnyRobustLine : public CMatRobustLineFit {
+  public:
+    AnyRobustLine(double slopeWanted, double interceptWanted, int yOfXWanted) {
+        slope = slopeWanted;
+        intercept = interceptWanted;
+        yOfX = yOfXWanted;
+    }
+};
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+
 /// The outputs of a fit, with values that no fit gives.
 struct Line {
     double slope = -77.0;
@@ -618,6 +635,32 @@ TEST(CMatRobustLineFit, AFailedLeastSquaresFitKeepsTheStoredLine) {
     line.AddValue(3.0, 3.0);
     EXPECT_EQ(line.CalcRegressionLine(&out.slope, &out.intercept, &out.yOfX), 0);
     EXPECT_EQ(out.slope, -77.0);
+}
+
+TEST(CMatRobustLineFit, AFailedLeastSquaresFitKeepsALineThatWasThereBefore) {
+    AnyRobustLine line(0.5, 1.0, 1);
+    for (int pairs = 0; pairs < 4; ++pairs) {
+        Line out;
+        EXPECT_EQ(line.CalcRegressionLine(&out.slope, &out.intercept, &out.yOfX), 0) << pairs;
+        EXPECT_EQ(out.slope, -77.0);
+        EXPECT_EQ(out.intercept, -78.0);
+        EXPECT_EQ(out.yOfX, -79);
+        double point[2] = {};
+        EXPECT_EQ(line.CalcPointAt(2.0, point), 1);
+        EXPECT_EQ(point[0], 2.0);
+        EXPECT_EQ(point[1], 2.0);
+        EXPECT_EQ(line.AddValue(8.0, 2.0), 1);
+    }
+}
+
+TEST(CMatRobustLineFit, ADegenerateStartLineReplacesALineThatWasThereBefore) {
+    AnyRobustLine line(0.5, 1.0, 0);
+    line.AddValue(0.0, 0.0);
+    line.AddValue(1e-8, 0.5e-8);
+    EXPECT_EQ(line.CalcRegressionLine(nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(fieldAt<double>(line, 64), kNoValue);
+    EXPECT_EQ(fieldAt<double>(line, 72), kNoValue);
+    EXPECT_EQ(fieldAt<std::int32_t>(line, 80), 1) << "the flag is that of the least-squares line";
 }
 
 TEST(CMatRobustLineFit, ADegenerateStartLineUnsetsTheLineAndTellsTheFlag) {
