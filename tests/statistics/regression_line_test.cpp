@@ -231,6 +231,21 @@ TEST(MatCalcRegressionLine, AWiderCloudIsToldAsYOverX) {
     EXPECT_EQ(line.yOfX, 0U);
 }
 
+TEST(MatCalcRegressionLine, RoundingOfTheVariancesDecidesWhereTheyAreEqual) {
+    // The second coordinates are the first ones moved and in another order. The mean is squared after its division:
+    // other ways to write the variance decide the other way.
+    const auto flagOf = [](const std::vector<double>& x, const std::vector<double>& y) {
+        UnsignedLine line;
+        EXPECT_EQ(matCalcRegressionLine(x.data(), y.data(), static_cast<unsigned int>(x.size()), kNoValue,
+                                        nullptr, nullptr, &line.yOfX),
+                  1);
+        return line.yOfX;
+    };
+    EXPECT_EQ(flagOf({0.6, 1.4, 2.5}, {3.6, 1.7, 2.5}), 1U);
+    EXPECT_EQ(flagOf({1.7, 3.5, 0.4}, {5.9, 2.8, 4.1}), 1U);
+    EXPECT_EQ(flagOf({1.1, 2.3, 3.5, 2.3, 0.5, 2.8, 3.2}, {1.5, 3.9, 3.2, 2.7, 0.9, 2.7, 3.6}), 0U);
+}
+
 TEST(MatCalcRegressionLine, FailsOnCoincidentPointsAndTooFew) {
     const double x[] = {2.0, 2.0, 2.0};
     const double y[] = {5.0, 5.0, 5.0};
