@@ -325,6 +325,22 @@ TEST(MatRegressionPlane, InputsMayBeOutputsOfTheSameCall) {
     EXPECT_EQ(mean, expected.mean);
 }
 
+TEST(MatRegressionPlane, DeviationsAreTakenBeforeTheyAreScaled) {
+    // On z = x far up: deviations of z are exact, while a tenth of z itself is rounded to a 64th.
+    const double top = 1e15;
+    const std::vector<tagPOINT3D> points{
+        {-1.0, 0.0, top - 1.0}, {1.0, 0.0, top + 1.0}, {-1.0, 5.0, top - 1.0}, {1.0, 5.0, top + 1.0}};
+    const tagPOINT3D scale{1.0, 1.0, 0.1};
+    Fit out;
+    ASSERT_EQ(fit(points, out, &scale), 1);
+    EXPECT_EQ(out.centre.z, top);
+    const double rootHalf = 0.7071067811865476;
+    const double sign = out.normal.z < 0.0 ? -1.0 : 1.0;
+    EXPECT_NEAR(sign * out.normal.x, -rootHalf, 1e-12);
+    EXPECT_NEAR(out.normal.y, 0.0, 1e-12);
+    EXPECT_NEAR(sign * out.normal.z, rootHalf, 1e-12);
+}
+
 TEST(MatRegressionPlane, AnAxisWithoutWeightLeavesTheNullVector) {
     const tagPOINT3D scale{1.0, 1.0, 0.0};
     Fit out;
