@@ -430,8 +430,8 @@ VELQUAD_API int matFittingLineEx(const tagPOINT2D* points, unsigned int count, t
 /// @param normal             unit vector across the plane, with either sign, or the null vector; may be null.
 /// @param direction          direction along which distances are measured; null for the normal. See
 ///                           `matCalcDirectedDistanceToPlane` for what it does to the distances.
-/// @param meanDistance       mean of the distances; may be null. `velquad::kNoValue` when there are no points, and
-///                           when the direction lies within the plane.
+/// @param meanDistance       mean of the distances; may be null. `velquad::kNoValue` when there are no points,
+///                           when the direction lies within the plane, and when the normal is the null vector.
 /// @param stdDevDistance     their standard deviation; may be null. `velquad::kNoValue` as for the mean.
 /// @return 1; 0 for null points and when memory is lacking, with nothing stored. Points that are not finite give 1
 ///         with not-a-numbers.

@@ -71,6 +71,14 @@ TEST(MatFittingLineEx, TakesTheAxisOfGreatestSpread) {
     EXPECT_EQ(std::fabs(out.direction.y), 0.0);
 }
 
+TEST(MatFittingLineEx, CentreIsTheSumDividedByTheCount) {
+    // 49 * (1 / 49) is not 1, unlike 49 / 49.
+    Fit out;
+    EXPECT_EQ(fit(std::vector<tagPOINT2D>(49, tagPOINT2D{1.0, 2.0}), out), 1);
+    EXPECT_EQ(out.centre.x, 1.0);
+    EXPECT_EQ(out.centre.y, 2.0);
+}
+
 TEST(MatFittingLineEx, AgreesWithTheAngleOfThePrincipalAxis) {
     constexpr unsigned int kSeed = 6421;
     SCOPED_TRACE(kSeed);

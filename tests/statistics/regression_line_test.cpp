@@ -231,6 +231,21 @@ TEST(MatCalcRegressionLine, AWiderCloudIsToldAsYOverX) {
     EXPECT_EQ(line.yOfX, 0U);
 }
 
+TEST(MatCalcRegressionLine, RoundingOfTheVariancesDecidesWhereTheyAreEqual) {
+    // The second coordinates are the first ones moved and in another order. The mean is squared after its division:
+    // other ways to write the variance decide the other way.
+    const auto flagOf = [](const std::vector<double>& x, const std::vector<double>& y) {
+        UnsignedLine line;
+        EXPECT_EQ(matCalcRegressionLine(x.data(), y.data(), static_cast<unsigned int>(x.size()), kNoValue,
+                                        nullptr, nullptr, &line.yOfX),
+                  1);
+        return line.yOfX;
+    };
+    EXPECT_EQ(flagOf({0.6, 1.4, 2.5}, {3.6, 1.7, 2.5}), 1U);
+    EXPECT_EQ(flagOf({1.7, 3.5, 0.4}, {5.9, 2.8, 4.1}), 1U);
+    EXPECT_EQ(flagOf({1.1, 2.3, 3.5, 2.3, 0.5, 2.8, 3.2}, {1.5, 3.9, 3.2, 2.7, 0.9, 2.7, 3.6}), 0U);
+}
+
 TEST(MatCalcRegressionLine, FailsOnCoincidentPointsAndTooFew) {
     const double x[] = {2.0, 2.0, 2.0};
     const double y[] = {5.0, 5.0, 5.0};
@@ -389,6 +404,22 @@ TEST(CMatRegressionLine, FailureLeavesOutputsAndTheStoredLineAlone) {
     EXPECT_EQ(line.CalcPointAt(1.0, point), 0);
     EXPECT_EQ(point[0], 7.0);
     EXPECT_EQ(point[1], 8.0);
+}
+
+TEST(CMatRegressionLine, AFailureKeepsALineThatWasThereBefore) {
+    AnyLine line(0.5, 1.0, 1);
+    for (int pairs = 0; pairs < 4; ++pairs) {
+        // No pairs, one, and coincident ones; all lie off the line.
+        Line out;
+        EXPECT_EQ(line.CalcRegressionLine(&out.slope, &out.intercept, &out.yOfX), 0) << pairs;
+        EXPECT_EQ(out.slope, -77.0);
+        EXPECT_EQ(out.intercept, -78.0);
+        EXPECT_EQ(out.yOfX, -79);
+        EXPECT_EQ(fieldAt<double>(line, 64), 0.5);
+        EXPECT_EQ(fieldAt<double>(line, 72), 1.0);
+        EXPECT_EQ(fieldAt<std::int32_t>(line, 80), 1);
+        EXPECT_EQ(line.AddValue(8.0, 2.0), 1);
+    }
 }
 
 TEST(CMatRegressionLine, ALineIsKeptUntilTheNextOneIsComputed) {

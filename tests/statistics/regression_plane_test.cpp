@@ -260,6 +260,87 @@ TEST(MatRegressionPlane, TheNormalOfAPlaneDoesNotDependOnTheScale) {
     EXPECT_NEAR(out.mean, 0.0, 1e-14);
 }
 
+TEST(MatRegressionPlane, TheScaledSpreadIsTheLeastThereIs) {
+    // The normal divided by the scale is the one of the scaled points, so no other makes their spread less.
+    constexpr unsigned int kSeed = 6435;
+    SCOPED_TRACE(kSeed);
+    std::mt19937_64 random(kSeed);
+    const tagPOINT3D scale{0.5, 3.0, 1.25};
+    for (int round = 0; round < 50; ++round) {
+        tagPOINT3D tilt = random3D(random, 1.0);
+        ASSERT_EQ(matNormalizeVector3D(&tilt), 1);
+        const std::vector<tagPOINT3D> points = tiltedCloud(random, 40, tilt, random3D(random, 9.0), 2.0);
+        Fit out;
+        ASSERT_EQ(fit(points, out, &scale), 1);
+        EXPECT_NEAR(dot(out.normal, out.normal), 1.0, 1e-15);
+        tagPOINT3D fitted{out.normal.x / scale.x, out.normal.y / scale.y, out.normal.z / scale.z};
+        ASSERT_EQ(matNormalizeVector3D(&fitted), 1);
+        const auto spread = [&](const tagPOINT3D& normal) {
+            double sum = 0.0;
+            for (const tagPOINT3D& p : points) {
+                const tagPOINT3D d{(p.x - out.centre.x) * scale.x, (p.y - out.centre.y) * scale.y,
+                                   (p.z - out.centre.z) * scale.z};
+                sum += dot(d, normal) * dot(d, normal);
+            }
+            return sum;
+        };
+        const double least = spread(fitted);
+        for (int trial = 0; trial < 40; ++trial) {
+            const tagPOINT3D step = random3D(random, trial % 2 == 0 ? 0.01 : 1.0);
+            tagPOINT3D other{fitted.x + step.x, fitted.y + step.y, fitted.z + step.z};
+            ASSERT_EQ(matNormalizeVector3D(&other), 1);
+            EXPECT_GE(spread(other), least * (1.0 - 1e-12));
+        }
+        const Fit expected = gathered(points, out, out.normal);
+        EXPECT_EQ(out.mean, expected.mean) << "distances are not scaled";
+        EXPECT_EQ(out.deviation, expected.deviation);
+    }
+}
+
+TEST(MatRegressionPlane, OfEqualSpreadsTheFirstCounts) {
+    // Along x nothing spreads in y and z; of these the decomposition tells y first.
+    Fit out;
+    EXPECT_EQ(fit({{-1.0, 2.0, 3.0}, {1.0, 2.0, 3.0}}, out), 1);
+    EXPECT_EQ(out.centre.x, 0.0);
+    EXPECT_EQ(out.normal.x, 0.0);
+    EXPECT_EQ(std::fabs(out.normal.y), 1.0);
+    EXPECT_EQ(out.normal.z, 0.0);
+    EXPECT_EQ(out.mean, 0.0);
+}
+
+TEST(MatRegressionPlane, InputsMayBeOutputsOfTheSameCall) {
+    // The scale is read before the centre is stored; the direction is read after the normal.
+    const tagPOINT3D scale{1.0, 1.0, 4.0};
+    Fit expected;
+    ASSERT_EQ(fit(kSaddle, expected, &scale), 1);
+    tagPOINT3D scaleAndCentre = scale;
+    tagPOINT3D normalAndDirection{1.0, 0.0, 0.0};
+    double mean = 0.0;
+    EXPECT_EQ(matRegressionPlane(kSaddle.data(), 4, &scaleAndCentre, &scaleAndCentre, &normalAndDirection,
+                                 &normalAndDirection, &mean, nullptr),
+              1);
+    EXPECT_EQ(scaleAndCentre.z, expected.centre.z);
+    EXPECT_EQ(normalAndDirection.x, expected.normal.x);
+    EXPECT_EQ(normalAndDirection.z, expected.normal.z);
+    EXPECT_EQ(mean, expected.mean);
+}
+
+TEST(MatRegressionPlane, DeviationsAreTakenBeforeTheyAreScaled) {
+    // On z = x far up: deviations of z are exact, while a tenth of z itself is rounded to a 64th.
+    const double top = 1e15;
+    const std::vector<tagPOINT3D> points{
+        {-1.0, 0.0, top - 1.0}, {1.0, 0.0, top + 1.0}, {-1.0, 5.0, top - 1.0}, {1.0, 5.0, top + 1.0}};
+    const tagPOINT3D scale{1.0, 1.0, 0.1};
+    Fit out;
+    ASSERT_EQ(fit(points, out, &scale), 1);
+    EXPECT_EQ(out.centre.z, top);
+    const double rootHalf = 0.7071067811865476;
+    const double sign = out.normal.z < 0.0 ? -1.0 : 1.0;
+    EXPECT_NEAR(sign * out.normal.x, -rootHalf, 1e-12);
+    EXPECT_NEAR(out.normal.y, 0.0, 1e-12);
+    EXPECT_NEAR(sign * out.normal.z, rootHalf, 1e-12);
+}
+
 TEST(MatRegressionPlane, AnAxisWithoutWeightLeavesTheNullVector) {
     const tagPOINT3D scale{1.0, 1.0, 0.0};
     Fit out;

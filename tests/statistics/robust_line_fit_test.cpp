@@ -26,6 +26,23 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+#endif
+/// A line that was there before any pair.
+class AnyRobustLine : public CMatRobustLineFit {
+  public:
+    AnyRobustLine(double slopeWanted, double interceptWanted, int yOfXWanted) {
+        slope = slopeWanted;
+        intercept = interceptWanted;
+        yOfX = yOfXWanted;
+    }
+};
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+
 /// The outputs of a fit, with values that no fit gives.
 struct Line {
     double slope = -77.0;
@@ -117,6 +134,20 @@ Cloud contaminated(std::mt19937_64& random, std::size_t count, double share, dou
         cloud.add(t, slope * t + intercept + (isOutlier ? offset(random) : noise(random)));
     }
     return cloud;
+}
+
+/// Where the fit looks for bounds of the median in a large cloud.
+std::vector<std::size_t> sampledPlaces(std::size_t count) {
+    const std::size_t size = count / 32;
+    const double stride = static_cast<double>(count) / static_cast<double>(size);
+    std::vector<std::size_t> places;
+    std::uint32_t scrambled = 0;
+    for (std::size_t i = 0; i < size; ++i) {
+        scrambled += 0x9E3779B9U;
+        places.push_back(static_cast<std::size_t>(
+            (static_cast<double>(i) + static_cast<double>(scrambled) * 0x1p-32) * stride));
+    }
+    return places;
 }
 
 template <class Value>
@@ -458,6 +489,33 @@ TEST(MatRobustLineFit, ASampleThatMissesTheMedianDoesNoHarm) {
     }
 }
 
+TEST(MatRobustLineFit, BoundsThatMissTheMedianByOneRankAreNotUsed) {
+    // Offsets of two values only, and a sample that sees one of them only. Two pairs far out on the x axis keep the
+    // slope off the rest. The number of lower offsets passes half of all.
+    for (const std::size_t count : {4097U, 4098U}) {
+        for (const double sampled : {1.0, 100.0}) {
+            const double other = 101.0 - sampled;
+            for (std::size_t seen = count / 2 - 4; seen <= count / 2 + 4; ++seen) {
+                SCOPED_TRACE(testing::Message() << count << " pairs, " << seen << " of " << sampled);
+                std::vector<double> y(count, other);
+                for (const std::size_t place : sampledPlaces(count))
+                    y[place] = sampled;
+                auto left = seen - static_cast<std::size_t>(std::count(y.begin(), y.end(), sampled));
+                for (std::size_t i = 0; left > 0; ++i) {
+                    if (y[i] == sampled) continue;
+                    y[i] = sampled;
+                    --left;
+                }
+                Cloud cloud{std::vector<double>(count, 0.0), y};
+                cloud.x[count - 2] = 1e5;
+                cloud.x[count - 1] = -1e5;
+                cloud.y[count - 2] = cloud.y[count - 1] = other;
+                expectAsReference(cloud);
+            }
+        }
+    }
+}
+
 TEST(MatRobustLineFit, ZerosOfBothSignsAreTakenAsThePlainMethodTakesThem) {
     constexpr unsigned int kSeed = 6505;
     SCOPED_TRACE(kSeed);
@@ -472,6 +530,28 @@ TEST(MatRobustLineFit, ZerosOfBothSignsAreTakenAsThePlainMethodTakesThem) {
             expectAsReference(cloud);
         }
     }
+}
+
+TEST(MatRobustLineFit, ZerosOfBothSignsInLargeCloudsAreTakenAsThePlainMethodTakesThem) {
+    // All but two offsets are zeros whatever the slope, so the median's sign is that of the zero selected.
+    constexpr unsigned int kSeed = 6510;
+    SCOPED_TRACE(kSeed);
+    std::mt19937_64 random(kSeed);
+    int negative = 0;
+    for (int round = 0; round < 20; ++round) {
+        const std::size_t count = 5000 + random() % 2;
+        Cloud cloud;
+        for (std::size_t i = 0; i < count; ++i)
+            cloud.add(0.0, random() % 2 == 0 ? -0.0 : 0.0);
+        cloud.x[7] = -3.0;
+        cloud.x[11] = 3.0;
+        cloud.y[7] = 1.0;
+        cloud.y[11] = 2.0;
+        SCOPED_TRACE(round);
+        expectAsReference(cloud);
+        negative += std::signbit(referenceRobust(cloud.x, cloud.y).intercept) ? 1 : 0;
+    }
+    EXPECT_GT(negative, 0) << "some medians are -0.0";
 }
 
 TEST(MatRobustLineFit, SurvivesInfinitiesNotANumbersAndOverflow) {
@@ -580,6 +660,38 @@ TEST(MatRobustLineFit, ResidualsRelativeToTheOrdinateBelowTheToleranceDoNotCount
     EXPECT_NEAR(line.intercept, 1e6, 0.02);
 }
 
+TEST(MatRobustLineFit, AResidualOfTheToleranceDoesNotCountAndNoneIsDividedByNull) {
+    // The least-squares slope is exactly 0 and the median the ordinate of the last pair. The residual of the first one
+    // is minus that, 1e-7 or 1e-8, at an ordinate of 0: were it counted, the balance would be 1 - 4 and not 1, and
+    // the search would go down.
+    for (const double median : {1e-7, 1e-8}) {
+        SCOPED_TRACE(median);
+        const Cloud cloud{{4.0, 1.0, -5.0}, {0.0, 5.0 * median, median}};
+        Line line;
+        ASSERT_EQ(fit(cloud, line), 1);
+        EXPECT_EQ(line.yOfX, 1);
+        EXPECT_GT(line.slope, 0.0);
+        expectAsReference(cloud);
+    }
+    // Just above, it counts.
+    const double above = std::nextafter(1e-7, 1.0);
+    const Cloud cloud{{4.0, 1.0, -5.0}, {0.0, 5.0 * above, above}};
+    Line line;
+    ASSERT_EQ(fit(cloud, line), 1);
+    EXPECT_LT(line.slope, 0.0);
+    expectAsReference(cloud);
+}
+
+TEST(MatRobustLineFit, AStepThatIsLostToRoundingEndsTheFit) {
+    // On y = x / 2 - 1 but for 1e-18 in place of 0: sigma is far below the last digit of the slope, while the signs
+    // do not balance, as that residual is as large as its ordinate.
+    Line line;
+    ASSERT_EQ(fit({{0.0, 1.0, 2.0, 3.0, 4.0}, {-1.0, -0.5, 1e-18, 0.5, 1.0}}, line), 1);
+    EXPECT_EQ(line.slope, 0.5);
+    EXPECT_EQ(line.intercept, -1.0);
+    EXPECT_EQ(line.yOfX, 1);
+}
+
 // --- Failures ------------------------------------------------------------------------------------------------
 
 TEST(MatRobustLineFit, FailsWithoutUsablePairsAndWritesNothing) {
@@ -620,6 +732,32 @@ TEST(CMatRobustLineFit, AFailedLeastSquaresFitKeepsTheStoredLine) {
     EXPECT_EQ(out.slope, -77.0);
 }
 
+TEST(CMatRobustLineFit, AFailedLeastSquaresFitKeepsALineThatWasThereBefore) {
+    AnyRobustLine line(0.5, 1.0, 1);
+    for (int pairs = 0; pairs < 4; ++pairs) {
+        Line out;
+        EXPECT_EQ(line.CalcRegressionLine(&out.slope, &out.intercept, &out.yOfX), 0) << pairs;
+        EXPECT_EQ(out.slope, -77.0);
+        EXPECT_EQ(out.intercept, -78.0);
+        EXPECT_EQ(out.yOfX, -79);
+        double point[2] = {};
+        EXPECT_EQ(line.CalcPointAt(2.0, point), 1);
+        EXPECT_EQ(point[0], 2.0);
+        EXPECT_EQ(point[1], 2.0);
+        EXPECT_EQ(line.AddValue(8.0, 2.0), 1);
+    }
+}
+
+TEST(CMatRobustLineFit, ADegenerateStartLineReplacesALineThatWasThereBefore) {
+    AnyRobustLine line(0.5, 1.0, 0);
+    line.AddValue(0.0, 0.0);
+    line.AddValue(1e-8, 0.5e-8);
+    EXPECT_EQ(line.CalcRegressionLine(nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(fieldAt<double>(line, 64), kNoValue);
+    EXPECT_EQ(fieldAt<double>(line, 72), kNoValue);
+    EXPECT_EQ(fieldAt<std::int32_t>(line, 80), 1) << "the flag is that of the least-squares line";
+}
+
 TEST(CMatRobustLineFit, ADegenerateStartLineUnsetsTheLineAndTellsTheFlag) {
     // Independent coordinates 1e-8 apart: n * sum x^2 - (sum x)^2 is 1e-16, far above 1e-100 and below 2.2e-16.
     for (const bool isSteep : {false, true}) {
@@ -656,6 +794,28 @@ TEST(CMatRobustLineFit, TheStartLineIsTestedWithTheDoubleEpsilon) {
     EXPECT_EQ(line.slope, kNoValue);
     EXPECT_EQ(line.intercept, kNoValue);
     EXPECT_EQ(line.yOfX, 1);
+}
+
+TEST(CMatRobustLineFit, ANegativeDeterminantGivesNoStartLine) {
+    // Coincident pairs with coordinates that round: the determinants are -1.4e-14 over x and -3.6e-15 over y. Least
+    // squares take them for a spread, least deviations do not.
+    struct Case {
+        unsigned int count;
+        double x, y;
+        int yOfX;
+    };
+    for (const Case& odd : {Case{6, 1.2, 3.3, 1}, Case{3, 6.8, 1.7, 0}}) {
+        SCOPED_TRACE(odd.yOfX);
+        const Cloud cloud{std::vector<double>(odd.count, odd.x), std::vector<double>(odd.count, odd.y)};
+        ASSERT_EQ(matCalcRegressionLine(cloud.x.data(), cloud.y.data(), odd.count, kNoValue, nullptr, nullptr,
+                                        nullptr),
+                  1);
+        Line line;
+        EXPECT_EQ(fit(cloud, line), 0);
+        EXPECT_EQ(line.slope, kNoValue);
+        EXPECT_EQ(line.intercept, kNoValue);
+        EXPECT_EQ(line.yOfX, odd.yOfX);
+    }
 }
 
 TEST(CMatRobustLineFit, PairsAreAsGivenAfterAFitOverY) {
