@@ -242,8 +242,9 @@ VELQUAD_ALWAYS_INLINE void gather(const void* sourceRow, const ZoomColumns& colu
 /// Bytes that four bytes are stored beyond the last pixel of three.
 constexpr std::size_t kSlack = 4;
 
-/// Gathers the pixels that lie `kPixel` pixels behind the index of each column, three or four bytes each. The pixel
-/// behind is in the row too unless it is the `last` one in use; then the one before is.
+/// Gathers the pixels at the index of each column, counted from `from`, three or four bytes each. They are read as
+/// words of four bytes: `isLast` tells that no further pixel of the row may follow, so that a pixel of three bytes is
+/// read with the byte before it instead of the one behind.
 template <std::size_t kStep>
 VELQUAD_ALWAYS_INLINE void gatherPixels(const unsigned char* from, const ZoomColumns& columns,
                                         std::size_t begin, bool isLast, unsigned char* pixels) {

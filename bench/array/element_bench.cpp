@@ -68,6 +68,7 @@ unsigned int typeOf(const benchmark::State& state) {
 
 template <class Work>
 void run(benchmark::State& state, Work work) {
+    work();  // New memory is touched outside of the measurement.
     for (auto _ : state) {
         work();
         benchmark::ClobberMemory();

@@ -12,7 +12,8 @@
 /// **Results.** 1 for done and 0 for not done unless told otherwise. Sizes and flags are 32 bits wide.
 ///
 /// **Rounding.** Each family has its own: conversion, clamp and transform round halves away from zero (`lround`,
-/// narrowed to 32 bits); zoom adds 0.5 away from zero and truncates. They differ only beyond 32 bits.
+/// narrowed to 32 bits); zoom adds 0.5 away from zero and truncates. They differ beyond 32 bits, and for the
+/// numbers next to a half, which the sum may round up to it.
 ///
 /// **Threads.** No state is kept; calls on different arrays may run side by side.
 #ifndef VELQUAD_ARRAY_H
