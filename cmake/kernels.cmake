@@ -26,7 +26,7 @@ function(velquad_add_kernels)
         foreach(level IN LISTS VELQUAD_KERNEL_LEVELS)
             set(unit ${CMAKE_CURRENT_BINARY_DIR}/kernels/${stem}_${level}.cpp)
             file(CONFIGURE OUTPUT ${unit} CONTENT
-                "#define VELQUAD_KERNEL_LEVEL ${level}\n#include \"${CMAKE_CURRENT_SOURCE_DIR}/${source}\"\n")
+                "#define VELQUAD_KERNEL_LEVEL ${level}\n#include \"${CMAKE_CURRENT_SOURCE_DIR}/${source}\"  // NOLINT(bugprone-suspicious-include)\n")
             target_sources(velquad_objects PRIVATE ${unit})
             set_source_files_properties(${unit} TARGET_DIRECTORY velquad_objects PROPERTIES
                 OBJECT_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${source}

@@ -410,6 +410,64 @@ void digestVolumes(Digest& digest, Random& random) {
         matFreeArray3v(numbers);
         matFreeArray3v(source);
         matFreeArray3v(result);
+/// Adds the rows of an array.
+void addRows(Digest& digest, void** rows, unsigned int width, unsigned int height, unsigned int type) {
+    const unsigned int size = matCvtArrayTypeToSize2v(type);
+    for (unsigned int y = 0; y < height; ++y) {
+        unsigned char* row = nullptr;
+        std::memcpy(&row, reinterpret_cast<const unsigned char*>(rows) + 8 * std::size_t{y}, sizeof row);
+        for (std::size_t x = 0; x < width; ++x) {
+            std::uint64_t element = 0;
+            std::memcpy(&element, row + x * size, size);
+            digest.add(element);
+        }
+    }
+}
+
+void digestImages(Digest& digest, Random& random) {
+    for (int round = 0; round < 200; ++round) {
+        const unsigned int type = 1 + static_cast<unsigned int>(round) % 10;
+        const unsigned int width = 1 + static_cast<unsigned int>(random.below(40));
+        const unsigned int height = 1 + static_cast<unsigned int>(random.below(30));
+        const unsigned int newWidth = 1 + static_cast<unsigned int>(random.below(60));
+        const unsigned int newHeight = 1 + static_cast<unsigned int>(random.below(60));
+        void* data = nullptr;
+        void** floats = matAllocArray2v(width, height, 7, 1, &data);
+        for (std::size_t i = 0; i < std::size_t{width} * height; ++i) {
+            const auto value = static_cast<float>(random.real());
+            std::memcpy(static_cast<unsigned char*>(data) + 4 * i, &value, sizeof value);
+        }
+        void** image = matAllocArray2v(width, height, type, 1, nullptr);
+        auto* floatRows = reinterpret_cast<float**>(floats);
+        digest.add(matConvertArrayFromFloat2v(floatRows, image, width, height, type));
+        addRows(digest, image, width, height, type);
+        const double scale = random.real() / 50.0;
+        const double bias = random.real();
+        digest.add(matTransformArray2v(image, width, height, type, 1.5, scale, bias));
+        const double low = random.real();
+        digest.add(matClampArray2v(image, width, height, type, low, low + 100.0));
+        for (const unsigned int flags : {1U, 2U, 4U}) {
+            void** zoomed = matAllocArray2v(newWidth, newHeight, type, 1, nullptr);
+            digest.add(matZoomArray2v(width, height, image, newWidth, newHeight, zoomed, type, flags));
+            addRows(digest, zoomed, newWidth, newHeight, type);
+            double min[4] = {}, max[4] = {}, mean[4] = {}, deviation[4] = {};
+            digest.add(matGetRangeOfArray2v(zoomed, type, 1, nullptr, 0, newWidth, newHeight, min, max, mean,
+                                            deviation),
+                       min, max, mean, deviation);
+            matFreeArray2v(zoomed);
+        }
+        digest.add(matConvertArrayToFloat2v(image, floatRows, width, height, type, round % 2));
+        addRows(digest, floats, width, height, 7);
+        void** words = matAllocArray2v(width, height, 4, 1, nullptr);
+        digest.add(matConvertArrayFromFloat2v(floatRows, words, width, height, 4));
+        tagPOINT peak = {};
+        double mean = 0.0;
+        digest.add(matFindGlobalPeak2w(reinterpret_cast<unsigned short**>(words), static_cast<int>(width),
+                                       static_cast<int>(height), random.below(6), &peak, &mean),
+                   peak, mean);
+        matFreeArray2v(words);
+        matFreeArray2v(image);
+        matFreeArray2v(floats);
     }
 }
 
@@ -432,5 +490,6 @@ int main() {
     print("curves", 7, digestCurves);
     print("curve-samples", 8, digestCurveSamples);
     print("volumes", 20, digestVolumes);
+    print("images", 9, digestImages);
     return 0;
 }
