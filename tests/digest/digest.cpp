@@ -357,59 +357,6 @@ void digestCurveSamples(Digest& digest, Random& random) {
     }
 }
 
-/// The address of a double of a volume that the library made.
-unsigned char* doubleAt(void*** volume, std::size_t x, std::size_t y, std::size_t z) {
-    unsigned char* row = nullptr;
-    std::memcpy(&row, reinterpret_cast<const unsigned char*>(volume[z]) + 8 * y, sizeof(row));
-    return row + 8 * x;
-}
-
-/// Volumes of the types 1 to 8, turned into each other and resampled. The blur takes part with kernels of one tap.
-void digestVolumes(Digest& digest, Random& random) {
-    constexpr unsigned int kWidth = 11;
-    constexpr unsigned int kHeight = 6;
-    constexpr unsigned int kDepth = 5;
-    for (int round = 0; round < kRounds / 20; ++round) {
-        const auto type = static_cast<unsigned int>(1 + random.below(8));
-        void*** numbers = matAllocArray3v(kWidth, kHeight, kDepth, 8, 1, nullptr);
-        void*** source = matAllocArray3v(kWidth, kHeight, kDepth, type, 1, nullptr);
-        void*** result = matAllocArray3v(kWidth, kHeight, kDepth, type, 1, nullptr);
-        auto*** const doubles = reinterpret_cast<double***>(numbers);
-        const double range = random.below(2) == 0 ? 3.0 : 6e7;
-        for (std::size_t i = 0; i < std::size_t{kWidth} * kHeight * kDepth; ++i) {
-            const double value = random.real() * range;
-            std::memcpy(doubleAt(numbers, i % kWidth, i / kWidth % kHeight, i / kWidth / kHeight), &value,
-                        sizeof(value));
-        }
-        digest.add(matConvertFromDouble3v(doubles, source, kWidth, kHeight, kDepth, type, 1));
-        double matrix[4][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}};
-        for (int row = 0; row < 3; ++row) {
-            for (double& entry : matrix[row])
-                entry += random.real() * 0.005;
-        }
-        DWORD flags = random.below(2) == 0 ? 0 : 1;
-        if (random.below(4) == 0) flags |= 0x80000000U;
-        digest.add(matAffinTransformArray3v(kWidth, kHeight, kDepth, source, kWidth, kHeight, kDepth, result,
-                                            type, matrix, flags));
-        unsigned int size[] = {kWidth, kHeight, kDepth};
-        double sigma[] = {0.0, 0.5, 0.0};
-        double radiusFactor[] = {1.0, 1.0, 1.0};
-        digest.add(matGaussianBlurFilter3v(result, size, type, 1, nullptr, sigma, radiusFactor,
-                                           random.below(2), nullptr, nullptr));
-        digest.add(matConvertToDouble3v(doubles, result, kWidth, kHeight, kDepth, type, 1));
-        for (std::size_t i = 0; i < std::size_t{kWidth} * kHeight * kDepth; ++i) {
-            double value = 0.0;
-            std::memcpy(&value, doubleAt(numbers, i % kWidth, i / kWidth % kHeight, i / kWidth / kHeight),
-                        sizeof(value));
-            digest.add(value);
-        }
-        double stats[4] = {};
-        digest.add(matGetRangeOfArray3v(result, type, 1, kWidth, kHeight, kDepth, stats, stats + 1, stats + 2,
-                                        stats + 3));
-        digest.add(stats);
-        matFreeArray3v(numbers);
-        matFreeArray3v(source);
-        matFreeArray3v(result);
 /// Adds the rows of an array.
 void addRows(Digest& digest, void** rows, unsigned int width, unsigned int height, unsigned int type) {
     const unsigned int size = matCvtArrayTypeToSize2v(type);
@@ -471,6 +418,62 @@ void digestImages(Digest& digest, Random& random) {
     }
 }
 
+/// The address of a double of a volume that the library made.
+unsigned char* doubleAt(void*** volume, std::size_t x, std::size_t y, std::size_t z) {
+    unsigned char* row = nullptr;
+    std::memcpy(&row, reinterpret_cast<const unsigned char*>(volume[z]) + 8 * y, sizeof(row));
+    return row + 8 * x;
+}
+
+/// Volumes of the types 1 to 8, turned into each other and resampled. The blur takes part with kernels of one tap.
+void digestVolumes(Digest& digest, Random& random) {
+    constexpr unsigned int kWidth = 11;
+    constexpr unsigned int kHeight = 6;
+    constexpr unsigned int kDepth = 5;
+    for (int round = 0; round < kRounds / 20; ++round) {
+        const auto type = static_cast<unsigned int>(1 + random.below(8));
+        void*** numbers = matAllocArray3v(kWidth, kHeight, kDepth, 8, 1, nullptr);
+        void*** source = matAllocArray3v(kWidth, kHeight, kDepth, type, 1, nullptr);
+        void*** result = matAllocArray3v(kWidth, kHeight, kDepth, type, 1, nullptr);
+        auto*** const doubles = reinterpret_cast<double***>(numbers);
+        const double range = random.below(2) == 0 ? 3.0 : 6e7;
+        for (std::size_t i = 0; i < std::size_t{kWidth} * kHeight * kDepth; ++i) {
+            const double value = random.real() * range;
+            std::memcpy(doubleAt(numbers, i % kWidth, i / kWidth % kHeight, i / kWidth / kHeight), &value,
+                        sizeof(value));
+        }
+        digest.add(matConvertFromDouble3v(doubles, source, kWidth, kHeight, kDepth, type, 1));
+        double matrix[4][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}};
+        for (int row = 0; row < 3; ++row) {
+            for (double& entry : matrix[row])
+                entry += random.real() * 0.005;
+        }
+        DWORD flags = random.below(2) == 0 ? 0 : 1;
+        if (random.below(4) == 0) flags |= 0x80000000U;
+        digest.add(matAffinTransformArray3v(kWidth, kHeight, kDepth, source, kWidth, kHeight, kDepth, result,
+                                            type, matrix, flags));
+        unsigned int size[] = {kWidth, kHeight, kDepth};
+        double sigma[] = {0.0, 0.5, 0.0};
+        double radiusFactor[] = {1.0, 1.0, 1.0};
+        digest.add(matGaussianBlurFilter3v(result, size, type, 1, nullptr, sigma, radiusFactor,
+                                           random.below(2), nullptr, nullptr));
+        digest.add(matConvertToDouble3v(doubles, result, kWidth, kHeight, kDepth, type, 1));
+        for (std::size_t i = 0; i < std::size_t{kWidth} * kHeight * kDepth; ++i) {
+            double value = 0.0;
+            std::memcpy(&value, doubleAt(numbers, i % kWidth, i / kWidth % kHeight, i / kWidth / kHeight),
+                        sizeof(value));
+            digest.add(value);
+        }
+        double stats[4] = {};
+        digest.add(matGetRangeOfArray3v(result, type, 1, kWidth, kHeight, kDepth, stats, stats + 1, stats + 2,
+                                        stats + 3));
+        digest.add(stats);
+        matFreeArray3v(numbers);
+        matFreeArray3v(source);
+        matFreeArray3v(result);
+    }
+}
+
 void print(const char* family, std::uint64_t seed, void (*run)(Digest&, Random&)) {
     Digest digest;
     Random random(seed);
@@ -489,7 +492,7 @@ int main() {
     print("polygon", 6, digestPolygon);
     print("curves", 7, digestCurves);
     print("curve-samples", 8, digestCurveSamples);
-    print("volumes", 20, digestVolumes);
     print("images", 9, digestImages);
+    print("volumes", 20, digestVolumes);
     return 0;
 }
