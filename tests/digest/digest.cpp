@@ -740,5 +740,7 @@ int main() {
     print("line-fits", 12, digestLineFits);
     print("solvers", 10, digestSolvers);
     print("curve-tools", 11, digestCurveTools);
+    print("images", 9, digestImages);
+    print("volumes", 20, digestVolumes);
     return 0;
 }
