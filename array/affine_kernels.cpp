@@ -176,6 +176,7 @@ void interpolate(const AffineSource& source, const AffineVoxels& voxels, std::si
         const double uy = 1.0 - ty;
         const double uz = 1.0 - tz;
         double sum = 0.0;
+        // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): `fetch` has filled all that is read
         sum += static_cast<double>(p[0][2 * i]) * uz * uy * ux;
         sum += static_cast<double>(p[0][2 * i + 1]) * uz * uy * tx;
         sum += static_cast<double>(p[1][2 * i]) * uz * ty * ux;

@@ -79,7 +79,9 @@ void computeAmplitudes(const Pixel* pixels, const CSize& size, double* amplitude
     double weight[kBins] = {};
     for (int r = 0; r < kSide; ++r) {
         for (int c = 0; c < kSide; ++c) {
-            const int bin = static_cast<int>(std::sqrt(static_cast<double>(r * r + c * c)) + 0.5);
+            const double distance = std::sqrt(static_cast<double>(r * r + c * c));
+            // NOLINTNEXTLINE(bugprone-incorrect-roundings): distances are small and no halves
+            const int bin = static_cast<int>(distance + 0.5);
             if (bin >= kBins) continue;
             sum[bin] += sums.at[r][c];
             weight[bin] += 1.0;

@@ -117,7 +117,7 @@ void transform(const Spectrum& spectrum, double sign) {
 /// The smallest power of two from `count` up, or the one above where the logarithm falls short.
 std::size_t spectrumSize(unsigned int count) {
     const int exponent = static_cast<int>(frame::log(static_cast<double>(count)) / frame::log(2.0));
-    const auto size = static_cast<std::size_t>(std::ldexp(1.0, exponent) + 0.5);
+    const std::size_t size = std::size_t{1} << exponent;
     return size < count ? 2 * size : size;
 }
 

@@ -12,11 +12,11 @@ namespace velquad::signal {
 namespace {
 
 #if defined(__AVX512F__)
-constexpr std::size_t kLanes = 8;
+constexpr std::size_t kLanes = 8;  // NOLINT(misc-definitions-in-headers): local to its file
 #elif defined(__AVX__)
-constexpr std::size_t kLanes = 4;
+constexpr std::size_t kLanes = 4;  // NOLINT(misc-definitions-in-headers): local to its file
 #else
-constexpr std::size_t kLanes = 2;
+constexpr std::size_t kLanes = 2;  // NOLINT(misc-definitions-in-headers): local to its file
 #endif
 using Lanes [[gnu::vector_size(kLanes * sizeof(double))]] = double;
 

@@ -21,13 +21,11 @@ int binaryExponent(unsigned int n) {
     return static_cast<int>(frame::log(static_cast<double>(n)) / frame::log(2.0));
 }
 
-std::uint64_t powerOfTwo(int exponent) {
-    return static_cast<std::uint64_t>(std::ldexp(1.0, exponent) + 0.5);
-}
-
 /// Elements that a window covers: the largest power of two up to `n`.
 std::uint64_t windowLength(unsigned int n) {
-    const std::uint64_t length = powerOfTwo(binaryExponent(n) - 1);
+    // Half of it, but for one element.
+    const int exponent = binaryExponent(n);
+    const std::uint64_t length = exponent == 0 ? 1 : std::uint64_t{1} << (exponent - 1);
     return length == n ? length : 2 * length;
 }
 
@@ -135,7 +133,7 @@ extern "C" unsigned int matFFTSmooth(const double* in, unsigned int n, double* o
     if (in == nullptr || out == nullptr || n < kFewestSmoothed || n > kMostSmoothed)
         return kSignalBadArgument;
     // Up to twice the samples, so that there is a ramp even for a power of two.
-    const auto length = static_cast<unsigned int>(2 * powerOfTwo(binaryExponent(n)));
+    const auto length = 2U << binaryExponent(n);
     const frame::WorkingBlock real(length * sizeof(double));
     if (real.status() != kSignalOk) return static_cast<unsigned int>(real.status());
     const frame::WorkingBlock imaginary(length * sizeof(double));
