@@ -404,10 +404,13 @@ VELQUAD_API DWORD polyReducePointsEx(tagPOINT* points, DWORD count, double maxim
 /// @{
 
 /// Moves the vertices of the convex hull to the front of a point array, beginning with the leftmost of those with the
-/// smallest y and counter-clockwise in mathematical axes. The other points stand behind them, in no promised order;
-/// a closing point stays where it is and has no part. No closing point is added. Of points in one line with an edge
-/// only the ends are vertices; directions that differ by less than 1e-7 degrees, on a scale that is linear in the sum
-/// of |dx| and |dy|, count as one.
+/// smallest y and counter-clockwise in mathematical axes. No closing point is added.
+///   (1) The array is permuted: behind the vertices stand the other points. A closing point stays where it is and has
+///       no part.
+///   (2) Of points in one line with an edge only the ends are vertices.
+///   (3) Directions are compared by 90 dy / (|dx| + |dy|), continued round to 360. Of those that differ by less than
+///       1e-7 the farthest point is taken, even when a nearer one lies outside by that little.
+///   (4) A repeat of the first vertex is a vertex when it comes last; repeats of others are none.
 /// @return the number of vertices; 1 when all points are equal, 0 for a count of 0.
 /// @par Cost    O(count) for each vertex, no allocation.
 /// @par Source  Package wrapping: R. A. Jarvis, Information Processing Letters 2, 1973, with the angle substitute of

@@ -25,6 +25,9 @@ static_assert(sizeof(tagPOLY2D) == 24 && offsetof(tagPOLY2D, count) == 0 && offs
 static_assert(sizeof(tagPOLY_POSITION) == 16 && offsetof(tagPOLY_POSITION, index) == 0);
 static_assert(offsetof(tagPOLY_POSITION, fraction) == 8);
 
+static_assert(sizeof(tagMINIVEC) == 16 && offsetof(tagMINIVEC, count) == 0 && offsetof(tagMINIVEC, x) == 4);
+static_assert(offsetof(tagMINIVEC, y) == 8 && offsetof(tagMINIVEC, codes) == 12);
+
 static_assert(sizeof(tagMAT_DISTANCE) == 96 && offsetof(tagMAT_DISTANCE, shortestFrom) == 0);
 static_assert(offsetof(tagMAT_DISTANCE, shortestTo) == 8 &&
               offsetof(tagMAT_DISTANCE, shortestDistance) == 16);
