@@ -57,7 +57,7 @@ struct AngleMoments {
 
     /// The unit vector of a value.
     static tagPOINT2D directionVector(const Evaluator& e, DWORD index) {
-        const double angle = e.values[index];
+        const auto angle = static_cast<double>(e.values[index]);
         const double x = e.degrees != 0 ? angle * geometry::kHalfTurnRad / geometry::kHalfTurnDegrees : angle;
         return {frame::cos(x), frame::sin(x)};
     }
@@ -77,7 +77,8 @@ struct AngleMoments {
         const bool isDegrees = e.degrees != 0;
         double sum = 0.0;
         for (DWORD i = 0; i < e.count; ++i) {
-            const double distance = geometry::distanceOfAngles(e.values[i], e.mean, isDegrees);
+            const double distance =
+                geometry::distanceOfAngles(static_cast<double>(e.values[i]), e.mean, isDegrees);
             sum += geometry::normalizeAngle(distance, isDegrees);
         }
         return sum / e.count;

@@ -92,7 +92,10 @@ struct PairSums {
         e.sumXX = lanesOf(squares).low;
         e.sumYY = lanesOf(squares).high;
         e.sumXY = lanesOf(products).low;
-        if (inPairs < count) add(e, elementAt<T>(x, inPairs), elementAt<T>(y, inPairs));
+        if (inPairs < count) {
+            add(e, static_cast<double>(elementAt<T>(x, inPairs)),
+                static_cast<double>(elementAt<T>(y, inPairs)));
+        }
     }
 
     template <class T>

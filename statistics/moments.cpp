@@ -105,7 +105,7 @@ void Moments::addInOrder(Evaluator& e, const void* values, std::size_t count) {
         if (greatest > e.max) e.max = greatest == 0.0 ? firstZero<T>(values) : greatest;
     }
     for (std::size_t i = inLanes; i < count; ++i) {
-        const double value = elementAt<T>(values, i);
+        const auto value = static_cast<double>(elementAt<T>(values, i));
         if (e.min > value) e.min = value;
         if (value > e.max) e.max = value;
         e.sum += value;
@@ -155,7 +155,7 @@ void Moments::addEach(Evaluator& e, const void* values, std::size_t count) {
     const std::size_t room = kMaxCount - e.count;
     if (count > room) {
         for (std::size_t i = 0; i < count; ++i)
-            add(e, elementAt<T>(values, i));
+            add(e, static_cast<double>(elementAt<T>(values, i)));
         return;
     }
     if constexpr (!std::is_same_v<T, double>) {

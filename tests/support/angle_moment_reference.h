@@ -71,7 +71,7 @@ struct ReferenceAngleMoments {
 
   private:
     static double radians(float value, int degrees) {
-        const double angle = value;
+        const auto angle = static_cast<double>(value);
         return degrees != 0 ? angle * 3.141592653589793 / 180.0 : angle;
     }
 };

@@ -26,7 +26,6 @@ class LooseArray {
   public:
     LooseArray(std::size_t width, std::size_t height, unsigned int type, std::size_t guard = 5)
         : rowBytes_(width * kElementBytes[type]),
-          height_(height),
           stride_((rowBytes_ + 2 * guard) | 1U),
           data_(stride_ * height + 2 * guard + 1, kGuard),
           table_(8 * height + 12) {
@@ -73,7 +72,6 @@ class LooseArray {
 
   private:
     std::size_t rowBytes_;
-    std::size_t height_;
     std::size_t stride_;
     std::vector<unsigned char> data_;
     std::vector<unsigned char> table_;
