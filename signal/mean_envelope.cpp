@@ -88,6 +88,8 @@ class Walk {
         : data_(data), n_(n), result_(result), gap_(gap), extremes_(extremes), value_(data[0]) {}
 
     void run() {
+        // The first extreme is the first value, unless not-a-numbers stand there.
+        result_[0] = value_;
         // One more round runs when both lists are at their ends. Only not-a-numbers can keep the walk from
         // getting there.
         bool isLastRound = false;

@@ -155,6 +155,9 @@ TEST(MeanValue, RefusesCountsOfZero) {
     EXPECT_EQ(matMeanValue(nullptr, 1, &out, 1), 3U);
     EXPECT_EQ(matMeanValue(&value, 1, nullptr, 1), 3U);
     EXPECT_EQ(matMeanValue(&value, -1, &out, 3), 0U);
+    EXPECT_EQ(matMeanValue(&value, std::numeric_limits<int>::min(), &out, 3), 0U);
+    EXPECT_EQ(matMeanValue(nullptr, -1, nullptr, 3), 0U);
+    EXPECT_EQ(matMeanValue(&value, -1, &out, 0), 3U);
     EXPECT_EQ(out, kUntouched);
 }
 
@@ -297,6 +300,19 @@ TEST(MeanEnvelope, NotANumbersEnd) {
         }
         Curve out(in.size());
         ASSERT_EQ(matMeanEnvelope(in.data(), static_cast<unsigned int>(in.size()), out.data(), 2, 4), 0U);
+    }
+}
+
+TEST(MeanEnvelope, WhatTheOutputHeldDoesNotCount) {
+    // The first value has a not-a-number beside it, so no extreme stands at the start.
+    const Curve in = {5, std::numeric_limits<double>::quiet_NaN(), 3, 4, 2, 6, 1};
+    Curve one(in.size(), kUntouched);
+    Curve other(in.size(), -1e9);
+    EXPECT_EQ(matMeanEnvelope(in.data(), 7, one.data(), 1, 0), 0U);
+    EXPECT_EQ(matMeanEnvelope(in.data(), 7, other.data(), 1, 0), 0U);
+    for (std::size_t i = 0; i < in.size(); ++i) {
+        const bool isSame = one[i] == other[i] || (one[i] != one[i] && other[i] != other[i]);
+        EXPECT_TRUE(isSame) << i << ": " << one[i] << " not " << other[i];
     }
 }
 
