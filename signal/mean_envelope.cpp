@@ -207,7 +207,7 @@ extern "C" unsigned int matMeanEnvelope(const double* in, unsigned int n, double
     double* back = curves.as<double>();
     double* spare = back + count;
     if (count == 1) {
-        out[0] = (in[0] + in[0]) * 0.5;
+        out[0] = in[0];
         return velquad::kSignalOk;
     }
     Extremes extremes(lists.as<std::uint32_t>(), count);
