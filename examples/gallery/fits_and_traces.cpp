@@ -91,7 +91,7 @@ std::vector<double> signalWith(const std::vector<double>& pattern) {
     std::vector<double> signal;
     for (int i = 0; i < kCount; ++i) {
         const double t = 2.0 * i / (kCount - 1) - 1.0;
-        signal.push_back(0.9 * t * t - 0.5 + 0.35 * noise.bell());
+        signal.push_back(0.6 * t * t - 0.4 + 0.35 * noise.bell());
     }
     for (std::size_t i = 0; i < pattern.size(); ++i) {
         signal[kUpright + i] += 0.7 * pattern[i];
@@ -129,19 +129,22 @@ void markPlace(Canvas& canvas, const Axes& signalAxes, const std::vector<double>
     canvas.dot(peak, 6.0, colour);
 }
 
+constexpr int kBeforeZeros = 11;
+constexpr int kBehindZeros = 15;
+
 /// Oscillations, a run of zeros on the way up, and zeros that the curve touches from above.
 std::vector<double> curveWithZeros() {
-    return {-0.55, -0.9, -0.7, -0.15, 0.6,  1.0, 0.8,  0.3,   -0.4, -0.75, -0.6, -0.25, 0.0,
-            0.0,   0.0,  0.35, 0.7,   0.45, 0.0, 0.0,  0.3,   0.65, 0.5,   0.1,  -0.5,  -0.95,
-            -0.8,  -0.2, 0.5,  0.85,  0.6,  0.2, -0.3, -0.45, -0.2, 0.15,  0.4,  0.3,   -0.1};
+    return {-0.55, -0.9, -0.7, -0.15, 0.6,  1.0, 0.8,  0.3,   -0.4, -0.75, -0.6, -0.3, 0.0,
+            0.0,   0.0,  0.5,  0.75,  0.45, 0.0, 0.0,  0.3,   0.65, 0.5,   0.1,  -0.5, -0.95,
+            -0.8,  -0.2, 0.5,  0.85,  0.6,  0.2, -0.3, -0.45, -0.2, 0.15,  0.4,  0.3,  -0.1};
 }
 
 /// Marks positions on the zero line.
 void markCrossings(Canvas& canvas, const Axes& axes, const std::vector<double>& positions, unsigned int count,
                    Rgb colour) {
     for (unsigned int i = 0; i < count; ++i) {
-        canvas.stroke(axes(positions[i], -0.2), axes(positions[i], 0.2), 3.0, colour);
-        canvas.dot(axes(positions[i], 0.0), 7.0, colour);
+        canvas.stroke(axes(positions[i], -0.15), axes(positions[i], 0.15), 3.0, colour);
+        canvas.dot(axes(positions[i], 0.0), 6.0, colour);
     }
 }
 
@@ -152,7 +155,7 @@ Canvas drawPolynomials() {
     const Axes axes{30.0, 28.0, 20.0, 14.0};
     Samples samples = noisyCubic();
     strokeFit(canvas, axes, samples, 1, kGreen);
-    strokeFit(canvas, axes, samples, 15, kOrange);
+    strokeFit(canvas, axes, samples, 11, kOrange);
     strokeFit(canvas, axes, samples, 3, kBlue);
     for (std::size_t i = 0; i < samples.x.size(); ++i)
         canvas.dot(axes(samples.x[i], samples.y[i]), 5.0, kInk);
@@ -167,7 +170,7 @@ Canvas drawCorrelation() {
     const Axes patternAxes{32.0, 0.5, 8.0, 6.0};
     const Axes signalAxes{1.0, 0.5, 23.0, 10.0};
     const Axes traceAxes{1.0, 0.5, 42.0, 7.0};
-    const double last = static_cast<double>(signal.size() - 1);
+    const double last = static_cast<double>(trace.size() - 1);
     for (const double level : {-1.0, 0.0, 1.0})
         canvas.stroke(traceAxes(0.0, level), traceAxes(last, level), 1.5, kFaint);
     strokeCurve(canvas, onAxes(patternAxes, pattern), 4.0, kBlue);
@@ -191,9 +194,10 @@ Canvas drawZeroCrossings() {
                      falling.data(), &fallingCount, 0);
     canvas.stroke(axes(0.0, 0.0), axes(static_cast<double>(curve.size() - 1), 0.0), 2.0, kFaint);
     const std::vector<tagPOINT2D> points = onAxes(axes, curve);
+    canvas.stroke(points[kBeforeZeros], points[kBehindZeros], 2.5, kFaint);
     strokeCurve(canvas, points, 2.5, kInk);
     for (const tagPOINT2D& point : points)
-        canvas.dot(point, 4.0, kInk);
+        canvas.dot(point, 3.5, kInk);
     markCrossings(canvas, axes, rising, risingCount, kGreen);
     markCrossings(canvas, axes, falling, fallingCount, kRed);
     return canvas;

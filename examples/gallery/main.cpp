@@ -104,7 +104,7 @@ constexpr Picture kPictures[] = {
      "polyConvexHull of scattered pixels and of the vertices of an outline.", drawConvexHulls},
     {"polynomials.png", "Polynomials through noisy points",
      "matPolynomFit and matPolynomEval: a cubic with noise, fitted by polynomials of degree 1 (green), 3 "
-     "(blue) and 15 (orange). The first is too stiff, the last follows the noise.",
+     "(blue) and 11 (orange). The first is too stiff, the last follows the noise.",
      drawPolynomials},
     {"correlation.png", "A pattern found in a signal",
      "fnrInitCorrelation and fnrDoCorrelation: above the pattern (blue), in the middle a signal that holds "
@@ -115,8 +115,8 @@ constexpr Picture kPictures[] = {
      drawCorrelation},
     {"zero_crossings.png", "Zero crossings of a curve",
      "fnrFindZeroPoint: where the curve between the samples rises (green) and falls (red) through zero. A "
-     "run of zeros on the way up is one crossing, in the middle between the samples around it. Zeros that "
-     "the curve touches from above are none.",
+     "run of zeros on the way up is one crossing, on the straight line between the samples around it (grey). "
+     "Zeros that the curve touches from above are none.",
      drawZeroCrossings},
 };
 
