@@ -167,8 +167,8 @@ Canvas drawCorrelation() {
     const std::vector<double> pattern = pulse();
     const std::vector<double> signal = signalWith(pattern);
     const std::vector<double> trace = correlate(pattern, signal);
-    const Axes patternAxes{32.0, 0.5, 8.0, 6.0};
-    const Axes signalAxes{1.0, 0.5, 23.0, 10.0};
+    const Axes patternAxes{32.0, 0.5, 7.5, 6.0};
+    const Axes signalAxes{1.0, 0.5, 21.0, 10.0};
     const Axes traceAxes{1.0, 0.5, 42.0, 7.0};
     const double last = static_cast<double>(trace.size() - 1);
     for (const double level : {-1.0, 0.0, 1.0})
