@@ -102,6 +102,22 @@ constexpr Picture kPictures[] = {
      drawReduction},
     {"convex_hulls.png", "Convex hulls",
      "polyConvexHull of scattered pixels and of the vertices of an outline.", drawConvexHulls},
+    {"polynomials.png", "Polynomials through noisy points",
+     "matPolynomFit and matPolynomEval: a cubic with noise, fitted by polynomials of degree 1 (green), 3 "
+     "(blue) and 11 (orange). The first is too stiff, the last follows the noise.",
+     drawPolynomials},
+    {"correlation.png", "A pattern found in a signal",
+     "fnrInitCorrelation and fnrDoCorrelation: above the pattern (blue), in the middle a signal that holds "
+     "it "
+     "twice, once upside down, and below the correlation, between lines at 1 and -1. Each number of it "
+     "stands below the first sample of its stretch. The highest (green) is where the pattern lies, the "
+     "lowest (red) where it lies upside down; the slow bend of the signal hardly matters.",
+     drawCorrelation},
+    {"zero_crossings.png", "Zero crossings of a curve",
+     "fnrFindZeroPoint: where the curve between the samples rises (green) and falls (red) through zero. A "
+     "run of zeros on the way up is one crossing, on the straight line between the samples around it (grey). "
+     "Zeros that the curve touches from above are none.",
+     drawZeroCrossings},
 };
 
 void writePage(const std::string& path) {

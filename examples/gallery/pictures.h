@@ -41,6 +41,12 @@ Canvas drawDecomposition();
 Canvas drawReduction();
 /// Convex hulls of points and of an outline.
 Canvas drawConvexHulls();
+/// Polynomials of several degrees through noisy points.
+Canvas drawPolynomials();
+/// A pattern found in a signal.
+Canvas drawCorrelation();
+/// Where a curve rises and falls through zero.
+Canvas drawZeroCrossings();
 
 }  // namespace gallery
 

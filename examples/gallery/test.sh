@@ -43,6 +43,9 @@ split.png 897 421
 decomposition.png 869 421
 reduction.png 931 311
 convex_hulls.png 897 449
+polynomials.png 855 575
+correlation.png 925 613
+zero_crossings.png 949 421
 END
 big_endian_32() { # FILE OFFSET
     od -An -tu1 -j "$2" -N 4 "$1" | awk '{ print (($1 * 256 + $2) * 256 + $3) * 256 + $4 }'
@@ -57,7 +60,8 @@ diff "$work/expected" "$work/found" || fail "names, order or sizes of the pictur
 for name in matGetBresenhamLine CMatBresenhamLine matClipLine2L matClipLine2D matComputeArrow matCalcEllipse \
     matGetEllipse polyGetRotatedEllipse polyGetArbitraryEllipse CMatNormalEncoder CMatRegressionLine \
     CMatRobustLineFit CMatMomentOfAnglesEvaluator matRegressionPlane polyMakeSimple polyRemoveStings \
-    polySeperateTouchingSegments polySplit polyDecompose polyReducePointsEx polyConvexHull; do
+    polySeperateTouchingSegments polySplit polyDecompose polyReducePointsEx polyConvexHull matPolynomFit \
+    matPolynomEval fnrInitCorrelation fnrDoCorrelation fnrFindZeroPoint; do
     grep -q "figcaption>.*$name" "$work/first/index.html" || fail "the page does not name $name"
 done
 
