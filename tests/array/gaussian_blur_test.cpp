@@ -140,6 +140,25 @@ TEST(GaussianBlurTest, ARadiusOfZeroBlursNothing) {
     EXPECT_NE(blurredRow(row, 0.667, 1.5), row);
 }
 
+TEST(GaussianBlurTest, ASigmaWithoutASquareHasNoWeights) {
+    // 0 / 0 in the exponent of the only weight.
+    for (const double value : blurredRow({1.0, 2.0}, 1e-200, 1.5))
+        EXPECT_TRUE(std::isnan(value));
+    for (const int convert : {0, 1}) {
+        Request request;
+        request.setSize(2, 1, 1);
+        request.type = MAT_ARRAY_INT16;
+        request.convert = convert;
+        request.sigma[0] = 1e-200;
+        LooseVolume data(2, 1, 1, MAT_ARRAY_INT16);
+        data.set<std::int16_t>(0, 0, 0, 5);
+        EXPECT_EQ(request.blur(data.slices()), 1U);
+        // The lowest 32-bit integer, limited to the type.
+        EXPECT_EQ(data.get<std::int16_t>(0, 0, 0), -32768);
+        EXPECT_EQ(data.get<std::int16_t>(0, 0, 1), -32768);
+    }
+}
+
 TEST(GaussianBlurTest, ARadiusBeyond32BitsMakesZeros) {
     const std::vector<double> zeros(3, 0.0);
     EXPECT_EQ(blurredRow({1.0, 2.0, 3.0}, 1e10, 1.0), zeros);
