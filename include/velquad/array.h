@@ -257,7 +257,8 @@ extern "C" {
 /// In front of the slice table stand eight 32-bit words: `width`, `height`, `depth`, `type`, `channels`,
 /// bytes of all elements modulo 2^32, and two zeros.
 /// @param dataOut  optional: receives null, as there is no single block of data; left alone on failure.
-/// @return the slice table, which the caller owns until `matFreeArray3v`; null without memory.
+/// @return the slice table, which the caller owns until `matFreeArray3v`; null without memory, and for slices
+///         that `matAllocArray2v` does not make.
 VELQUAD_API void*** matAllocArray3v(unsigned int width, unsigned int height, unsigned int depth,
                                     unsigned int type, unsigned int channels, void** dataOut);
 
@@ -327,9 +328,10 @@ VELQUAD_API int matConvertFromFloat2v(float** source, void** destination, unsign
 /// from where the inverse map says it comes from.
 ///   (1) The matrix maps source positions to destination positions, row by row for column vectors, and acts
 ///       on voxel centres: voxel 0 reaches from -0.5 to 0.5. A singular matrix is not reported.
-///   (2) A position belongs to the source from above -1 to below the size, on every axis. Between -1 and 0
-///       the values of cells 0 and 1 are extrapolated; from size - 1 on the last cell's value is taken. All
-///       else, and every voxel of an empty source, becomes background.
+///   (2) A position belongs to the source from above -1 to below the size, on every axis; one within 1e-7 of
+///       the next whole number away from zero has reached it. Between -1 and 0 the values of cells 0 and 1
+///       are extrapolated; from size - 1 on the last cell's value is taken. All else, and every voxel of an
+///       empty source, becomes background.
 ///   (3) Trilinear interpolation in double; the result is rounded and limited to the type.
 ///   (4) Nearest sampling rounds positions as values are rounded (see Volumes) and copies pixels unchanged.
 ///   (5) A voxel that maps to infinity takes the position of the voxel before it.
@@ -361,11 +363,12 @@ extern "C" VELQUAD_API int matAffinTransformArray3v(unsigned int srcWidth, unsig
 /// Smooths a volume in place by a Gaussian along Z, Y and X, one axis after the other; Z only with more than
 /// one slice. The kernel of each axis is cut off at a radius and normalised over what of it lies in the
 /// volume, so that a constant volume stays constant up to its faces.
-///   (1) A sigma of 0, and a radius below 1, leave an axis as it is.
+///   (1) A sigma of 0, and a radius below 1, leave an axis as it is. But a sigma so close to 0 that its square
+///       is 0 has no weights: everything becomes a not-a-number before it is rounded.
 ///   (2) Without conversion, values are rounded to their type after each axis. With conversion, types 1 to 4
 ///       are filtered in a copy of floats, types 5 and 6 in one of doubles, and rounded once.
 ///   (3) `MAT_ARRAY_BYTE3`, `MAT_ARRAY_BYTE4` and unknown types pass through all lines unchanged.
-///   (4) A radius that does not fit 32 bits, or is not a number, makes the axis zero.
+///   (4) A negative radius, and one that does not fit 32 bits or is not a number, makes the axis zero.
 /// @param size          width, height and depth.
 /// @param strides       optional: byte steps along X, Y and Z, counted from the first element of a line, for
 ///                      volumes in one block; 0 and 0xFFFFFFFF stand for none, and the tables are used. Not
@@ -380,8 +383,9 @@ extern "C" VELQUAD_API int matAffinTransformArray3v(unsigned int srcWidth, unsig
 ///                      filtered. Lines may be announced some time ahead of their filtering, so the callback
 ///                      must not look at the volume.
 /// @return 1 for done, 2 when the callback ended it, 0 without memory, for null arguments that are needed,
-///         and for a negative radius, or one of 2^29 and more in a volume whose rows overlap. A filtered copy
-///         is stored even when the callback ended the work, and the result is 1 then.
+///         and for a radius of 2^29 and more in a volume whose rows overlap. When memory ends in the course of
+///         the work, a volume without conversion may be partly filtered. A filtered copy is stored even when
+///         the callback ended the work, and the result is 1 then.
 /// @par Cost  O(voxels * radius). Beyond the copy, memory for some rows.
 VELQUAD_API DWORD matGaussianBlurFilter3v(void*** volume, unsigned int* const size, unsigned int type,
                                           unsigned int channels, unsigned int* const strides,
