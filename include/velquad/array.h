@@ -166,7 +166,8 @@ VELQUAD_API int matFreeArrayMappedToRoi2v(void** table);
 
 /// Resamples an array to another size.
 /// @param flags  bit value 4: cubic; else bit value 2: bilinear; else nearest.
-/// @return 1. An unknown type, a null table and an empty source or destination write nothing.
+/// @return 1. An unknown type, a null table, an empty source or destination, and source rows of more than 2147483647
+///         values (a pixel of bytes has three or four) write nothing.
 VELQUAD_API int matZoomArray2v(unsigned int srcWidth, unsigned int srcHeight, const void* const* srcRows,
                                unsigned int dstWidth, unsigned int dstHeight, void* const* dstRows,
                                unsigned int type, unsigned int flags);
