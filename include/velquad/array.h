@@ -106,7 +106,7 @@ VELQUAD_API int matConvertArrayFromFloat2v(const float* const* source, void* con
 
 /// Fills an array with one value, converted as by `matMapValue1d`; a double is stored as it is. The fourth byte of a
 /// four-byte pixel keeps its value.
-/// @return 1, or 0 for a code that is no type. `rows` is not tested.
+/// @return 1; 0 for a code that is no type, and for null rows unless the height is 0.
 VELQUAD_API int matClearArray2v(void* const* rows, unsigned int width, unsigned int height, unsigned int type,
                                 double value);
 
@@ -116,7 +116,7 @@ VELQUAD_API int matClearArray2v(void* const* rows, unsigned int width, unsigned 
 ///       lies beyond the other end the low bits are taken.
 ///   (2) Where the bounds cross, the upper one wins for the types 1, 2, 3, 5, 6, 9 and 10, the lower one for 4, 7, 8.
 ///   (3) Type 5: a low bound within the range of 32 bits takes the value of the high one, so all elements become it.
-/// @return 1, or 0 for a code that is no type. `rows` is not tested.
+/// @return 1; 0 for a code that is no type, and for null rows unless the height is 0.
 VELQUAD_API int matClampArray2v(void* const* rows, unsigned int width, unsigned int height, unsigned int type,
                                 double low, double high);
 
@@ -132,7 +132,7 @@ VELQUAD_API int matTransformArray2v(void* const* rows, unsigned int width, unsig
 ///   (3) Type 7 limits to the largest float, type 8 stores the value.
 ///   (4) Pixels: the value is a packed pixel, low byte first, truncated.
 /// @param out  at least 8 bytes at any address.
-/// @return 1, or 0 for a code that is no type.
+/// @return 1; 0 for a code that is no type and a null `out`.
 VELQUAD_API int matMapValue1d(double value, void* out, unsigned int type);
 /// @}
 
@@ -146,7 +146,7 @@ VELQUAD_API int matMapValue1d(double value, void* out, unsigned int type);
 ///               0 <= top <= bottom <= height: one column and one row beyond the array pass, and what the table then
 ///               names is the caller's.
 /// @return the table of bottom - top + 1 rows, to be released by `matFreeArrayMappedToRoi2v` only; null for a region
-///         that is not accepted and without memory.
+///         that is not accepted, for null rows and without memory.
 VELQUAD_API void** matMapArrayToROI2v(void* const* rows, int width, unsigned int height, unsigned int type,
                                       unsigned int channels, const RECT* roi);
 
@@ -166,14 +166,15 @@ VELQUAD_API int matFreeArrayMappedToRoi2v(void** table);
 
 /// Resamples an array to another size.
 /// @param flags  bit value 4: cubic; else bit value 2: bilinear; else nearest.
-/// @return 1. An unknown type and an empty source or destination write nothing.
+/// @return 1. An unknown type, a null table, an empty source or destination, and source rows of more than 2147483647
+///         values (a pixel of bytes has three or four) write nothing.
 VELQUAD_API int matZoomArray2v(unsigned int srcWidth, unsigned int srcHeight, const void* const* srcRows,
                                unsigned int dstWidth, unsigned int dstHeight, void* const* dstRows,
                                unsigned int type, unsigned int flags);
 
 /// Resamples a region of an array into a region of another. Regions are those of `matMapArrayToROI2v`; null stands
 /// for the whole array.
-/// @return 1, or 0 when a region is not accepted or without memory; nothing is written then.
+/// @return 1, or 0 for a null table, when a region is not accepted, or without memory; nothing is written then.
 VELQUAD_API int matZoomArrayROI2v(unsigned int srcWidth, unsigned int srcHeight, const void* const* srcRows,
                                   const RECT* srcRoi, unsigned int dstWidth, unsigned int dstHeight,
                                   void* const* dstRows, const RECT* dstRoi, unsigned int type,
@@ -193,7 +194,7 @@ VELQUAD_API int matZoomImage(unsigned int srcWidth, unsigned int srcHeight, unsi
 ///   (1) The middle of a maximal plateau, rounded down, is marked 255, that of a minimal one 0, all else 127.
 ///   (2) The ends of the sequence are never marked.
 /// @param flags  `count` bytes.
-/// @return 1.
+/// @return 1, also for null pointers, which write nothing.
 VELQUAD_API int matFindMinMaxValues(const double* values, unsigned char* flags, unsigned int count);
 
 }  // extern "C"
@@ -221,7 +222,7 @@ VELQUAD_API int matFreeCircularShape2w(unsigned short** shape, double* distances
 
 /// Finds where the mean of an image under a disc is largest. At the border the mean is that of the cells within the
 /// image. Among equal means the one with the largest y wins, within a row the one with the largest x.
-/// @param peak   optional: receives the place; (-1, -1) for an empty image.
+/// @param peak   optional: receives the place; (-1, -1) for an empty or null image.
 /// @param value  optional: receives the mean there; below 1e-7 it is 0, for an empty image -3.4028234663852886e38.
 /// @return 1, or 0 when the tables of the disc cannot be made; nothing is stored then.
 /// @par Cost  O(width * height * radius).
