@@ -102,6 +102,13 @@ constexpr Picture kPictures[] = {
      drawReduction},
     {"convex_hulls.png", "Convex hulls",
      "polyConvexHull of scattered pixels and of the vertices of an outline.", drawConvexHulls},
+    {"smoothing.png", "A profile smoothed", "TODO", drawSmoothing},
+    {"windows.png", "Windows", "TODO", drawWindows},
+    {"mean_envelope.png", "A line between extremes", "TODO", drawMeanEnvelope},
+    {"deconvolution.png", "Deconvolution", "TODO", drawDeconvolution},
+    {"intensity_curves.png", "Mappings of grey levels", "TODO", drawIntensityCurves},
+    {"stretched_image.png", "A stretched image", "TODO", drawStretchedImage},
+    {"perimeters.png", "Perimeters", "TODO", drawPerimeters},
 };
 
 void writePage(const std::string& path) {
