@@ -139,6 +139,20 @@ std::vector<tagPOINT> digitalCircle(int radius) {
     return pixels;
 }
 
+/// A digital circle with the true one on top.
+void drawCircle(Canvas& canvas, const tagPOINT& middle, int radius) {
+    constexpr int kSteps = 180;
+    for (const tagPOINT& pixel : digitalCircle(radius))
+        canvas.fillCell(static_cast<int>(middle.x + pixel.x), static_cast<int>(middle.y + pixel.y), kFaint);
+    const auto at = [&](int step) {
+        const double angle = 2 * kPi * step / kSteps;
+        const tagPOINT2D centre = middleOf(middle);
+        return tagPOINT2D{centre.x + radius * std::cos(angle), centre.y + radius * std::sin(angle)};
+    };
+    for (int step = 0; step < kSteps; ++step)
+        canvas.stroke(at(step), at(step + 1), 1.5, kInk);
+}
+
 struct Release {
     void operator()(void* block) const { std::free(block); }
 };
@@ -179,22 +193,22 @@ double lengthOfSteps(const tagMINIVEC& chain) {
 Canvas drawIntensityCurves() {
     Canvas canvas(134, 77, 7);
     drawMapping(canvas, 2, {{0.0, 64.0, 128.0, 192.0, 255.0}, {0.0, 24.0, 128.0, 231.0, 255.0}, kOrange});
-    drawMapping(canvas, 68, {{0.0, 90.0, 110.0, 255.0}, {40.0, 60.0, 220.0, 200.0}, kBlue});
+    drawMapping(canvas, 68, {{0.0, 96.0, 144.0, 255.0}, {30.0, 40.0, 215.0, 225.0}, kBlue});
     return canvas;
 }
 
 Canvas drawStretchedImage() {
-    Canvas canvas(80, 64, 11);
+    Canvas canvas(82, 64, 11);
     constexpr int kBar = 8;  // a row through the disc and the bars
     Image image = drawing();
     Image narrow = stretched(image, 12);
     Image wider = stretched(image, 36);
     Image wide = stretched(image, 72);
-    drawImage(canvas, 4, 2, image);
-    drawImage(canvas, 30, 2, narrow);
-    drawImage(canvas, 44, 2, wider);
-    drawImage(canvas, 4, 20, wide);
-    const Plot plot(canvas, {3.5, 38.0, 75.5, 61.0}, {-0.5, 71.5}, {0.0, kWhite});
+    drawImage(canvas, 3, 2, image);
+    drawImage(canvas, 29, 2, narrow);
+    drawImage(canvas, 43, 2, wider);
+    drawImage(canvas, 3, 20, wide);
+    const Plot plot(canvas, {2.5, 38.0, 74.5, 61.0}, {-0.5, 71.5}, {0.0, kWhite});
     plot.curve(levels(wide, kBar), 3.0, kOrange);
     plot.dots(levels(wide, kBar), 3.0, kOrange);
     plot.dots(levels(image, kBar), 5.0, kInk, 3.0);
@@ -203,23 +217,24 @@ Canvas drawStretchedImage() {
 
 Canvas drawPerimeters() {
     constexpr int kGreatest = 40;
-    Canvas canvas(91, 56, 10);
-    const int radii[] = {2, 4, 7};
-    int left = 3;
-    for (const int radius : radii) {
-        std::vector<tagPOINT> pixels = digitalCircle(radius);
-        for (const tagPOINT& pixel : pixels)
-            canvas.fillCell(left + radius + static_cast<int>(pixel.x), 9 + static_cast<int>(pixel.y), kFaint);
-        left += 2 * radius + 3;
+    constexpr int kMiddleRow = 11;
+    constexpr int kGap = 8;
+    Canvas canvas(91, 60, 10);
+    int left = 4;
+    for (const int radius : {1, 2, 4, 7, 9}) {
+        drawCircle(canvas, {left + radius, kMiddleRow}, radius);
+        left += 2 * radius + 1 + kGap;
     }
-    const Plot plot(canvas, {3.0, 20.0, 87.0, 53.0}, {0.0, kGreatest + 1.0}, {0.9, 1.1});
+    const Plot plot(canvas, {4.0, 24.0, 86.0, 57.0}, {0.0, kGreatest + 1.0}, {0.96, 1.28});
     plot.level(1.0, 1.5, kInk);
     for (int radius = 1; radius <= kGreatest; ++radius) {
         const Chain chain = chainOf(digitalCircle(radius));
         const double round = 2 * kPi * radius;
-        canvas.dot(plot.at(radius, lengthOfSteps(*chain) / round), 4.0, kFaint);
-        canvas.dot(plot.at(radius, miniCalcOuterPerimeter(chain.get(), 1.0, 1.0) / round), 4.5, kBlue);
-        canvas.dot(plot.at(radius, miniCalcInnerPerimeter(chain.get(), 1.0, 1.0) / round), 4.5, kOrange);
+        const double outer = miniCalcOuterPerimeter(chain.get(), 1.0, 1.0);
+        const double inner = miniCalcInnerPerimeter(chain.get(), 1.0, 1.0);
+        canvas.dot(plot.at(radius, outer / round), 4.5, kBlue);
+        canvas.dot(plot.at(radius, inner / round), 4.5, kOrange);
+        canvas.dot(plot.at(radius, lengthOfSteps(*chain) / round), 2.5, kInk);
     }
     return canvas;
 }

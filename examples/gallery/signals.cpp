@@ -21,9 +21,11 @@ using Samples = std::vector<double>;
 
 constexpr int kZoom = 7;
 /// Columns of a canvas of panels, one below the other, with `kMargin` cells around them.
-constexpr int kColumns = 132;
+constexpr int kColumns = 134;
 constexpr int kMargin = 2;
 constexpr unsigned int kCount = 128;
+/// One sample a column, and a free one on each side.
+constexpr Interval kPlaces{-1.0, 128.0};
 
 void expectDone(unsigned int status, const char* name) {
     if (status != 0) throw std::runtime_error(std::string(name) + " failed");
@@ -105,13 +107,16 @@ Samples singleEvents() {
     return events;
 }
 
+/// Samples of the leading peak, which no event makes.
+constexpr unsigned int kPeak = 3;
+
 /// What is measured of single events that meet by chance: nothing, one, two at once and so on, by a series of
-/// convolutions.
+/// convolutions. Nothing has the area 1.
 Samples measured(const Samples& events) {
     constexpr int kMostAtOnce = 24;
     Samples sum(kCount);
     Samples term(kCount);
-    sum[0] = term[0] = 1.0;
+    term[0] = 1.0;
     for (int k = 1; k <= kMostAtOnce; ++k) {
         Samples next(kCount);
         for (std::size_t i = 0; i < kCount; ++i) {
@@ -121,7 +126,17 @@ Samples measured(const Samples& events) {
         }
         term = next;
     }
+    const double peak[kPeak] = {0.75, 0.21, 0.04};
+    for (std::size_t i = 0; i < kPeak; ++i)
+        sum[i] += peak[i];
     return sum;
+}
+
+double areaOf(const Samples& curve, unsigned int count) {
+    double area = 0.0;
+    for (unsigned int i = 0; i < count; ++i)
+        area += curve[i];
+    return area;
 }
 
 }  // namespace
@@ -140,7 +155,7 @@ Canvas drawSmoothing() {
     expectDone(matFFTSmooth(noisy.data(), kCount, smooth[2].data(), kBlackman), "matFFTSmooth");
     const Rgb colours[] = {kOrange, kBlue, kGreen};
     for (int i = 0; i < 3; ++i) {
-        const Plot plot(canvas, panel(i, kRows), {0.0, kCount - 1.0}, {-0.2, 1.1});
+        const Plot plot(canvas, panel(i, kRows), kPlaces, {-0.2, 1.1});
         plot.level(0.0, 1.5, kFaint);
         plot.dots(noisy, 2.5, kFaint);
         plot.curve(clean, 1.5, kInk);
@@ -158,7 +173,7 @@ Canvas drawWindows() {
     const Rgb colours[] = {kOrange, kBlue, kGreen, kViolet};
     for (unsigned short kind = 1; kind <= 4; ++kind) {
         const tagMAT_RECT2D area = panel(kind - 1, kRows);
-        const Plot plot(canvas, area, {0.0, kCount - 1.0}, {-2.5, 2.0});
+        const Plot plot(canvas, area, kPlaces, {-2.5, 2.0});
         Spectrum windowed = spectrum;
         matWindowFFT(windowed.real.data(), windowed.imaginary.data(), kCount, kind);
         plot.bars(decades(spectrum), 4.0, kFaint);
@@ -166,7 +181,7 @@ Canvas drawWindows() {
         // A spectrum of ones becomes the window itself.
         Spectrum ones{Samples(kCount, 1.0), Samples(kCount)};
         matWindowFFT(ones.real.data(), ones.imaginary.data(), kCount, kind);
-        Plot(canvas, area, {0.0, kCount - 1.0}, {0.0, 1.05}).curve(ones.real, 2.0, kInk);
+        Plot(canvas, area, kPlaces, {0.0, 1.05}).curve(ones.real, 2.0, kInk);
     }
     return canvas;
 }
@@ -179,7 +194,7 @@ Canvas drawMeanEnvelope() {
     for (const unsigned int rounds : {1U, 4U}) {
         Samples line(kCount);
         expectDone(matMeanEnvelope(curve.data(), kCount, line.data(), rounds, 8), "matMeanEnvelope");
-        const Plot plot(canvas, panel(index, kRows), {0.0, kCount - 1.0}, {-1.5, 1.7});
+        const Plot plot(canvas, panel(index, kRows), kPlaces, {-1.5, 1.7});
         plot.level(0.0, 1.5, kFaint);
         plot.curve(curve, 1.5, kInk);
         plot.dots(curve, 2.5, kInk);
@@ -191,7 +206,6 @@ Canvas drawMeanEnvelope() {
 
 Canvas drawDeconvolution() {
     constexpr int kRows = 37;
-    constexpr unsigned int kEndOfPeak = 1;
     constexpr unsigned short kHighestTerm = 40;
     Canvas canvas(kColumns, kMargin + 2 * (kRows + kMargin), kZoom);
     const Samples events = singleEvents();
@@ -199,10 +213,13 @@ Canvas drawDeconvolution() {
     int index = 0;
     for (unsigned short method = 1; method <= 2; ++method) {
         Samples result(kCount);
-        expectDone(
-            matDeconvolution(curve.data(), kCount, result.data(), 0, kEndOfPeak, 1.0, kHighestTerm, method),
-            "matDeconvolution");
-        const Plot plot(canvas, panel(index, kRows), {0.0, kCount - 1.0}, {0.0, 0.08});
+        expectDone(matDeconvolution(curve.data(), kCount, result.data(), 0, kPeak, 1.0, kHighestTerm, method),
+                   "matDeconvolution");
+        // The first method counts in areas of the peak, the second one in areas of the curve.
+        const double unit = areaOf(curve, method == 1 ? kPeak : kCount);
+        for (double& value : result)
+            value /= unit;
+        const Plot plot(canvas, panel(index, kRows), kPlaces, {0.0, 0.06});
         plot.bars(curve, 4.0, kFaint);
         plot.curve(result, 3.5, index == 0 ? kOrange : kBlue);
         plot.dots(events, 2.0, kInk);

@@ -43,6 +43,13 @@ split.png 897 421
 decomposition.png 869 421
 reduction.png 931 311
 convex_hulls.png 897 449
+smoothing.png 939 582
+windows.png 939 659
+mean_envelope.png 939 561
+deconvolution.png 939 561
+intensity_curves.png 939 540
+stretched_image.png 903 705
+perimeters.png 911 601
 END
 big_endian_32() { # FILE OFFSET
     od -An -tu1 -j "$2" -N 4 "$1" | awk '{ print (($1 * 256 + $2) * 256 + $3) * 256 + $4 }'
@@ -57,7 +64,9 @@ diff "$work/expected" "$work/found" || fail "names, order or sizes of the pictur
 for name in matGetBresenhamLine CMatBresenhamLine matClipLine2L matClipLine2D matComputeArrow matCalcEllipse \
     matGetEllipse polyGetRotatedEllipse polyGetArbitraryEllipse CMatNormalEncoder CMatRegressionLine \
     CMatRobustLineFit CMatMomentOfAnglesEvaluator matRegressionPlane polyMakeSimple polyRemoveStings \
-    polySeperateTouchingSegments polySplit polyDecompose polyReducePointsEx polyConvexHull; do
+    polySeperateTouchingSegments polySplit polyDecompose polyReducePointsEx polyConvexHull matSavitzkyGolay \
+    matMeanValue matFFTSmooth matFFT matWindowFFT matMapFFTData matMeanEnvelope matDeconvolution \
+    matInterpolateIntensityCurve matHorzStretchImage miniCalcInnerPerimeter miniCalcOuterPerimeter; do
     grep -q "figcaption>.*$name" "$work/first/index.html" || fail "the page does not name $name"
 done
 
