@@ -111,8 +111,8 @@ constexpr Picture kPictures[] = {
     {"windows.png", "A spectrum under windows",
      "matFFT of the noisy profile above, zero frequency in the middle; its amplitudes by matMapFFTData, as "
      "bars over four and a half decades. Grey is the whole spectrum, in colour what matWindowFFT leaves of "
-     "it. From above: triangular, Hann, Welch, Blackman. The line is the window itself, on a scale from 0 to "
-     "1.",
+     "it. From above: triangular, Hann, Welch, Blackman. The line is the window itself, on a linear scale "
+     "from 0.",
      drawWindows},
     {"mean_envelope.png", "A line between extremes",
      "matMeanEnvelope: a slow wave under a quick one, with a gap of 8 samples and after 1 round (orange) and "

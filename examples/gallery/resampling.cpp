@@ -22,7 +22,7 @@ constexpr double kPi = 3.14159265358979323846;
 constexpr double kWhite = 255.0;
 
 Rgb grey(double level) {
-    const auto byte = static_cast<std::uint8_t>(level + 0.5);
+    const auto byte = static_cast<std::uint8_t>(std::lround(level));
     return {byte, byte, byte};
 }
 
@@ -70,7 +70,9 @@ void drawMapping(Canvas& canvas, int left, const Mapping& mapping) {
 class Image {
   public:
     Image(int width, int height)
-        : width_(width), height_(height), pixels_(static_cast<std::size_t>(width * height)) {}
+        : width_(width),
+          height_(height),
+          pixels_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) {}
 
     int width() const { return width_; }
     int height() const { return height_; }

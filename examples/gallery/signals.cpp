@@ -194,7 +194,7 @@ Canvas drawMeanEnvelope() {
     for (const unsigned int rounds : {1U, 4U}) {
         Samples line(kCount);
         expectDone(matMeanEnvelope(curve.data(), kCount, line.data(), rounds, 8), "matMeanEnvelope");
-        const Plot plot(canvas, panel(index, kRows), kPlaces, {-1.5, 1.7});
+        const Plot plot(canvas, panel(index, kRows), kPlaces, {-1.1, 1.7});
         plot.level(0.0, 1.5, kFaint);
         plot.curve(curve, 1.5, kInk);
         plot.dots(curve, 2.5, kInk);
