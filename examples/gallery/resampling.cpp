@@ -76,7 +76,10 @@ class Image {
 
     int width() const { return width_; }
     int height() const { return height_; }
-    unsigned char& at(int x, int y) { return pixels_[static_cast<std::size_t>(y * width_ + x)]; }
+    unsigned char& at(int x, int y) {
+        return pixels_[static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
+                       static_cast<std::size_t>(x)];
+    }
     unsigned char* row(int y) { return &at(0, y); }
 
   private:
