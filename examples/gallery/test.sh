@@ -62,11 +62,12 @@ diff "$work/expected" "$work/found" || fail "names, order or sizes of the pictur
 [ -z "$(cksum "$work"/first/*.png | cut -d ' ' -f 1,2 | sort | uniq -d)" ] || fail "two pictures are the same"
 # Each picture is explained by the function that it shows.
 for name in matGetBresenhamLine CMatBresenhamLine matClipLine2L matClipLine2D matComputeArrow matCalcEllipse \
+    matSavitzkyGolay matMeanValue matFFTSmooth matFFT matWindowFFT matMapFFTData matMeanEnvelope \
+    matDeconvolution matInterpolateIntensityCurve matHorzStretchImage miniCalcInnerPerimeter \
+    miniCalcOuterPerimeter \
     matGetEllipse polyGetRotatedEllipse polyGetArbitraryEllipse CMatNormalEncoder CMatRegressionLine \
     CMatRobustLineFit CMatMomentOfAnglesEvaluator matRegressionPlane polyMakeSimple polyRemoveStings \
-    polySeperateTouchingSegments polySplit polyDecompose polyReducePointsEx polyConvexHull matSavitzkyGolay \
-    matMeanValue matFFTSmooth matFFT matWindowFFT matMapFFTData matMeanEnvelope matDeconvolution \
-    matInterpolateIntensityCurve matHorzStretchImage miniCalcInnerPerimeter miniCalcOuterPerimeter; do
+    polySeperateTouchingSegments polySplit polyDecompose polyReducePointsEx polyConvexHull; do
     grep -q "figcaption>.*$name" "$work/first/index.html" || fail "the page does not name $name"
 done
 
