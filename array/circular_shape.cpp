@@ -231,7 +231,7 @@ void findPeakSliding(const PeakSearch& search, std::uint64_t* sums, std::uint32_
 }
 
 void findPeak(const PeakSearch& search, Peak& peak) {
-    if (search.width <= 0 || search.height <= 0) return;
+    if (search.image == nullptr || search.width <= 0 || search.height <= 0) return;
     const auto width = static_cast<std::size_t>(search.width);
     const std::unique_ptr<std::uint64_t[]> sums(new (std::nothrow) std::uint64_t[width]);
     const std::unique_ptr<std::uint32_t[]> counts(new (std::nothrow) std::uint32_t[width]);
@@ -286,7 +286,7 @@ int matFindGlobalPeak2w(unsigned short** image, int width, int height, int radiu
 }
 
 extern "C" int matFindMinMaxValues(const double* values, unsigned char* flags, unsigned int count) {
-    if (count == 0) return 1;
+    if (count == 0 || values == nullptr || flags == nullptr) return 1;
     std::fill(flags, flags + count, kNoExtreme);
     std::size_t start = 0;
     while (start < count && values[start] == values[0])

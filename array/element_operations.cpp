@@ -80,6 +80,11 @@ bool isType(unsigned int type) {
     return elementSize(type) != 0;
 }
 
+/// An array without rows needs no table.
+bool hasRows(const void* rows, unsigned int height) {
+    return rows != nullptr || height == 0;
+}
+
 /// What the range of floats is stretched over.
 double spanOf(unsigned int type) {
     switch (type) {
@@ -247,7 +252,7 @@ extern "C" int matConvertArrayFromFloat2v(const float* const* source, void* cons
 extern "C" int matClearArray2v(void* const* rows, unsigned int width, unsigned int height, unsigned int type,
                                double value) {
     unsigned char element[8] = {};
-    if (!mapValue(value, element, type)) return 0;
+    if (!hasRows(rows, height) || !mapValue(value, element, type)) return 0;
     const auto fill = elementKernels().fill[type];
     forEachPart(rows, width, height, type,
                 [&](void* part, std::size_t count) { fill(part, count, element); });
@@ -256,6 +261,7 @@ extern "C" int matClearArray2v(void* const* rows, unsigned int width, unsigned i
 
 extern "C" int matClampArray2v(void* const* rows, unsigned int width, unsigned int height, unsigned int type,
                                double low, double high) {
+    if (!hasRows(rows, height)) return 0;
     const bool isKnown = dispatchElement(type, [&]<class ElementType>(ElementType /*element*/) {
         const ClampBounds bounds = clampBounds<ElementType>(low, high);
         const auto clamp = elementKernels().clamp[type];
@@ -279,5 +285,5 @@ extern "C" int matTransformArray2v(void* const* rows, unsigned int width, unsign
 }
 
 extern "C" int matMapValue1d(double value, void* out, unsigned int type) {
-    return mapValue(value, out, type) ? 1 : 0;
+    return out != nullptr && mapValue(value, out, type) ? 1 : 0;
 }

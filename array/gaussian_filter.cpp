@@ -19,14 +19,8 @@ namespace {
 /// Sigmas closer than this share a kernel.
 constexpr double kSameSigma = 1e-5;
 
-constexpr std::int32_t kNoRadius = std::numeric_limits<std::int32_t>::min();
-
-/// The largest radius whose 2 * (2 * radius + 1) numbers can be counted in 32 bits.
-constexpr std::int32_t kLargestRadius = 0x1FFFFFFE;
-
-bool hasKernel(std::int32_t radius) {
-    return radius == kNoRadius || (radius >= 0 && radius <= kLargestRadius);
-}
+/// The largest radius whose 2 * (2 * radius + 1) numbers can be counted in 32 bits with a sign.
+constexpr std::int32_t kLargestRadius = 0x1FFFFFFF;
 
 }  // namespace
 
@@ -89,7 +83,7 @@ int CGaussianBlurFilter3D::Run() {
     // Not even a part of the volume is filtered when an axis cannot be.
     for (int axis = 0; axis < kAxes && elementSize(m_type) != 0 && m_type <= MAT_ARRAY_DOUBLE; ++axis) {
         if (axis == kAxisZ && m_depth < 2) continue;
-        if (!hasKernel(gaussianRadius(m_sigma[axis], m_radiusFactor[axis]))) return kFilterFailed;
+        if (gaussianRadius(m_sigma[axis], m_radiusFactor[axis]) > kLargestRadius) return kFilterFailed;
     }
     result = CImageSignalFilter3D::Run();
     return m_isKernelLacking ? kFilterFailed : result;
@@ -112,9 +106,9 @@ bool CGaussianBlurFilter3D::buildKernel(std::int32_t radius, double sigma) {
     m_kernel.weights = m_kernel.window = nullptr;
     m_kernel.radius = radius;
     m_kernel.sigma = sigma;
-    if (!hasKernel(radius)) return false;
-    // 1 for no radius.
-    const auto count = static_cast<std::size_t>(frame::wrapAdd(frame::wrapAdd(radius, radius), 1));
+    if (radius > kLargestRadius) return false;
+    // The empty windows of a negative radius never look at the one weight that stands for its kernel.
+    const std::size_t count = radius < 0 ? 1 : 2 * static_cast<std::size_t>(radius) + 1;
     m_kernel.weights = static_cast<double*>(std::calloc(2 * count, sizeof(double)));
     if (m_kernel.weights == nullptr) return false;
     m_kernel.window = m_kernel.weights + count;

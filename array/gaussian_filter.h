@@ -3,7 +3,6 @@
 #define VELQUAD_ARRAY_GAUSSIAN_FILTER_H
 
 #include <cstdint>
-#include <limits>
 
 #include "array/signal_filter.h"
 #include "velquad/types.h"
@@ -24,7 +23,7 @@ struct tagMAT_GAUSS_KERNEL {
 };
 
 /// The radius at which a Gaussian is cut off; -2147483648 when it does not fit 32 bits or is not a number.
-/// The windows of such a radius are empty, and so all results are 0.
+/// The windows of a negative radius, this one included, are empty, and so all results are 0.
 std::int32_t gaussianRadius(double sigma, double radiusFactor);
 
 /// exp(-k^2 / (2 sigma^2)), with k^2 in 32 bits that wrap around.

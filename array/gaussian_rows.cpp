@@ -36,8 +36,6 @@ constexpr std::size_t kLargestTabledKernel = 255;
 /// With a callback, lines of a Z pass are announced and filtered in slabs of this width.
 constexpr std::uint32_t kSlabWidth = 64;
 
-constexpr std::int32_t kNoRadius = std::numeric_limits<std::int32_t>::min();
-
 /// The part of a kernel that one sample sees, normalised.
 struct Window {
     const double* weights;
@@ -50,17 +48,14 @@ class Windows {
   public:
     Windows() = default;
 
-    /// @return false for a radius that has no kernel.
-    bool plan(double sigma, double radiusFactor, std::uint32_t length) {
+    void plan(double sigma, double radiusFactor, std::uint32_t length) {
         const std::int32_t radius = gaussianRadius(sigma, radiusFactor);
-        if (radius < 0 && radius != kNoRadius) return false;
         sigma_ = sigma;
         length_ = length;
-        isEmpty_ = radius == kNoRadius || length == 0;
+        isEmpty_ = radius < 0 || length == 0;
         // What lies beyond the length of the line is never seen.
         if (!isEmpty_) reach_ = std::min<std::size_t>(static_cast<std::size_t>(radius), length - 1);
         isTabled_ = kernelLength() <= kLargestTabledKernel;
-        return true;
     }
 
     std::size_t reach() const { return reach_; }
@@ -193,9 +188,7 @@ class RowFilter {
         for (int axis = 0; axis < kAxes; ++axis) {
             // No line runs along Z in a single slice.
             if (axis == kAxisZ && filter_.m_depth < 2) continue;
-            if (!windows_[axis].plan(filter_.m_sigma[axis], filter_.m_radiusFactor[axis],
-                                     filter_.sizeAlong(axis)))
-                return false;
+            windows_[axis].plan(filter_.m_sigma[axis], filter_.m_radiusFactor[axis], filter_.sizeAlong(axis));
         }
         if (!areStepsRegular() || !areRowsDisjoint() || !allocate()) return false;
         load_ = volumeKernels().toDouble[filter_.m_type - 1];

@@ -10,8 +10,7 @@ namespace velquad::array {
 /// Runs an attached filter by rows. Results, and number and order of the callback's calls, are those of the
 /// run by lines; when the callback stops the run, exactly the lines before that call are filtered.
 /// @return the result of the run in `result`; false when it has to be done by lines, for a volume whose rows
-///         overlap, steps that do not fit the rows, a radius without a kernel, and without memory. Nothing
-///         was done then.
+///         overlap, steps that do not fit the rows, and without memory. Nothing was done then.
 bool runByRows(const CGaussianBlurFilter3D& filter, int& result);
 
 }  // namespace velquad::array

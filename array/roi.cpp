@@ -28,7 +28,7 @@ RegionTable mapRegion(const void* rows, int width, int height, unsigned int type
     } else {
         SetRect(&region, 0, 0, frame::wrapSub(width, 1), frame::wrapSub(height, 1));
     }
-    if (!isAccepted(region, width, height)) return nullptr;
+    if (rows == nullptr || !isAccepted(region, width, height)) return nullptr;
     const auto top = static_cast<std::size_t>(region.top);
     const std::size_t count = static_cast<std::size_t>(region.bottom) - top + 1;
     RegionTable table(static_cast<void**>(std::malloc(count * kRowEntrySize)));

@@ -327,6 +327,7 @@ constexpr std::uint64_t kMaxValuesPerRow = 0x7FFFFFFFU;
 void zoomArray(unsigned int srcWidth, unsigned int srcHeight, const void* srcRows, unsigned int dstWidth,
                unsigned int dstHeight, const void* dstRows, unsigned int type, unsigned int flags) {
     if (srcWidth == 0 || srcHeight == 0 || dstWidth == 0 || dstHeight == 0) return;
+    if (srcRows == nullptr || dstRows == nullptr) return;
     velquad::array::dispatchElement(type, [&]<class ElementType>(ElementType /*element*/) {
         if (std::uint64_t{srcWidth} * ElementType::kComponents > kMaxValuesPerRow) return;
         const Zoom zoom{Axis(srcWidth, dstWidth),

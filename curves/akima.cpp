@@ -92,11 +92,11 @@ class AkimaCurve {
 /// there is room for one only.
 template <class Curve>
 void sample(const double* values, std::size_t count, double* out, int outCount, const Curve& curve) {
+    const int last = outCount > 2 ? outCount - 1 : 1;
     out[0] = values[0];
-    for (int k = 1; k < outCount - 1; ++k)
-        out[k] = curve(static_cast<double>(k) * static_cast<double>(count - 1) /
-                       static_cast<double>(outCount - 1));
-    out[outCount > 2 ? outCount - 1 : 1] = values[count - 1];
+    for (int k = 1; k < last; ++k)
+        out[k] = curve(static_cast<double>(k) * static_cast<double>(count - 1) / static_cast<double>(last));
+    out[last] = values[count - 1];
 }
 
 }  // namespace

@@ -183,15 +183,15 @@ class Resampler {
           sumInside_(sumInsideOf(order)),
           basis_(knots, order) {}
 
-    /// Forms the inner values.
-    void sample(double* out, int outCount) {
+    /// Forms the inner values, those between the first one and `last`.
+    void sample(double* out, int outCount, int last) {
         const double du = static_cast<double>(end_) / outCount;
         const double dx = static_cast<double>(count_ - 1) / outCount;
         Place place{0.0, 0.0};
-        for (int j = 1; j < outCount - 1; ++j) {
+        for (int j = 1; j < last; ++j) {
             place = {place.u + du, place.x + dx};
             const Place next{place.u + du, place.x + dx};
-            if (j + 1 < outCount - 1 && isInside(place) && isInside(next)) {
+            if (j + 1 < last && isInside(place) && isInside(next)) {
                 const auto whole = static_cast<Index>(place.u);
                 const auto nextWhole = static_cast<Index>(next.u);
                 const Pair sums = sumInside_(Pair{place.u, next.u},
@@ -240,14 +240,15 @@ extern "C" int matBSpline(const double* values, unsigned int count, double* out,
     if (values == nullptr || out == nullptr || count == 0 || outCount == 0 || order == 0)
         return velquad::kSignalBadArgument;
     const Knots knots(count, order);
+    const int last = outCount > 2 ? outCount - 1 : 1;
     out[0] = values[0];
     if (knots.end() <= 0) {
         // No parameter lies between two knots.
-        for (int j = 1; j < outCount - 1; ++j)
+        for (int j = 1; j < last; ++j)
             out[j] = 0.0;
     } else {
-        Resampler(knots, values, count, order).sample(out, outCount);
+        Resampler(knots, values, count, order).sample(out, outCount, last);
     }
-    out[outCount > 2 ? outCount - 1 : 1] = values[count - 1];
+    out[last] = values[count - 1];
     return velquad::kSignalOk;
 }

@@ -74,6 +74,7 @@ BlockSums sumLastBlockRow(const Pixel* pixels, std::ptrdiff_t width, std::ptrdif
 
 template <class Pixel>
 void computeAmplitudes(const Pixel* pixels, const CSize& size, double* amplitudes, int count) {
+    if (pixels == nullptr || amplitudes == nullptr) return;
     const BlockSums sums = sumLastBlockRow(pixels, size.cx, size.cy);
     double sum[kBins] = {};
     double weight[kBins] = {};

@@ -88,6 +88,8 @@ class Walk {
         : data_(data), n_(n), result_(result), gap_(gap), extremes_(extremes), value_(data[0]) {}
 
     void run() {
+        // The first extreme is the first value, unless not-a-numbers stand there.
+        result_[0] = value_;
         // One more round runs when both lists are at their ends. Only not-a-numbers can keep the walk from
         // getting there.
         bool isLastRound = false;
@@ -205,7 +207,7 @@ extern "C" unsigned int matMeanEnvelope(const double* in, unsigned int n, double
     double* back = curves.as<double>();
     double* spare = back + count;
     if (count == 1) {
-        out[0] = (in[0] + in[0]) * 0.5;
+        out[0] = in[0];
         return velquad::kSignalOk;
     }
     Extremes extremes(lists.as<std::uint32_t>(), count);

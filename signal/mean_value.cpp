@@ -24,7 +24,9 @@ double meanAt(const double* in, Index n, Index i, Index window) {
 }  // namespace
 
 extern "C" unsigned int matMeanValue(const double* in, int n, double* out, int window) {
-    if (in == nullptr || out == nullptr || n == 0 || window == 0) return velquad::kSignalBadArgument;
+    if (n == 0 || window == 0) return velquad::kSignalBadArgument;
+    if (n < 0) return velquad::kSignalOk;
+    if (in == nullptr || out == nullptr) return velquad::kSignalBadArgument;
     const Index before = window / 2;
     // Values from here to there have whole windows.
     const Index firstWhole = std::min<Index>(before, n);

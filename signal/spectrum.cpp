@@ -103,7 +103,7 @@ extern "C" unsigned int matWindowFFT(double* real, double* imaginary, unsigned i
 
 extern "C" unsigned int matMapFFTData(const double* real, const double* imaginary, double* out,
                                       unsigned int n, unsigned short mode) {
-    if (real == nullptr || imaginary == nullptr || out == nullptr) return kSignalBadArgument;
+    if (n != 0 && (real == nullptr || imaginary == nullptr || out == nullptr)) return kSignalBadArgument;
     switch (mode) {
         case 1:
             mapEach(real, imaginary, out, n, [](double re, double im) { return im * im + re * re; });

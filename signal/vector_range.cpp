@@ -40,12 +40,14 @@ double meanOf(const double* values, unsigned int count) {
 extern "C" int matGetRange(const double* values, unsigned int count, double* minimum, double* maximum,
                            double* mean) {
     if (values == nullptr || count == 0) return 0;
+    // All is computed before anything is stored: a result may be one of the values.
+    const double computedMean = mean != nullptr ? meanOf(values, count) : 0.0;
     if (minimum != nullptr || maximum != nullptr) {
         const Extent extent = extentOf(values, count);
         if (minimum != nullptr) *minimum = extent.low;
         if (maximum != nullptr) *maximum = extent.high;
     }
-    if (mean != nullptr) *mean = meanOf(values, count);
+    if (mean != nullptr) *mean = computedMean;
     return 1;
 }
 
@@ -54,8 +56,11 @@ extern "C" int matLinearCorrection(const double* values, double* accumulator, un
     if (values == nullptr || accumulator == nullptr) return 0;
     // Kept: one sum, not a corrected curve.
     double sum = *accumulator;
-    for (unsigned int i = 0; i < count; ++i)
-        sum += slope * values[i] + offset;
+    for (unsigned int i = 0; i < count; ++i) {
+        // The sum may stand among the values, and is then one of them as far as it has got.
+        const double value = values + i == accumulator ? sum : values[i];
+        sum += slope * value + offset;
+    }
     *accumulator = sum;
     return 0;
 }

@@ -102,6 +102,61 @@ constexpr Picture kPictures[] = {
      drawReduction},
     {"convex_hulls.png", "Convex hulls",
      "polyConvexHull of scattered pixels and of the vertices of an outline.", drawConvexHulls},
+    {"polynomials.png", "Polynomials through noisy points",
+     "matPolynomFit and matPolynomEval: a cubic with noise, fitted by polynomials of degree 1 (green), 3 "
+     "(blue) and 11 (orange). The first is too stiff, the last follows the noise.",
+     drawPolynomials},
+    {"correlation.png", "A pattern found in a signal",
+     "fnrInitCorrelation and fnrDoCorrelation: above the pattern (blue), in the middle a signal that holds "
+     "it "
+     "twice, once upside down, and below the correlation, between lines at 1 and -1. Each number of it "
+     "stands below the first sample of its stretch. The highest (green) is where the pattern lies, the "
+     "lowest (red) where it lies upside down; the slow bend of the signal hardly matters.",
+     drawCorrelation},
+    {"zero_crossings.png", "Zero crossings of a curve",
+     "fnrFindZeroPoint: where the curve between the samples rises (green) and falls (red) through zero. A "
+     "run of zeros on the way up is one crossing, on the straight line between the samples around it (grey). "
+     "Zeros that the curve touches from above are none.",
+     drawZeroCrossings},
+    {"smoothing.png", "A profile smoothed",
+     "A profile (ink) was measured with noise (dots). matSavitzkyGolay (orange) fits parabolas to 13 "
+     "samples: it keeps more of narrow bells, overshoots at steep edges and repeats the nearest value at "
+     "both ends. matMeanValue (blue) takes the mean of 13 samples and flattens what is narrower. "
+     "matFFTSmooth (green), here with a Blackman window, is the gentlest.",
+     drawSmoothing},
+    {"windows.png", "A spectrum under windows",
+     "matFFT of the noisy profile above, zero frequency in the middle; its amplitudes by matMapFFTData, as "
+     "bars over four and a half decades. Grey is the whole spectrum, in colour what matWindowFFT leaves of "
+     "it. From above: triangular, Hann, Welch, Blackman. The line is the window itself, on a linear scale "
+     "from 0.",
+     drawWindows},
+    {"mean_envelope.png", "A line between extremes",
+     "matMeanEnvelope: a slow wave under a quick one, with a gap of 8 samples and after 1 round (orange) and "
+     "4 rounds (blue). Where the quick wave pauses, the extremes lie farther apart and one round keeps to "
+     "the curve. At the ends, where extremes are known on one side only, the line may leave the curve.",
+     drawMeanEnvelope},
+    {"deconvolution.png", "A distribution freed of chance meetings",
+     "matDeconvolution: measured (grey bars) are single events, two at once, three at once and so on, behind "
+     "a peak on the left without any event, which reaches beyond the panel. The dots are the single events "
+     "that the curve was made of; the lines are what comes back, by the logarithm of the spectrum (orange) "
+     "and by the series of that logarithm (blue). The first is drawn in areas of the peak, the second in "
+     "areas of the whole curve.",
+     drawDeconvolution},
+    {"intensity_curves.png", "Mappings of grey levels",
+     "matInterpolateIntensityCurve: natural cubic splines through a few points, and a ramp of grey levels "
+     "before (upper strip) and after (lower strip). The right one swings beyond its points and is cut at "
+     "black and white.",
+     drawIntensityCurves},
+    {"stretched_image.png", "An image stretched",
+     "matHorzStretchImage: on the left above an image 24 pixels wide; beside it the same at 12 and 36, below "
+     "at 72 pixels. At the bottom a row of the widest one (orange) through the old pixels (ink). The curve "
+     "swings beyond steep edges, cut at black and white, and goes on behind the last old pixel.",
+     drawStretchedImage},
+    {"perimeters.png", "Lengths of digital circles",
+     "miniCalcInnerPerimeter (orange) and miniCalcOuterPerimeter (blue) of digital circles with radii from 1 "
+     "to 40 pixels, against 2 pi r: the line is 1, the lower edge 0.96 and the upper one 1.28. Small dots "
+     "are the sums of the steps from pixel to pixel. Above, five of the circles with the true ones.",
+     drawPerimeters},
 };
 
 void writePage(const std::string& path) {

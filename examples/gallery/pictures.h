@@ -41,6 +41,26 @@ Canvas drawDecomposition();
 Canvas drawReduction();
 /// Convex hulls of points and of an outline.
 Canvas drawConvexHulls();
+/// Polynomials of several degrees through noisy points.
+Canvas drawPolynomials();
+/// A pattern found in a signal.
+Canvas drawCorrelation();
+/// Where a curve rises and falls through zero.
+Canvas drawZeroCrossings();
+/// A noisy profile smoothed in three ways.
+Canvas drawSmoothing();
+/// The spectrum of the profile under each window.
+Canvas drawWindows();
+/// A line between the extremes of a curve.
+Canvas drawMeanEnvelope();
+/// A distribution freed of events that met by chance.
+Canvas drawDeconvolution();
+/// Mappings of grey levels, each through a few points.
+Canvas drawIntensityCurves();
+/// An image stretched to several widths.
+Canvas drawStretchedImage();
+/// Lengths of digital circles against those of true ones.
+Canvas drawPerimeters();
 
 }  // namespace gallery
 

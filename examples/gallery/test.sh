@@ -43,6 +43,16 @@ split.png 897 421
 decomposition.png 869 421
 reduction.png 931 311
 convex_hulls.png 897 449
+polynomials.png 855 575
+correlation.png 925 613
+zero_crossings.png 949 421
+smoothing.png 939 582
+windows.png 939 659
+mean_envelope.png 939 561
+deconvolution.png 939 561
+intensity_curves.png 939 540
+stretched_image.png 903 705
+perimeters.png 911 601
 END
 big_endian_32() { # FILE OFFSET
     od -An -tu1 -j "$2" -N 4 "$1" | awk '{ print (($1 * 256 + $2) * 256 + $3) * 256 + $4 }'
@@ -55,9 +65,13 @@ diff "$work/expected" "$work/found" || fail "names, order or sizes of the pictur
 [ -z "$(cksum "$work"/first/*.png | cut -d ' ' -f 1,2 | sort | uniq -d)" ] || fail "two pictures are the same"
 # Each picture is explained by the function that it shows.
 for name in matGetBresenhamLine CMatBresenhamLine matClipLine2L matClipLine2D matComputeArrow matCalcEllipse \
+    matSavitzkyGolay matMeanValue matFFTSmooth matFFT matWindowFFT matMapFFTData matMeanEnvelope \
+    matDeconvolution matInterpolateIntensityCurve matHorzStretchImage miniCalcInnerPerimeter \
+    miniCalcOuterPerimeter \
     matGetEllipse polyGetRotatedEllipse polyGetArbitraryEllipse CMatNormalEncoder CMatRegressionLine \
     CMatRobustLineFit CMatMomentOfAnglesEvaluator matRegressionPlane polyMakeSimple polyRemoveStings \
-    polySeperateTouchingSegments polySplit polyDecompose polyReducePointsEx polyConvexHull; do
+    polySeperateTouchingSegments polySplit polyDecompose polyReducePointsEx polyConvexHull matPolynomFit \
+    matPolynomEval fnrInitCorrelation fnrDoCorrelation fnrFindZeroPoint; do
     grep -q "figcaption>.*$name" "$work/first/index.html" || fail "the page does not name $name"
 done
 

@@ -106,7 +106,7 @@ VELQUAD_API int matConvertArrayFromFloat2v(const float* const* source, void* con
 
 /// Fills an array with one value, converted as by `matMapValue1d`; a double is stored as it is. The fourth byte of a
 /// four-byte pixel keeps its value.
-/// @return 1, or 0 for a code that is no type. `rows` is not tested.
+/// @return 1; 0 for a code that is no type, and for null rows unless the height is 0.
 VELQUAD_API int matClearArray2v(void* const* rows, unsigned int width, unsigned int height, unsigned int type,
                                 double value);
 
@@ -116,7 +116,7 @@ VELQUAD_API int matClearArray2v(void* const* rows, unsigned int width, unsigned 
 ///       lies beyond the other end the low bits are taken.
 ///   (2) Where the bounds cross, the upper one wins for the types 1, 2, 3, 5, 6, 9 and 10, the lower one for 4, 7, 8.
 ///   (3) Type 5: a low bound within the range of 32 bits takes the value of the high one, so all elements become it.
-/// @return 1, or 0 for a code that is no type. `rows` is not tested.
+/// @return 1; 0 for a code that is no type, and for null rows unless the height is 0.
 VELQUAD_API int matClampArray2v(void* const* rows, unsigned int width, unsigned int height, unsigned int type,
                                 double low, double high);
 
@@ -132,7 +132,7 @@ VELQUAD_API int matTransformArray2v(void* const* rows, unsigned int width, unsig
 ///   (3) Type 7 limits to the largest float, type 8 stores the value.
 ///   (4) Pixels: the value is a packed pixel, low byte first, truncated.
 /// @param out  at least 8 bytes at any address.
-/// @return 1, or 0 for a code that is no type.
+/// @return 1; 0 for a code that is no type and a null `out`.
 VELQUAD_API int matMapValue1d(double value, void* out, unsigned int type);
 /// @}
 
@@ -146,7 +146,7 @@ VELQUAD_API int matMapValue1d(double value, void* out, unsigned int type);
 ///               0 <= top <= bottom <= height: one column and one row beyond the array pass, and what the table then
 ///               names is the caller's.
 /// @return the table of bottom - top + 1 rows, to be released by `matFreeArrayMappedToRoi2v` only; null for a region
-///         that is not accepted and without memory.
+///         that is not accepted, for null rows and without memory.
 VELQUAD_API void** matMapArrayToROI2v(void* const* rows, int width, unsigned int height, unsigned int type,
                                       unsigned int channels, const RECT* roi);
 
@@ -166,14 +166,15 @@ VELQUAD_API int matFreeArrayMappedToRoi2v(void** table);
 
 /// Resamples an array to another size.
 /// @param flags  bit value 4: cubic; else bit value 2: bilinear; else nearest.
-/// @return 1. An unknown type and an empty source or destination write nothing.
+/// @return 1. An unknown type, a null table, an empty source or destination, and source rows of more than 2147483647
+///         values (a pixel of bytes has three or four) write nothing.
 VELQUAD_API int matZoomArray2v(unsigned int srcWidth, unsigned int srcHeight, const void* const* srcRows,
                                unsigned int dstWidth, unsigned int dstHeight, void* const* dstRows,
                                unsigned int type, unsigned int flags);
 
 /// Resamples a region of an array into a region of another. Regions are those of `matMapArrayToROI2v`; null stands
 /// for the whole array.
-/// @return 1, or 0 when a region is not accepted or without memory; nothing is written then.
+/// @return 1, or 0 for a null table, when a region is not accepted, or without memory; nothing is written then.
 VELQUAD_API int matZoomArrayROI2v(unsigned int srcWidth, unsigned int srcHeight, const void* const* srcRows,
                                   const RECT* srcRoi, unsigned int dstWidth, unsigned int dstHeight,
                                   void* const* dstRows, const RECT* dstRoi, unsigned int type,
@@ -193,7 +194,7 @@ VELQUAD_API int matZoomImage(unsigned int srcWidth, unsigned int srcHeight, unsi
 ///   (1) The middle of a maximal plateau, rounded down, is marked 255, that of a minimal one 0, all else 127.
 ///   (2) The ends of the sequence are never marked.
 /// @param flags  `count` bytes.
-/// @return 1.
+/// @return 1, also for null pointers, which write nothing.
 VELQUAD_API int matFindMinMaxValues(const double* values, unsigned char* flags, unsigned int count);
 
 }  // extern "C"
@@ -221,7 +222,7 @@ VELQUAD_API int matFreeCircularShape2w(unsigned short** shape, double* distances
 
 /// Finds where the mean of an image under a disc is largest. At the border the mean is that of the cells within the
 /// image. Among equal means the one with the largest y wins, within a row the one with the largest x.
-/// @param peak   optional: receives the place; (-1, -1) for an empty image.
+/// @param peak   optional: receives the place; (-1, -1) for an empty or null image.
 /// @param value  optional: receives the mean there; below 1e-7 it is 0, for an empty image -3.4028234663852886e38.
 /// @return 1, or 0 when the tables of the disc cannot be made; nothing is stored then.
 /// @par Cost  O(width * height * radius).
@@ -257,7 +258,8 @@ extern "C" {
 /// In front of the slice table stand eight 32-bit words: `width`, `height`, `depth`, `type`, `channels`,
 /// bytes of all elements modulo 2^32, and two zeros.
 /// @param dataOut  optional: receives null, as there is no single block of data; left alone on failure.
-/// @return the slice table, which the caller owns until `matFreeArray3v`; null without memory.
+/// @return the slice table, which the caller owns until `matFreeArray3v`; null without memory, and for slices
+///         that `matAllocArray2v` does not make.
 VELQUAD_API void*** matAllocArray3v(unsigned int width, unsigned int height, unsigned int depth,
                                     unsigned int type, unsigned int channels, void** dataOut);
 
@@ -327,9 +329,10 @@ VELQUAD_API int matConvertFromFloat2v(float** source, void** destination, unsign
 /// from where the inverse map says it comes from.
 ///   (1) The matrix maps source positions to destination positions, row by row for column vectors, and acts
 ///       on voxel centres: voxel 0 reaches from -0.5 to 0.5. A singular matrix is not reported.
-///   (2) A position belongs to the source from above -1 to below the size, on every axis. Between -1 and 0
-///       the values of cells 0 and 1 are extrapolated; from size - 1 on the last cell's value is taken. All
-///       else, and every voxel of an empty source, becomes background.
+///   (2) A position belongs to the source from above -1 to below the size, on every axis; one within 1e-7 of
+///       the next whole number away from zero has reached it. Between -1 and 0 the values of cells 0 and 1
+///       are extrapolated; from size - 1 on the last cell's value is taken. All else, and every voxel of an
+///       empty source, becomes background.
 ///   (3) Trilinear interpolation in double; the result is rounded and limited to the type.
 ///   (4) Nearest sampling rounds positions as values are rounded (see Volumes) and copies pixels unchanged.
 ///   (5) A voxel that maps to infinity takes the position of the voxel before it.
@@ -361,11 +364,12 @@ extern "C" VELQUAD_API int matAffinTransformArray3v(unsigned int srcWidth, unsig
 /// Smooths a volume in place by a Gaussian along Z, Y and X, one axis after the other; Z only with more than
 /// one slice. The kernel of each axis is cut off at a radius and normalised over what of it lies in the
 /// volume, so that a constant volume stays constant up to its faces.
-///   (1) A sigma of 0, and a radius below 1, leave an axis as it is.
+///   (1) A sigma of 0, and a radius below 1, leave an axis as it is. But a sigma so close to 0 that its square
+///       is 0 has no weights: everything becomes a not-a-number before it is rounded.
 ///   (2) Without conversion, values are rounded to their type after each axis. With conversion, types 1 to 4
 ///       are filtered in a copy of floats, types 5 and 6 in one of doubles, and rounded once.
 ///   (3) `MAT_ARRAY_BYTE3`, `MAT_ARRAY_BYTE4` and unknown types pass through all lines unchanged.
-///   (4) A radius that does not fit 32 bits, or is not a number, makes the axis zero.
+///   (4) A negative radius, and one that does not fit 32 bits or is not a number, makes the axis zero.
 /// @param size          width, height and depth.
 /// @param strides       optional: byte steps along X, Y and Z, counted from the first element of a line, for
 ///                      volumes in one block; 0 and 0xFFFFFFFF stand for none, and the tables are used. Not
@@ -380,8 +384,9 @@ extern "C" VELQUAD_API int matAffinTransformArray3v(unsigned int srcWidth, unsig
 ///                      filtered. Lines may be announced some time ahead of their filtering, so the callback
 ///                      must not look at the volume.
 /// @return 1 for done, 2 when the callback ended it, 0 without memory, for null arguments that are needed,
-///         and for a negative radius, or one of 2^29 and more in a volume whose rows overlap. A filtered copy
-///         is stored even when the callback ended the work, and the result is 1 then.
+///         and for a radius of 2^29 and more in a volume whose rows overlap. When memory ends in the course of
+///         the work, a volume without conversion may be partly filtered. A filtered copy is stored even when
+///         the callback ended the work, and the result is 1 then.
 /// @par Cost  O(voxels * radius). Beyond the copy, memory for some rows.
 VELQUAD_API DWORD matGaussianBlurFilter3v(void*** volume, unsigned int* const size, unsigned int type,
                                           unsigned int channels, unsigned int* const strides,

@@ -17,7 +17,8 @@
 ///   (2) The transform works in single precision, so a constant image leaves rounding residues outside of bin 0.
 ///   (3) An image narrower than a block has amplitudes 0.
 /// @param pixels      size.cy rows of size.cx pixels without gaps.
-/// @param amplitudes  receives min(count, 8) mean energies per pixel of the image; untouched for an empty image.
+/// @param amplitudes  receives min(count, 8) mean energies per pixel of the image; untouched for an empty or a null
+///                    image.
 /// @par Source  N. Ahmed, T. Natarajan, K. R. Rao, IEEE Transactions on Computers 23 (1974).
 /// @{
 VELQUAD_API void matGet8Amplitudes(unsigned char const* pixels, CSize const& size, double* amplitudes,
@@ -92,7 +93,7 @@ VELQUAD_API unsigned short matDeconvolution(const double* data, unsigned int cou
 /// @return `velquad::SignalStatus`: 3 for a null array and for the arguments that each function names.
 /// @{
 
-/// Fits a parabola (a cubic for derivatives 0 and 1 gives the same) to a sliding window and takes its value or a
+/// Fits a parabola (a cubic for derivatives 0 and 2 gives the same) to a sliding window and takes its value or a
 /// derivative in the middle.
 ///   (1) Both ends, half a window each, repeat the nearest value that has a whole window. Without any whole window
 ///       all is 0.
@@ -140,13 +141,14 @@ VELQUAD_API unsigned int matMeanEnvelope(const double* in, unsigned int n, doubl
 ///       its extreme. Values that are not numbers leave them alone.
 ///   (2) The mean adds up partial sums of a hundred values, each divided by `count`.
 /// @param values   `count` values.
-/// @param minimum, maximum, mean  results; each may be null.
+/// @param minimum, maximum, mean  results; each may be null, or one of the values.
 /// @return 1; 0, with nothing written, for no values.
 VELQUAD_API int matGetRange(const double* values, unsigned int count, double* minimum, double* maximum,
                             double* mean);
 
 /// Adds slope * value + offset of every value, one after the other, to one sum. No curve is written.
-/// @param accumulator  the sum, which goes on from what it holds.
+/// @param accumulator  the sum, which goes on from what it holds. It may be one of the values, which then counts
+///                     with the sum up to it.
 /// @return 0.
 VELQUAD_API int matLinearCorrection(const double* values, double* accumulator, unsigned int count,
                                     double slope, double offset);

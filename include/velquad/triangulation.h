@@ -42,7 +42,8 @@ typedef int (*MatDelaunayPositionCallback)(tagPOINT3D* position, void* user);
 /// are listed as they were inserted, edges as they were made. Predicates are computed in doubles as they stand, so
 /// the same calls give the same triangulation everywhere.
 /// **Failures.** No exception leaves these functions, not even one of a callback: it turns into the failure value.
-/// When memory is short the triangulation stays as it was before the call.
+/// When memory is short the triangulation stays as it was before the call, except that a first insertion may leave
+/// the extent that it made.
 /// **Threads.** A handle belongs to one thread at a time. A callback must not change the triangulation.
 /// @par Source  L. Guibas, J. Stolfi, Primitives for the manipulation of general subdivisions and the computation of
 ///              Voronoi diagrams, ACM Transactions on Graphics 4 (1985).

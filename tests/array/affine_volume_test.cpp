@@ -91,8 +91,7 @@ TEST(AffineVolumeTest, ExtrapolatesInTheHalfVoxelBeforeTheFirst) {
 }
 
 TEST(AffineVolumeTest, TheStripFromMinusOneToZeroIsInside) {
-    // Positions -0.75, 0.25, ... and -1.0, which is outside; below -1 by less than the cell tolerance still
-    // is.
+    // Position -0.75, and -1.0, which is outside; above -1 by less than the cell tolerance still is.
     EXPECT_EQ(shiftRow<double>({10.0, 6.0}, 1, 8, 0.75, 0, -1.0)[0], 10.0 * 1.75 + 6.0 * -0.75);
     EXPECT_EQ(shiftRow<double>({10.0, 6.0}, 1, 8, 1.0, 0, -1.0)[0], -1.0);
     EXPECT_EQ(shiftRow<double>({10.0, 6.0}, 1, 8, 1.0 - 0.9e-7, 0, -1.0)[0], -1.0);
@@ -297,6 +296,56 @@ TEST(AffineVolumeTest, VoxelsAtInfinityTakeThePositionBefore) {
                   1);
         EXPECT_TRUE(result.equals(expected));
     }
+}
+
+TEST(AffineVolumeTest, ThePositionBeforeIsCarriedOverRowsAndSlices) {
+    // Inverse: the weight of destination voxel x is -x, so each row begins at infinity; voxel (1, y, z) comes
+    // from (1, y, z). All numbers are exact.
+    const double matrix[4][4] = {{-1, 0, 0, 0}, {0, -1, 0, 0}, {0, 0, -1, 0}, {-2, 0, 0, 2}};
+    LooseVolume source(2, 2, 2, MAT_ARRAY_DOUBLE);
+    LooseVolume result(2, 2, 2, MAT_ARRAY_DOUBLE);
+    for (std::size_t i = 0; i < 8; ++i)
+        source.set(i / 4, i / 2 % 2, i % 2, 1.0 + static_cast<double>(i));
+    EXPECT_EQ(matAffinTransformArray3v(2, 2, 2, source.slices(), 2, 2, 2, result.slices(), MAT_ARRAY_DOUBLE,
+                                       matrix, 0),
+              1);
+    // Before the first voxel stands -0.5 on all axes: 1 - 0.5 * (1 + 2 + 4).
+    const double expected[] = {-2.5, 2.0, 2.0, 4.0, 4.0, 6.0, 6.0, 8.0};
+    for (std::size_t i = 0; i < 8; ++i)
+        EXPECT_EQ(result.get<double>(i / 4, i / 2 % 2, i % 2), expected[i]) << i;
+}
+
+TEST(AffineVolumeTest, AFailedInversionLeavesAllPositionsAtMinusOneHalf) {
+    const Matrix identity;
+    std::size_t failedInversions = 0;
+    for (std::size_t number = 1;; ++number) {
+        SCOPED_TRACE(number);
+        LooseVolume source(2, 1, 1, MAT_ARRAY_DOUBLE);
+        LooseVolume result(2, 1, 1, MAT_ARRAY_DOUBLE);
+        source.set(0, 0, 0, 10.0);
+        source.set(0, 0, 1, 4.0);
+        result.set(0, 0, 0, -1.0);
+        result.set(0, 0, 1, -1.0);
+        velquad::test::failAllocation(number);
+        const int done = matAffinTransformArray3v(2, 1, 1, source.slices(), 2, 1, 1, result.slices(),
+                                                  MAT_ARRAY_DOUBLE, identity.m, 0);
+        const bool hasFailed = velquad::test::hasAllocationFailed();
+        velquad::test::failAllocation(0);
+        const std::vector<double> row = {result.get<double>(0, 0, 0), result.get<double>(0, 0, 1)};
+        if (!hasFailed) {
+            EXPECT_EQ(done, 1);
+            EXPECT_EQ(row, (std::vector<double>{10.0, 4.0}));
+            break;
+        }
+        if (done == 0) {
+            EXPECT_EQ(row, (std::vector<double>{-1.0, -1.0}));
+            continue;
+        }
+        // 1.5 * 10 - 0.5 * 4.
+        EXPECT_EQ(row, (std::vector<double>{13.0, 13.0}));
+        ++failedInversions;
+    }
+    EXPECT_GE(failedInversions, 1U);
 }
 
 /// Random maps: near the identity, turned and scaled, projective, singular, with infinities and

@@ -428,6 +428,7 @@ TEST(Region, OfAnEmptyArrayIsRefused) {
     EXPECT_EQ(nullptr, matMapArrayToROI2v(array.rows(), 0, 3, 2, 1, nullptr));
     EXPECT_EQ(nullptr, matMapArrayToROI2v(array.rows(), 4, 0, 2, 1, nullptr));
     EXPECT_EQ(nullptr, matMapArrayToROI2v(array.rows(), -4, 3, 2, 1, nullptr));
+    EXPECT_EQ(nullptr, matMapArrayToROI2v(nullptr, 4, 3, 2, 1, nullptr));
 }
 
 TEST(Region, ReportsAFailingAllocation) {

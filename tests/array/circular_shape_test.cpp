@@ -209,6 +209,12 @@ TEST(GlobalPeak, OfAnEmptyImageIsNowhere) {
     EXPECT_EQ(none, peakOf(image, 0, 4, 2));
     EXPECT_EQ(none, peakOf(image, 6, 0, 2));
     EXPECT_EQ(none, peakOf(image, -1, -1, 2));
+    tagPOINT at{-7, -7};
+    double value = -7.0;
+    EXPECT_EQ(1, matFindGlobalPeak2w(nullptr, 6, 4, 2, &at, &value));
+    EXPECT_EQ(-1, at.x);
+    EXPECT_EQ(-1, at.y);
+    EXPECT_EQ(none.value, value);
 }
 
 TEST(GlobalPeak, WithRadiusZeroIsTheLastLargestPixel) {
@@ -311,6 +317,14 @@ TEST(MinMaxValues, AlternatesMaximaAndMinima) {
 TEST(MinMaxValues, APlateauEndsWhereItsRunBegins) {
     // After the maximum at index 1 the falling run begins there; the minimum's plateau covers 2 to 3.
     EXPECT_EQ((std::vector<int>{127, 255, 0, 127, 127}), marks({1, 4, 2, 2, 3}));
+}
+
+TEST(MinMaxValues, NullPointersWriteNothing) {
+    const double values[] = {1, 3, 2};
+    unsigned char flags[] = {33, 33, 33};
+    EXPECT_EQ(1, matFindMinMaxValues(nullptr, flags, 3));
+    EXPECT_EQ(33, flags[1]);
+    EXPECT_EQ(1, matFindMinMaxValues(values, nullptr, 3));
 }
 
 TEST(MinMaxValues, ANotANumberAtTheStartCountsAsDifferent) {

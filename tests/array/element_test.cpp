@@ -131,6 +131,14 @@ TEST(ConvertFromFloat, SignedIntegersAreAllMaximal) {
     EXPECT_EQ((std::vector<std::int32_t>(2, 0x7FFFFFFF)), fromFloats<std::int32_t>({2.0F, 2.0F}, 5));
 }
 
+TEST(ConvertFromFloat, UnsignedIntegersBeginAboveTheirLowerLimit) {
+    // The scale is 4294967295 / 2^32. One step above 0.5 gives 0.50000006, which is still below the limit of 0.5000001;
+    // two steps give 0.50000012, which half more makes 1.
+    const float step = std::ldexp(1.0F, -24);
+    EXPECT_EQ((std::vector<std::uint32_t>{0, 0, 0, 1, 0xFFFFFFFFU}),
+              fromFloats<std::uint32_t>({0.0F, 0.5F, 0.5F + step, 0.5F + 2 * step, 4294967296.0F}, 6));
+}
+
 TEST(ConvertFromFloat, FloatingTypesAreNotNormalised) {
     EXPECT_EQ((std::vector<float>{3.0F, -7.5F}), fromFloats<float>({3.0F, -7.5F}, 7));
     EXPECT_EQ((std::vector<double>{3.0, -7.5}), fromFloats<double>({3.0F, -7.5F}, 8));
@@ -240,6 +248,7 @@ TEST(MapValue, RefusesUnknownTypes) {
     unsigned char out[8] = {1, 2, 3, 4, 5, 6, 7, 8};
     EXPECT_EQ(0, matMapValue1d(5.0, out, 0));
     EXPECT_EQ(0, matMapValue1d(5.0, out, 11));
+    EXPECT_EQ(0, matMapValue1d(5.0, nullptr, 2));
     EXPECT_EQ(1, out[0]);
 }
 
@@ -261,6 +270,7 @@ TEST(Clear, RefusesUnknownTypes) {
     EXPECT_EQ(0, matClearArray2v(nullptr, 2, 1, 0, 1.0));
     EXPECT_EQ(0, matClearArray2v(nullptr, 2, 1, 11, 1.0));
     EXPECT_EQ(1, matClearArray2v(nullptr, 2, 0, 2, 1.0)) << "no row is touched";
+    EXPECT_EQ(0, matClearArray2v(nullptr, 2, 1, 2, 1.0));
 }
 
 // Limits.
@@ -279,6 +289,30 @@ TEST(Clamp, SignedIntegersBecomeTheHighBound) {
     EXPECT_EQ((std::vector<std::int32_t>(3, 20)),
               clampedTo<std::int32_t>({-5, 15, 25}, 5, 2147483646.0, 20.0));
     EXPECT_EQ((std::vector<std::int32_t>{-5, 15, 20}), clampedTo<std::int32_t>({-5, 15, 25}, 5, -3e9, 20.0));
+}
+
+TEST(Clamp, BoundsOfSignedIntegersSaturateAtTheirLimits) {
+    // -2147483647.0 lies within the range, the next number below it does not.
+    EXPECT_EQ((std::vector<std::int32_t>(2, 20)), clampedTo<std::int32_t>({-5, 25}, 5, -2147483647.0, 20.0));
+    EXPECT_EQ((std::vector<std::int32_t>{-5, 20}),
+              clampedTo<std::int32_t>({-5, 25}, 5, std::nextafter(-2147483647.0, -1e10), 20.0));
+    EXPECT_EQ((std::vector<std::int32_t>{-5, INT32_MAX}),
+              clampedTo<std::int32_t>({-5, INT32_MAX}, 5, -3e9, 2147483646.0));
+    EXPECT_EQ((std::vector<std::int32_t>{-5, 2147483646}),
+              clampedTo<std::int32_t>({-5, INT32_MAX}, 5, -3e9, std::nextafter(2147483646.0, 0.0)));
+    EXPECT_EQ((std::vector<std::int32_t>(2, INT32_MIN)), clampedTo<std::int32_t>({-5, 25}, 5, -3e9, -3e9));
+    // The low bound is what 3e9 leaves in 32 bits; the high one is the largest integer.
+    EXPECT_EQ((std::vector<std::int32_t>{-1294967296, 25}),
+              clampedTo<std::int32_t>({-2000000000, 25}, 5, 10.0, 3e9));
+}
+
+TEST(Clamp, BoundsOfUnsignedIntegersSaturateAndRoundHalvesUp) {
+    EXPECT_EQ((std::vector<std::uint32_t>{10, 21}), clampedTo<std::uint32_t>({5, 30}, 6, 9.5, 20.5));
+    EXPECT_EQ((std::vector<std::uint32_t>{0, 0xFFFFFFFFU}),
+              clampedTo<std::uint32_t>({0, 0xFFFFFFFFU}, 6, -5.0, 4294967296.0));
+    EXPECT_EQ((std::vector<std::uint32_t>{0, 0xFFFFFFFFU}),
+              clampedTo<std::uint32_t>({0, 0xFFFFFFFFU}, 6, -5.0, 4294967295.0));
+    EXPECT_EQ((std::vector<std::uint32_t>{0, 0}), clampedTo<std::uint32_t>({0, 30}, 6, -5.0, -1.0));
 }
 
 TEST(Clamp, CrossedBoundsAreDecidedPerType) {
@@ -313,6 +347,7 @@ TEST(Clamp, RefusesUnknownTypes) {
     EXPECT_EQ(0, matClampArray2v(nullptr, 1, 1, 0, 0.0, 1.0));
     EXPECT_EQ(0, matClampArray2v(nullptr, 1, 1, 11, 0.0, 1.0));
     EXPECT_EQ(1, matClampArray2v(nullptr, 1, 0, 5, 0.0, 1.0));
+    EXPECT_EQ(0, matClampArray2v(nullptr, 1, 1, 5, 0.0, 1.0));
 }
 
 // Linear map.

@@ -140,6 +140,25 @@ TEST(GaussianBlurTest, ARadiusOfZeroBlursNothing) {
     EXPECT_NE(blurredRow(row, 0.667, 1.5), row);
 }
 
+TEST(GaussianBlurTest, ASigmaWithoutASquareHasNoWeights) {
+    // 0 / 0 in the exponent of the only weight.
+    for (const double value : blurredRow({1.0, 2.0}, 1e-200, 1.5))
+        EXPECT_TRUE(std::isnan(value));
+    for (const int convert : {0, 1}) {
+        Request request;
+        request.setSize(2, 1, 1);
+        request.type = MAT_ARRAY_INT16;
+        request.convert = convert;
+        request.sigma[0] = 1e-200;
+        LooseVolume data(2, 1, 1, MAT_ARRAY_INT16);
+        data.set<std::int16_t>(0, 0, 0, 5);
+        EXPECT_EQ(request.blur(data.slices()), 1U);
+        // The lowest 32-bit integer, limited to the type.
+        EXPECT_EQ(data.get<std::int16_t>(0, 0, 0), -32768);
+        EXPECT_EQ(data.get<std::int16_t>(0, 0, 1), -32768);
+    }
+}
+
 TEST(GaussianBlurTest, ARadiusBeyond32BitsMakesZeros) {
     const std::vector<double> zeros(3, 0.0);
     EXPECT_EQ(blurredRow({1.0, 2.0, 3.0}, 1e10, 1.0), zeros);
@@ -153,22 +172,48 @@ TEST(GaussianBlurTest, ARadiusBeyondTheLineCostsNothing) {
     EXPECT_DOUBLE_EQ(result[1], 4.0);
 }
 
-TEST(GaussianBlurTest, ANegativeRadiusFails) {
+TEST(GaussianBlurTest, ANegativeRadiusHasNoWindow) {
+    const std::vector<double> row = {1.0, 2.0, 3.0};
+    const std::vector<double> zeros(3, 0.0);
+    EXPECT_EQ(blurredRow(row, -0.999, 1.0), row);
+    EXPECT_EQ(blurredRow(row, -1.0, 1.0), zeros);
+    EXPECT_EQ(blurredRow(row, 2.0, -1.5), zeros);
+    EXPECT_EQ(blurredRow(row, -2147483647.0, 1.0), zeros);
+    // Both signs cancel in the radius, and the weights know only the square.
+    EXPECT_EQ(blurredRow(row, -2.0, -1.5), blurredRow(row, 2.0, 1.5));
+}
+
+TEST(GaussianBlurTest, ANegativeRadiusMakesEveryTypeZero) {
     Request request;
     request.setSize(3, 2, 2);
     request.sigma[1] = -2.0;
     for (const int convert : {0, 1}) {
-        for (const unsigned int type : {2U, 6U, 7U}) {
+        for (unsigned int type = 1; type <= 8; ++type) {
+            SCOPED_TRACE(testing::Message() << type << " " << convert);
             request.type = type;
             request.convert = convert;
             std::mt19937 random(1);
             LooseVolume data(3, 2, 2, type);
-            LooseVolume before(3, 2, 2, type);
+            const LooseVolume zeros(3, 2, 2, type);
             data.fill(random);
-            before.copyBytes(data);
-            EXPECT_EQ(request.blur(data.slices()), 0U);
-            EXPECT_TRUE(data.equals(before));
+            EXPECT_EQ(request.blur(data.slices()), 1U);
+            EXPECT_TRUE(data.equals(zeros));
         }
+    }
+}
+
+TEST(GaussianBlurTest, ANegativeRadiusMakesZerosLineByLineToo) {
+    // Rows that overlap are filtered line by line.
+    for (const double sigma : {-0.7, -2.0, -2147483647.0}) {
+        std::vector<double> rows(6, 1.0);
+        double* table[] = {rows.data(), rows.data() + 1, rows.data() + 2};
+        void* slices[] = {table};
+        Request request;
+        request.setSize(4, 3, 1);
+        request.sigma[1] = sigma;
+        request.radiusFactor[1] = 1.5;
+        EXPECT_EQ(request.blur(reinterpret_cast<void***>(slices)), 1U);
+        EXPECT_EQ(rows, std::vector<double>(6, 0.0)) << sigma;
     }
 }
 
@@ -200,7 +245,7 @@ TEST(GaussianBlurTest, SigmaZeroLeavesEveryTypeAsItIs) {
 }
 
 TEST(GaussianBlurTest, AConstantVolumeStaysConstant) {
-    for (const unsigned int type : {1U, 2U, 4U}) {
+    for (const unsigned int type : {1U, 2U, 3U, 4U, 5U, 6U}) {
         for (const int convert : {0, 1}) {
             Request request;
             request.setSize(9, 8, 7);
@@ -298,7 +343,7 @@ TEST(GaussianBlurTest, PixelsPassThroughAllLinesUnchanged) {
 
 TEST(GaussianBlurTest, ARefusalAtTheFirstCallChangesNothing) {
     std::mt19937 random(2);
-    for (const unsigned int type : {2U, 4U, 7U, 8U}) {
+    for (const unsigned int type : {1U, 2U, 3U, 4U, 5U, 7U, 8U}) {
         for (const int convert : {0, 1}) {
             Listener listener;
             listener.stopAt = 1;
@@ -612,8 +657,8 @@ TEST_P(GaussianBlurLevels, EqualTheLoops) {
         request.channels = random() % 3 == 0 ? size(3) : 1;
         request.convert = static_cast<int>(random() % 2);
         for (int axis = 0; axis < 3; ++axis) {
-            constexpr double kSigmas[] = {0.0, 0.3, 0.7, 1.0, 2.0, 3.7, 40.0, 100.0, 1e-200, 1e12};
-            request.sigma[axis] = kSigmas[random() % (random() % 4 == 0 ? 10 : 7)];
+            constexpr double kSigmas[] = {0.0, 0.3, 0.7, 1.0, 2.0, 3.7, 40.0, 100.0, 1e-200, 1e12, -2.0};
+            request.sigma[axis] = kSigmas[random() % (random() % 4 == 0 ? 11 : 7)];
             request.radiusFactor[axis] = std::uniform_real_distribution<double>(0.5, 3.0)(random);
         }
         Listener heard;

@@ -13,6 +13,7 @@
 
 namespace {
 
+using velquad::test::LooseArray;
 using velquad::test::LooseVolume;
 namespace volume = velquad::test::volume;
 
@@ -119,6 +120,9 @@ TEST(VolumeConversionTest, RefusesPixelsAndUnknownTypes) {
             << type;
         EXPECT_EQ(matConvertFromDouble3v(data.slices<double***>(), data.slices(), 1, 1, 0, type, 1), 0)
             << type;
+        LooseArray& slice = data.slice(0);
+        EXPECT_EQ(matConvertToFloat2v(slice.rows<float**>(), slice.rows(), 1, 1, type, 1), 0) << type;
+        EXPECT_EQ(matConvertFromDouble2v(slice.rows<double**>(), slice.rows(), 1, 1, type, 1), 0) << type;
     }
     EXPECT_TRUE(data.equals(before));
 }
@@ -140,10 +144,10 @@ TEST(VolumeConversionTest, RefusesNullTables) {
 }
 
 TEST(VolumeConversionTest, SlicesConvertAsVolumesOfDepthOne) {
-    velquad::test::LooseArray bytes(6, 2, MAT_ARRAY_UINT8);
-    velquad::test::LooseArray doubles(6, 2, MAT_ARRAY_DOUBLE);
-    velquad::test::LooseArray floats(6, 2, MAT_ARRAY_FLOAT);
-    velquad::test::LooseArray back(6, 2, MAT_ARRAY_UINT8);
+    LooseArray bytes(6, 2, MAT_ARRAY_UINT8);
+    LooseArray doubles(6, 2, MAT_ARRAY_DOUBLE);
+    LooseArray floats(6, 2, MAT_ARRAY_FLOAT);
+    LooseArray back(6, 2, MAT_ARRAY_UINT8);
     bytes.set<std::uint8_t>(1, 5, 200);
     EXPECT_EQ(matConvertToDouble2v(doubles.rows<double**>(), bytes.rows(), 2, 2, MAT_ARRAY_UINT8, 3), 1);
     EXPECT_EQ(doubles.get<double>(1, 5), 200.0);

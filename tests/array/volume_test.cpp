@@ -230,6 +230,19 @@ TEST(VolumeRangeTest, PixelsHaveTheirOwnChannels) {
     EXPECT_EQ(range.mean[3], -1.0);
 }
 
+TEST(VolumeRangeTest, PixelsOfFourBytesHaveFourChannels) {
+    LooseVolume data(1, 1, 2, MAT_ARRAY_BYTE4);
+    const std::uint8_t bytes[] = {10, 20, 30, 250, 12, 24, 36, 254};
+    std::memcpy(data.slice(0).row(0), bytes, 4);
+    std::memcpy(data.slice(1).row(0), bytes + 4, 4);
+    Range range;
+    EXPECT_EQ(range.measure(data, MAT_ARRAY_BYTE4, 0, 1, 1, 2), 1);
+    EXPECT_EQ(range.min[3], 250.0);
+    EXPECT_EQ(range.max[3], 254.0);
+    EXPECT_EQ(range.mean[3], 252.0);
+    EXPECT_EQ(range.stdDev[3], 2.0);
+}
+
 TEST(VolumeRangeTest, RefusesNullAndUnknownTypes) {
     LooseVolume data(1, 1, 1, 2);
     Range range;

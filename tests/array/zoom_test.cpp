@@ -156,6 +156,41 @@ TEST(Zoom, LargeUnsignedWordsTurnIntoTheSmallestSignedOne) {
     }
 }
 
+/// The first row of two equal samples in y, zoomed to 40 cells for each in x: cell x lies at x / 40.
+template <class T>
+std::vector<T> betweenTwo(T first, T second, unsigned int type) {
+    LooseArray source(2, 2, type);
+    filled<T>(source, {{first, second}, {first, second}});
+    LooseArray destination(80, 2, type);
+    EXPECT_EQ(1, matZoomArray2v(2, 2, source.rows(), 80, 2, destination.rows(), type, kBilinear));
+    return rowValues<T>(destination, 0, 80);
+}
+
+TEST(Zoom, UnsignedWordsBeginAboveTheirLowerLimit) {
+    // Below 0.55 the result is 0, although rounding 0.5 and 0.525 would give 1.
+    const auto words = betweenTwo<std::uint32_t>(0, 1, 6);
+    EXPECT_EQ(0U, words[20]);
+    EXPECT_EQ(0U, words[21]);
+    EXPECT_EQ(1U, words[23]);
+    const auto integers = betweenTwo<std::int32_t>(0, 1, 5);
+    EXPECT_EQ(0, integers[19]);
+    EXPECT_EQ(1, integers[20]);
+    EXPECT_EQ(1, integers[21]);
+}
+
+TEST(Zoom, WordsSaturateALittleBeforeTheyRound) {
+    // 0.425 and 0.475 of the way to the largest and to the smallest integer: the limits lie at 0.45.
+    const auto high = betweenTwo<std::int32_t>(2147483646, 2147483647, 5);
+    EXPECT_EQ(2147483646, high[17]);
+    EXPECT_EQ(2147483647, high[19]);
+    const auto low = betweenTwo<std::int32_t>(-2147483647, INT32_MIN, 5);
+    EXPECT_EQ(-2147483647, low[17]);
+    EXPECT_EQ(INT32_MIN, low[19]);
+    const auto words = betweenTwo<std::uint32_t>(4294967294U, 4294967295U, 6);
+    EXPECT_EQ(0x80000000U, words[17]);
+    EXPECT_EQ(0xFFFFFFFFU, words[19]);
+}
+
 TEST(Zoom, CubicOvershootIsLimitedToTheType) {
     LooseArray source(6, 6, 2);
     for (std::size_t y = 0; y < 6; ++y)
@@ -189,6 +224,25 @@ TEST(Zoom, EmptySizesWriteNothing) {
         EXPECT_EQ(1, matZoomArray2v(3, 3, source.rows(), 4, 0, destination.rows(), 2, flags));
     }
     EXPECT_EQ(before, destination.bytes());
+}
+
+TEST(Zoom, NullTablesWriteNothing) {
+    LooseArray array(3, 3, 2);
+    const auto before = array.bytes();
+    EXPECT_EQ(1, matZoomArray2v(3, 3, nullptr, 3, 3, array.rows(), 2, kCubic));
+    EXPECT_EQ(1, matZoomArray2v(3, 3, array.rows(), 3, 3, nullptr, 2, kCubic));
+    EXPECT_EQ(0, matZoomArrayROI2v(3, 3, nullptr, nullptr, 3, 3, array.rows(), nullptr, 2, kCubic));
+    EXPECT_EQ(0, matZoomArrayROI2v(3, 3, array.rows(), nullptr, 3, 3, nullptr, nullptr, 2, kCubic));
+    EXPECT_EQ(before, array.bytes());
+}
+
+TEST(Zoom, CubicToASingleCellIsTheFirstSample) {
+    // Three samples are enough for the cell at position 0; the one before it has the weight 0 and is not read.
+    LooseArray source(3, 3, 8);
+    filled<double>(source, {{7, 1, 2}, {3, 4, 5}, {6, 8, 9}});
+    LooseArray destination(1, 1, 8);
+    EXPECT_EQ(1, matZoomArray2v(3, 3, source.rows(), 1, 1, destination.rows(), 8, kCubic));
+    EXPECT_EQ(7.0, destination.get<double>(0, 0));
 }
 
 TEST(Zoom, NeedsNoMemory) {

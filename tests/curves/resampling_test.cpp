@@ -78,6 +78,17 @@ TEST(Akima, OneValueIsStillTwo) {
     EXPECT_EQ(out[2], kUntouched);
 }
 
+TEST(Akima, ANegativeCountIsTreatedAsOne) {
+    const double values[] = {1, 5, 2, 8};
+    for (const int outCount : {-1, -5, std::numeric_limits<int>::min()}) {
+        double out[3] = {kUntouched, kUntouched, kUntouched};
+        EXPECT_EQ(matAkima(values, 4, out, outCount), 0);
+        EXPECT_EQ(out[0], 1.0);
+        EXPECT_EQ(out[1], 8.0);
+        EXPECT_EQ(out[2], kUntouched);
+    }
+}
+
 TEST(Akima, FollowsALineFromTheSecondSampleOn) {
     // Before the start the differences go on with 0 and -2, not with 2: the first slope is 0. On the first interval
     // c2 = 6 - 0 - 2 = 4, c3 = 0 + 2 - 4 = -2.
@@ -160,6 +171,19 @@ TEST(BSpline, TwoValuesAreTheFirstAndTheLastSampleAndOneIsStillTwo) {
         EXPECT_EQ(out[0], 1.0);
         EXPECT_EQ(out[1], 8.0);
         EXPECT_EQ(out[2], kUntouched);
+    }
+}
+
+TEST(BSpline, ANegativeCountIsTreatedAsOne) {
+    const double values[] = {1, 5, 2, 8};
+    for (const unsigned int order : {3U, 9U}) {
+        for (const int outCount : {-1, -5, std::numeric_limits<int>::min()}) {
+            double out[3] = {kUntouched, kUntouched, kUntouched};
+            EXPECT_EQ(matBSpline(values, 4, out, outCount, order), 0);
+            EXPECT_EQ(out[0], 1.0);
+            EXPECT_EQ(out[1], 8.0);
+            EXPECT_EQ(out[2], kUntouched);
+        }
     }
 }
 

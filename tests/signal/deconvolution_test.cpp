@@ -68,6 +68,7 @@ TEST(Deconvolution, TheLogarithmNeedsSixteenSamples) {
     EXPECT_EQ(result[0], kUntouched);
     EXPECT_EQ(matDeconvolution(data.data(), 16, result.data(), 5, 7, 1.0, 4, 1), 0);
     // The series has no such limit.
+    EXPECT_EQ(matDeconvolution(data.data(), 15, result.data(), 0, 2, 1.0, 4, 2), 0);
     EXPECT_EQ(matDeconvolution(data.data(), 2, result.data(), 0, 1, 1.0, 1, 2), 0);
 }
 
@@ -241,6 +242,16 @@ TEST(DeconvolutionLogarithm, APowerOfTwoIsItsOwnSize) {
     const Doubles data = makeCurve(random, 64, 4);
     expectSame(deconvolve(data, 0, 4, 1.0, 0, 1), logarithmReference(data, 0, 4, 1.0));
     expectSame(deconvolve(data, 3, 4, 1.0, 0, 1), logarithmReference(data, 3, 4, 1.0));
+}
+
+TEST(DeconvolutionLogarithm, WithoutATaperTheAreaStillTakesTheFirstPlace) {
+    std::mt19937 random(841);
+    Doubles data = makeCurve(random, 100, 4);
+    const Doubles result = deconvolve(data, 4, 4, 1.0, 0, 1);
+    expectSame(result, logarithmReference(data, 4, 4, 1.0));
+    // So the sample at the start does not count.
+    data[4] = 1e6;
+    expectSame(deconvolve(data, 4, 4, 1.0, 0, 1), result);
 }
 
 TEST(DeconvolutionLogarithm, ResultsAreMagnitudes) {

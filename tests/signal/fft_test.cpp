@@ -288,6 +288,8 @@ TEST(MapFft, OtherModesAndNullArraysWriteNothing) {
     EXPECT_EQ(matMapFFTData(&value, nullptr, &out, 1, 1), 3U);
     EXPECT_EQ(matMapFFTData(&value, &value, nullptr, 1, 1), 3U);
     EXPECT_EQ(matMapFFTData(&value, &value, &out, 0, 1), 0U);
+    EXPECT_EQ(matMapFFTData(nullptr, nullptr, nullptr, 0, 1), 0U);
+    EXPECT_EQ(matMapFFTData(nullptr, nullptr, nullptr, 0, 7), 3U);
     EXPECT_EQ(out, kUntouched);
 }
 
@@ -415,6 +417,15 @@ TEST(Amplitudes, AnEmptyImageWritesNothing) {
     const std::vector<unsigned char> pixels(8, 200);
     for (const auto& [width, height] : {std::pair{0, 8}, {8, 0}, {-8, 8}, {8, -8}})
         EXPECT_EQ(amplitudesOf(pixels, width, height, 8), Doubles(10, kUntouched));
+}
+
+TEST(Amplitudes, NullArraysAreLeftAlone) {
+    const std::vector<unsigned char> pixels(64, 200);
+    Doubles amplitudes(8, kUntouched);
+    const unsigned char* none = nullptr;
+    matGet8Amplitudes(none, CSize(8, 8), amplitudes.data(), 8);
+    matGet8Amplitudes(pixels.data(), CSize(8, 8), nullptr, 8);
+    EXPECT_EQ(amplitudes, Doubles(8, kUntouched));
 }
 
 TEST(Amplitudes, EightAreWrittenAtMost) {

@@ -5,6 +5,7 @@
 #include <random>
 #include <vector>
 
+#include "frame/kernels.h"
 #include "tests/support/allocation_failure.h"
 #include "tests/support/block_failure.h"
 #include "tests/support/smoothing_reference.h"
@@ -59,6 +60,18 @@ Curve randomCurve(std::mt19937& random, std::size_t count) {
     for (double& v : curve)
         v = value(random);
     return curve;
+}
+
+/// Runs `check` with the inner loops of every instruction set that the machine has.
+template <class Check>
+void onEveryLevel(Check check) {
+    const std::size_t usual = frame::kernelLevel();
+    for (std::size_t level = 0; level < frame::kernelLevelCount(); ++level) {
+        SCOPED_TRACE(frame::kernelLevelName(level));
+        frame::selectKernelLevel(level);
+        check();
+    }
+    frame::selectKernelLevel(usual);
 }
 
 TEST(SavitzkyGolay, RefusesWhatItHasNoTableFor) {
@@ -129,16 +142,18 @@ TEST(SavitzkyGolay, AbsoluteValuesComeLast) {
     EXPECT_EQ(savitzkyGolay(falling, 1, 1, -5), Curve(6, 1.0));
 }
 
-TEST(SavitzkyGolay, GivesTheBitsOfThePlainSum) {
+TEST(SavitzkyGolay, EveryLevelGivesTheBitsOfThePlainSum) {
     std::mt19937 random(821);
-    for (int round = 0; round < 40; ++round) {
-        for (const Table& table : tables()) {
-            SCOPED_TRACE(testing::Message() << round << ": " << table.derivative << " " << table.width);
-            const Curve in = randomCurve(random, table.width + 2 + random() % 60);
-            ASSERT_EQ(savitzkyGolay(in, table.width, table.derivative),
-                      savitzkyGolayReference(in, table.coefficients, table.norm));
+    onEveryLevel([&] {
+        for (int round = 0; round < 40; ++round) {
+            for (const Table& table : tables()) {
+                SCOPED_TRACE(testing::Message() << round << ": " << table.derivative << " " << table.width);
+                const Curve in = randomCurve(random, table.width + 2 + random() % 60);
+                ASSERT_EQ(savitzkyGolay(in, table.width, table.derivative),
+                          savitzkyGolayReference(in, table.coefficients, table.norm));
+            }
         }
-    }
+    });
 }
 
 Curve meanValue(const Curve& in, int window) {
@@ -155,6 +170,9 @@ TEST(MeanValue, RefusesCountsOfZero) {
     EXPECT_EQ(matMeanValue(nullptr, 1, &out, 1), 3U);
     EXPECT_EQ(matMeanValue(&value, 1, nullptr, 1), 3U);
     EXPECT_EQ(matMeanValue(&value, -1, &out, 3), 0U);
+    EXPECT_EQ(matMeanValue(&value, std::numeric_limits<int>::min(), &out, 3), 0U);
+    EXPECT_EQ(matMeanValue(nullptr, -1, nullptr, 3), 0U);
+    EXPECT_EQ(matMeanValue(&value, -1, &out, 0), 3U);
     EXPECT_EQ(out, kUntouched);
 }
 
@@ -181,15 +199,17 @@ TEST(MeanValue, AWideWindowIsTheWholeCurve) {
     EXPECT_EQ(meanValue({1, 2, 6}, std::numeric_limits<int>::max()), (Curve{3, 3, 3}));
 }
 
-TEST(MeanValue, GivesTheBitsOfThePlainSum) {
+TEST(MeanValue, EveryLevelGivesTheBitsOfThePlainSum) {
     std::mt19937 random(822);
-    for (int round = 0; round < 1000; ++round) {
-        SCOPED_TRACE(round);
-        const Curve in = randomCurve(random, 1 + random() % 80);
-        const int window = static_cast<int>(random() % 40) - 5;
-        if (window == 0) continue;
-        ASSERT_EQ(meanValue(in, window), meanValueReference(in, window)) << window;
-    }
+    onEveryLevel([&] {
+        for (int round = 0; round < 1000; ++round) {
+            SCOPED_TRACE(round);
+            const Curve in = randomCurve(random, 1 + random() % 80);
+            const int window = static_cast<int>(random() % 40) - 5;
+            if (window == 0) continue;
+            ASSERT_EQ(meanValue(in, window), meanValueReference(in, window)) << window;
+        }
+    });
 }
 
 Curve meanEnvelope(const Curve& in, unsigned int rounds, unsigned int gap) {
@@ -211,6 +231,7 @@ TEST(MeanEnvelope, RefusesCountsOfZero) {
 TEST(MeanEnvelope, OneValueIsItself) {
     EXPECT_EQ(meanEnvelope({5}, 1, 3), (Curve{5}));
     EXPECT_EQ(meanEnvelope({5}, 2, 3), (Curve{5}));
+    EXPECT_EQ(meanEnvelope({1e308}, 1, 3), (Curve{1e308}));
 }
 
 TEST(MeanEnvelope, AZigzagByHand) {
@@ -297,6 +318,19 @@ TEST(MeanEnvelope, NotANumbersEnd) {
         }
         Curve out(in.size());
         ASSERT_EQ(matMeanEnvelope(in.data(), static_cast<unsigned int>(in.size()), out.data(), 2, 4), 0U);
+    }
+}
+
+TEST(MeanEnvelope, WhatTheOutputHeldDoesNotCount) {
+    // The first value has a not-a-number beside it, so no extreme stands at the start.
+    const Curve in = {5, std::numeric_limits<double>::quiet_NaN(), 3, 4, 2, 6, 1};
+    Curve one(in.size(), kUntouched);
+    Curve other(in.size(), -1e9);
+    EXPECT_EQ(matMeanEnvelope(in.data(), 7, one.data(), 1, 0), 0U);
+    EXPECT_EQ(matMeanEnvelope(in.data(), 7, other.data(), 1, 0), 0U);
+    for (std::size_t i = 0; i < in.size(); ++i) {
+        const bool isSame = one[i] == other[i] || (one[i] != one[i] && other[i] != other[i]);
+        EXPECT_TRUE(isSame) << i << ": " << one[i] << " not " << other[i];
     }
 }
 

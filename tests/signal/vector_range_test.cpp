@@ -86,12 +86,34 @@ TEST(Range, NotANumberLeavesTheExtremesAlone) {
     EXPECT_NE(mean, mean);
 }
 
+TEST(Range, AResultMayBeOneOfTheValues) {
+    double values[] = {3, -1, 7};
+    double mean = 0;
+    EXPECT_EQ(matGetRange(values, 3, &values[0], &values[2], &mean), 1);
+    EXPECT_EQ(values[0], -1.0);
+    EXPECT_EQ(values[2], 7.0);
+    EXPECT_EQ(mean, 3.0);
+}
+
 TEST(LinearCorrection, AddsEveryTermToOneSum) {
     const double values[] = {1, 2, 4};
     double sum[2] = {100, kUntouched};
     EXPECT_EQ(matLinearCorrection(values, sum, 3, 2.0, 0.5), 0);
     EXPECT_EQ(sum[0], 115.5);
     EXPECT_EQ(sum[1], kUntouched);
+}
+
+TEST(LinearCorrection, TheSumMayBeOneOfTheValues) {
+    // 10, then 10 + 2 * 1 + 0.5 = 12.5, then 12.5 + 2 * 12.5 + 0.5 = 38, then 38 + 2 * 4 + 0.5.
+    double values[] = {1, 10, 4};
+    EXPECT_EQ(matLinearCorrection(values, &values[1], 3, 2.0, 0.5), 0);
+    EXPECT_EQ(values[1], 46.5);
+    EXPECT_EQ(values[0], 1.0);
+    EXPECT_EQ(values[2], 4.0);
+    // 1 + 2.5, then 3.5 + 20.5, then 24 + 8.5.
+    double fromTheFirst[] = {1, 10, 4};
+    EXPECT_EQ(matLinearCorrection(fromTheFirst, &fromTheFirst[0], 3, 2.0, 0.5), 0);
+    EXPECT_EQ(fromTheFirst[0], 32.5);
 }
 
 TEST(LinearCorrection, NoValuesLeaveTheSum) {

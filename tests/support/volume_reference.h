@@ -344,7 +344,7 @@ class Blur {
 
     void smooth(int axis, std::int32_t length, unsigned int x, unsigned int y, unsigned int z) {
         const std::int32_t radius = truncated32(sigma[axis] * radiusFactor[axis]);
-        if (radius == INT32_MIN) {
+        if (radius < 0) {
             std::fill(out_.begin(), out_.end(), 0.0);
             return;
         }

@@ -91,6 +91,26 @@ TEST_F(DelaunayQuestion, PlaceInATriangleIsInterpolated) {
     EXPECT_EQ(sum, 60 + 600 + 3000);
 }
 
+TEST_F(DelaunayQuestion, FlatTriangleHasNoValue) {
+    // Twice its area is 3.3e-4 * 2.9e-4 = 9.57e-8.
+    add({{0, 0, 1}, {3.3e-4, 0, 1}, {1.65e-4, 2.9e-4, 1}});
+    corners[0].z = 55;
+    EXPECT_EQ(find(1.65e-4, 1e-4, 0), 0U);
+    EXPECT_EQ(isOutside, 0);
+    EXPECT_EQ(place.x, 1.65e-4);
+    EXPECT_EQ(place.y, 1e-4);
+    EXPECT_EQ(place.z, -77);
+    EXPECT_EQ(corners[0].z, 55);
+}
+
+TEST_F(DelaunayQuestion, TriangleThatIsJustNotFlatHasOne) {
+    // Twice its area is 4e-4 * 2.6e-4 = 1.04e-7.
+    add({{0, 0, 1}, {4e-4, 0, 1}, {2e-4, 2.6e-4, 1}});
+    EXPECT_EQ(find(2e-4, 1e-4, 0), 3U);
+    EXPECT_EQ(isOutside, 0);
+    EXPECT_EQ(place.z, 1);
+}
+
 TEST_F(DelaunayQuestion, PlaceOnAnEdgeIsInterpolatedAlongIt) {
     add(kTriangle);
     EXPECT_EQ(find(0, 2, 0), 2U);
@@ -333,6 +353,15 @@ TEST_F(DelaunayQuestion, EnumerationHasAMargin) {
     Visited visited;
     EXPECT_EQ(matEnumDelaunayPositionsInRect(handle, &rect, 0, visitPosition, &visited), 1);
     EXPECT_EQ(visited.z, (std::vector<double>{1}));
+}
+
+TEST_F(DelaunayQuestion, EnumerationMarginIsTheSameAtEachSide) {
+    add({{5 + 1.5e-7, 1, 1}, {-1.5e-7, 2, 2}, {2, 5 + 1.5e-7, 3}, {2, -1.5e-7, 4}});
+    add({{5 + 0.5e-7, 3, 5}, {-0.5e-7, 4, 6}, {3, 5 + 0.5e-7, 7}, {3, -0.5e-7, 8}});
+    const tagMAT_RECT2D rect{0, 0, 5, 5};
+    Visited visited;
+    EXPECT_EQ(matEnumDelaunayPositionsInRect(handle, &rect, 0, visitPosition, &visited), 1);
+    EXPECT_EQ(visited.z, (std::vector<double>{5, 6, 7, 8}));
 }
 
 TEST_F(DelaunayQuestion, EnumerationEndsWithTheCallbacksValue) {
