@@ -26,12 +26,14 @@ struct Solution {
     double residual;
 };
 
-Solution solutionOf(int rows, int columns, const Values& a, Values b) {
+Solution solutionOf(int rows, int columns, const Values& a, const Values& b) {
     OneBasedMatrix matrix(rows, columns, a);
-    b.insert(b.begin(), kUntouched);
+    Values side(static_cast<std::size_t>(rows) + 1, kUntouched);
+    for (std::size_t i = 0; i < b.size(); ++i)
+        side[i + 1] = b[i];
     Values x(static_cast<std::size_t>(columns) + 1, kUntouched);
     Solution solution{{}, kUntouched};
-    svdsolve(matrix.table(), b.data(), rows, x.data(), columns, &solution.residual);
+    svdsolve(matrix.table(), side.data(), rows, x.data(), columns, &solution.residual);
     EXPECT_EQ(x[0], kUntouched);
     solution.x.assign(x.begin() + 1, x.end());
     return solution;
