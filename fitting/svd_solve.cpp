@@ -6,6 +6,7 @@
 #include <Eigen/SVD>
 #include <algorithm>
 #include <limits>
+#include <new>
 
 #include "velquad/fitting.h"
 
@@ -23,14 +24,35 @@ Eigen::MatrixXd matrixOf(double** a, int rows, int columns) {
     return matrix;
 }
 
+using Decomposition = Eigen::JacobiSVD<Eigen::MatrixXd>;
+
+// A decomposition that is not destroyed when it fails for lack of memory. It destroys its QR part before it makes a
+// new one in its place, so that a failure in between would release memory twice. Some memory is lost instead.
+class GuardedDecomposition {
+  public:
+    explicit GuardedDecomposition(const Eigen::MatrixXd& matrix)
+        : decomposition_(new (storage_) Decomposition) {
+        decomposition_->compute(matrix, Eigen::ComputeThinU | Eigen::ComputeThinV);
+    }
+    GuardedDecomposition(const GuardedDecomposition&) = delete;
+    GuardedDecomposition& operator=(const GuardedDecomposition&) = delete;
+    ~GuardedDecomposition() { decomposition_->~Decomposition(); }
+
+    const Decomposition* operator->() const { return decomposition_; }
+
+  private:
+    alignas(Decomposition) unsigned char storage_[sizeof(Decomposition)];
+    Decomposition* decomposition_;
+};
+
 // Neither the matrix nor the side is empty.
 Eigen::VectorXd shortestSolution(const Eigen::MatrixXd& matrix, const Eigen::VectorXd& side) {
-    const Eigen::JacobiSVD<Eigen::MatrixXd> decomposition(matrix, Eigen::ComputeThinU | Eigen::ComputeThinV);
+    const GuardedDecomposition decomposition(matrix);
     // A matrix that is not finite is left undecomposed, with whatever its memory held.
-    if (decomposition.info() == Eigen::InvalidInput) {
+    if (decomposition->info() == Eigen::InvalidInput) {
         return Eigen::VectorXd::Constant(matrix.cols(), std::numeric_limits<double>::quiet_NaN());
     }
-    return decomposition.solve(side);
+    return decomposition->solve(side);
 }
 
 }  // namespace

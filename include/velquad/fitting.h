@@ -218,11 +218,11 @@ class CDMatrix {
 /// @param b         `b[1..rows]`, only read.
 /// @param x         `x[1..columns]`.
 /// @param residual  may be null: the sum of the squares of A x - b, no root taken. 0 without rows.
-/// @throws std::bad_alloc  with nothing stored.
+/// @throws std::bad_alloc  with nothing stored. Some working memory may be lost then.
 /// @par Cost    Of the order of rows columns^2 operations for few columns, and working memory for a few copies
 ///              of A.
-/// @par Source  G. H. Golub, C. F. Van Loan, Matrix Computations, 1983; one-sided problems are reduced by QR with
-///              column pivoting, then two-sided Jacobi rotations.
+/// @par Source  G. H. Golub, C. F. Van Loan, Matrix Computations, 1983; what is not square is reduced by QR with
+///              column pivoting first, then by two-sided Jacobi rotations.
 VELQUAD_API void svdsolve(double** a, double* b, int rows, double* x, int columns, double* residual);
 
 /// Fits the affine map that takes source points to target points, by `svdsolve`.

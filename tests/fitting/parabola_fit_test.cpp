@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <new>
 #include <random>
@@ -16,14 +17,34 @@ namespace {
 using math::CSampleStatistics;
 using math::CSVDPolyFit;
 using math::ParaFit;
+using velquad::test::failAllocation;
 using velquad::test::fitParabolaLiterally;
-using velquad::test::forEachFailingAllocation;
+using velquad::test::hasAllocationFailed;
+using velquad::test::liveAllocations;
 using velquad::test::PeakLimits;
 
 using Values = std::vector<double>;
 
 constexpr double kUntouched = -77.5;
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+// Lets each of the first allocations of a call fail, those before the decomposition begins. `call` returns whether
+// it saw the failure.
+template <typename Call>
+void failFirstAllocations(std::size_t most, const Call& call) {
+    EXPECT_FALSE(call());
+    for (std::size_t number = 1; number <= most; ++number) {
+        SCOPED_TRACE(number);
+        const std::ptrdiff_t before = liveAllocations();
+        failAllocation(number);
+        const bool reported = call();
+        const bool happened = hasAllocationFailed();
+        failAllocation(0);
+        EXPECT_TRUE(happened);
+        EXPECT_TRUE(reported);
+        EXPECT_EQ(liveAllocations(), before);
+    }
+}
 
 Values countUp(int count) {
     Values values;
@@ -178,25 +199,24 @@ TEST(PolyFit, KeepsItsMemoryFromFitToFit) {
 TEST(PolyFit, StoresNothingWhenMemoryIsLackingAndCanBeUsedAgain) {
     const Values x = countUp(8);
     const Values y = peakAt(3.0, 8);
-    EXPECT_GT(forEachFailingAllocation([&x, &y] {
-                  CSVDPolyFit poly(2);
-                  double a = kUntouched;
-                  double b = kUntouched;
-                  double c = kUntouched;
-                  bool isFitted = false;
-                  try {
-                      isFitted = poly.FitRangeParabola(x, y, 0, 7, a, b, c, nullptr);
-                  } catch (const std::bad_alloc&) {
-                      isFitted = false;
-                  }
-                  EXPECT_EQ(isFitted, a != kUntouched);
-                  if (!isFitted) {
-                      EXPECT_TRUE(poly.FitRangeParabola(x, y, 0, 7, a, b, c, nullptr));
-                      EXPECT_NEAR(a, -1.0, 1e-13);
-                  }
-                  return !isFitted;
-              }),
-              5U);
+    failFirstAllocations(10, [&x, &y] {
+        CSVDPolyFit poly(2);
+        double a = kUntouched;
+        double b = kUntouched;
+        double c = kUntouched;
+        bool isFitted = false;
+        try {
+            isFitted = poly.FitRangeParabola(x, y, 0, 7, a, b, c, nullptr);
+        } catch (const std::bad_alloc&) {
+            isFitted = false;
+        }
+        EXPECT_EQ(isFitted, a != kUntouched);
+        if (!isFitted) {
+            EXPECT_TRUE(poly.FitRangeParabola(x, y, 0, 7, a, b, c, nullptr));
+            EXPECT_NEAR(a, -1.0, 1e-13);
+        }
+        return !isFitted;
+    });
 }
 
 TEST(ParabolaFit, LocatesAPeak) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <new>
 #include <random>
@@ -13,13 +14,34 @@
 
 namespace {
 
+using velquad::test::failAllocation;
 using velquad::test::forEachFailingAllocation;
+using velquad::test::hasAllocationFailed;
+using velquad::test::liveAllocations;
 using velquad::test::OneBasedMatrix;
 
 using Values = std::vector<double>;
 
 constexpr double kUntouched = -77.5;
 constexpr int kMostInt = std::numeric_limits<int>::max();
+
+// Lets each of the first allocations of a call fail, those before the decomposition begins. `call` returns whether
+// it saw the failure.
+template <typename Call>
+void failFirstAllocations(std::size_t most, const Call& call) {
+    EXPECT_FALSE(call());
+    for (std::size_t number = 1; number <= most; ++number) {
+        SCOPED_TRACE(number);
+        const std::ptrdiff_t before = liveAllocations();
+        failAllocation(number);
+        const bool reported = call();
+        const bool happened = hasAllocationFailed();
+        failAllocation(0);
+        EXPECT_TRUE(happened);
+        EXPECT_TRUE(reported);
+        EXPECT_EQ(liveAllocations(), before);
+    }
+}
 
 struct Solution {
     Values x;
@@ -195,20 +217,19 @@ TEST(SvdSolve, StoresNothingWhenMemoryIsLacking) {
     OneBasedMatrix a(3, 2, Values{2, 0, 0, 4, 0, 1});
     Values b{0, 2, 8, 3};
     double** const table = a.table();
-    EXPECT_GT(forEachFailingAllocation([&b, table] {
-                  double x[3] = {kUntouched, kUntouched, kUntouched};
-                  double residual = kUntouched;
-                  try {
-                      svdsolve(table, b.data(), 3, x, 2, &residual);
-                      return false;
-                  } catch (const std::bad_alloc&) {
-                      EXPECT_EQ(x[1], kUntouched);
-                      EXPECT_EQ(x[2], kUntouched);
-                      EXPECT_EQ(residual, kUntouched);
-                      return true;
-                  }
-              }),
-              0U);
+    failFirstAllocations(3, [&b, table] {
+        double x[3] = {kUntouched, kUntouched, kUntouched};
+        double residual = kUntouched;
+        try {
+            svdsolve(table, b.data(), 3, x, 2, &residual);
+            return false;
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(x[1], kUntouched);
+            EXPECT_EQ(x[2], kUntouched);
+            EXPECT_EQ(residual, kUntouched);
+            return true;
+        }
+    });
 }
 
 struct AffineFit {
@@ -291,17 +312,16 @@ TEST(SvdHomogeneousFit, KeepsSilentWhenMemoryIsLacking) {
     OneBasedMatrix transform(3, 3, 0.0);
     double** const table = points.table();
     double** const rows = transform.table();
-    EXPECT_GT(forEachFailingAllocation([&transform, table, rows] {
-                  for (int i = 1; i <= 9; ++i)
-                      transform.at(1 + (i - 1) / 3, 1 + (i - 1) % 3) = kUntouched;
-                  double residual = kUntouched;
-                  EXPECT_TRUE(svdhomfit(table, table, 3, rows, &residual));
-                  const bool isUntouched = transform.at(3, 3) == kUntouched;
-                  EXPECT_EQ(residual == kUntouched, isUntouched);
-                  EXPECT_EQ(transform.at(1, 1) == kUntouched, isUntouched);
-                  return isUntouched;
-              }),
-              0U);
+    failFirstAllocations(7, [&transform, table, rows] {
+        for (int i = 1; i <= 9; ++i)
+            transform.at(1 + (i - 1) / 3, 1 + (i - 1) % 3) = kUntouched;
+        double residual = kUntouched;
+        EXPECT_TRUE(svdhomfit(table, table, 3, rows, &residual));
+        const bool isUntouched = transform.at(3, 3) == kUntouched;
+        EXPECT_EQ(residual == kUntouched, isUntouched);
+        EXPECT_EQ(transform.at(1, 1) == kUntouched, isUntouched);
+        return isUntouched;
+    });
 }
 
 }  // namespace
