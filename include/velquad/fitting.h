@@ -1,16 +1,17 @@
 /// @file
-/// Linear solvers, least-squares polynomials and rationals.
+/// Linear solvers, least-squares polynomials and rationals, fits by singular values.
 ///
 /// **Indices.** Every function tells whether its tables count from 1 or from 0. A table that counts from 1 holds
 /// nothing at index 0, neither as a row nor within a row, and index 0 is never touched.
 /// **Pointers.** Not tested unless told otherwise.
 /// **Exceptions.** The C++ functions let `std::bad_alloc` through when working memory is lacking. Their arguments
 /// are then as they were.
-/// **Threads.** Pure functions of their arguments.
+/// **Threads.** Pure functions of their arguments. An object belongs to one thread at a time.
 #ifndef VELQUAD_FITTING_H
 #define VELQUAD_FITTING_H
 
 #include <cstdint>
+#include <vector>
 
 #include "velquad/platform.h"
 #include "velquad/types.h"
@@ -124,5 +125,259 @@ VELQUAD_API int matCvtDoubleToRational(double value, int* numerator, int* denomi
 /// @}
 
 }  // extern "C"
+
+/// @name Least squares by singular values
+/// @{
+
+namespace svd {
+
+/// A vector of doubles with indices of the caller's choice, as `svdsolve` and its callers exchange them.
+///
+///     svd::CDVector b(1, n);
+///     for (int i = 1; i <= n; ++i) b[i] = ...;
+///     svdsolve(a.get(), b.get(), n, x.get(), columns, nullptr);
+///
+/// There is memory for the indices 0 to `nh`, so that the block can be handed on as a plain array and indexed
+/// alike. Elements are not initialised and indices are not checked.
+class CDVector {
+  public:
+    /// No block; both bounds are 0.
+    VELQUAD_API CDVector();
+
+    /// @param nl, nh  the lowest and the highest index in use. `nl` is kept for the reader only.
+    /// @throws std::bad_alloc  also for nh < -1 and for the largest int.
+    VELQUAD_API CDVector(int nl, int nh);
+
+    /// Empty, like a default vector. Nothing is moved: `other` keeps its block.
+    VELQUAD_API CDVector(CDVector&& other) noexcept;
+    VELQUAD_API ~CDVector();
+    CDVector& operator=(const CDVector&) = delete;
+
+    /// @return element `i`, 0 <= i <= nh.
+    VELQUAD_API double& operator[](int i);
+
+    /// @return the block, its first element having index 0; null without one. It stays the object's.
+    VELQUAD_API double* get();
+
+  private:
+    double* data;
+    int nl;
+    int nh;
+};
+
+/// A matrix of doubles with indices of the caller's choice and a table of its rows, which can be handed on as
+/// `double**`. See `CDVector`.
+///
+///     svd::CDMatrix a(1, rows, 1, columns);
+///     a[1][1] = ...;
+///     a.get()[rows][columns] = ...;
+///
+/// There is memory for all rows from 0 to `nrh` and columns from 0 to `nch`, but pointers are set for the rows from
+/// `nrl` on only.
+class CDMatrix {
+  public:
+    /// No memory; all bounds are 0.
+    VELQUAD_API CDMatrix();
+
+    /// @param nrl, nrh  the lowest and the highest row in use; none when `nrl` is above `nrh`.
+    /// @param ncl, nch  the lowest and the highest column in use. `ncl` is kept for the reader only.
+    /// @throws std::bad_alloc  also when (nrh + 1) (nch + 1) elements, or nrh + 1 rows, are less than none or more
+    ///                         than an int counts.
+    VELQUAD_API CDMatrix(int nrl, int nrh, int ncl, int nch);
+
+    /// Takes the memory of `other`, which is left with its bounds and without memory.
+    VELQUAD_API CDMatrix(CDMatrix&& other) noexcept;
+    VELQUAD_API ~CDMatrix();
+    CDMatrix& operator=(const CDMatrix&) = delete;
+
+    /// @return row `i`, nrl <= i <= nrh; its first element has index 0.
+    VELQUAD_API double* operator[](int i);
+
+    /// @return the table of rows, its first entry having index 0; null without one. It stays the object's.
+    VELQUAD_API double** get();
+
+  private:
+    double** rows;
+    double* data;
+    int nrl;
+    int nrh;
+    int ncl;
+    int nch;
+};
+
+}  // namespace svd
+
+/// Solves A x = b in the sense of least squares, whatever the shape and the rank of A.
+///   (1) Of all x that come closest to b, the shortest is taken. Columns that cannot be told apart so share their
+///       weight.
+///   (2) The rank is the number of singular values above the largest one times the epsilon of doubles times the
+///       smaller of `rows` and `columns`.
+///   (3) Rows and columns below 1 count as none: x is 0 without rows.
+///   (4) Where A holds an infinity or a not-a-number, all of x are not-a-numbers.
+/// @param a         `a[1..rows][1..columns]`, only read.
+/// @param b         `b[1..rows]`, only read.
+/// @param x         `x[1..columns]`.
+/// @param residual  may be null: the sum of the squares of A x - b, no root taken. 0 without rows.
+/// @throws std::bad_alloc  with nothing stored. Some working memory may be lost then.
+/// @par Cost    Of the order of rows columns^2 operations for few columns, and working memory for a few copies
+///              of A.
+/// @par Source  G. H. Golub, C. F. Van Loan, Matrix Computations, 1983; what is not square is reduced by QR with
+///              column pivoting first, then by two-sided Jacobi rotations.
+VELQUAD_API void svdsolve(double** a, double* b, int rows, double* x, int columns, double* residual);
+
+/// Fits the affine map that takes source points to target points, by `svdsolve`.
+///   (1) Points on a line, or fewer than three, leave some of the map open; its six numbers are the ones of the
+///       smallest sum of squares then. That is no failure.
+/// @param target     `target[1..count][1..2]`, x and y.
+/// @param source     `source[1..count][1..2]`.
+/// @param transform  `transform[1..3][1..3]`: a homogeneous matrix that acts on columns (x, y, 1). All nine are
+///                   stored.
+/// @param residual   the sum of the squared errors of both coordinates.
+/// @return true, also for a null table, a count below 0 and no memory: nothing is stored then. False for an
+///         exception of the host's that is not `std::bad_alloc`, with the largest double in `residual`.
+VELQUAD_API bool svdhomfit(double** target, double** source, int count, double** transform, double* residual);
+/// @}
+
+namespace math {
+
+/// @name Fits to a window of a sampled curve
+/// A curve is two vectors of equal size, x and y.
+/// @{
+
+/// Fits lines and parabolas to ranges of a curve, and keeps its working memory from fit to fit.
+///
+///     math::CSVDPolyFit poly(2);
+///     if (poly.FitRangeParabola(x, y, 10, 20, a, b, c, nullptr)) report(-b / (2.0 * a));
+///
+///   (1) The range is moved to its means before the fit, so that curves far from the origin keep their digits.
+///   (2) Ranges with fewer different x than coefficients give one of the possible fits, and no failure.
+///
+/// **Memory.** Grows to the longest range and is kept until the object is destroyed.
+/// **Threads.** An object belongs to one thread at a time.
+class CSVDPolyFit {
+  public:
+    /// No memory yet.
+    /// @param degree  the highest power that may be fitted: 1 for lines only, 2 for parabolas too.
+    VELQUAD_API CSVDPolyFit(int degree);  // NOLINT(google-explicit-constructor)
+    CSVDPolyFit(const CSVDPolyFit&) = delete;
+    VELQUAD_API ~CSVDPolyFit();
+    CSVDPolyFit& operator=(const CSVDPolyFit&) = delete;
+
+    /// Fits y = slope x + intercept to the samples `first` to `last`, both included.
+    /// @param residual  may be null: the sum of the squared errors.
+    /// @return true when fitted. False, with nothing stored, for vectors of different sizes, first >= last, a range
+    ///         beyond the vectors, a degree below 1, and no memory to grow.
+    /// @throws std::bad_alloc  when memory is lacking for the solution itself; nothing is stored.
+    VELQUAD_API bool FitRangeLine(const std::vector<double>& x, const std::vector<double>& y, int first,
+                                  int last, double& slope, double& intercept, double* residual);
+
+    /// Fits y = a x^2 + b x + c to the samples `first` to `last`, both included and at least four.
+    /// @param residual  may be null: the sum of the squared errors.
+    /// @return true when fitted. False, with nothing stored, as `FitRangeLine`, for fewer than four samples and for
+    ///         a degree below 2.
+    /// @throws std::bad_alloc  as `FitRangeLine`.
+    VELQUAD_API bool FitRangeParabola(const std::vector<double>& x, const std::vector<double>& y, int first,
+                                      int last, double& a, double& b, double& c, double* residual);
+
+  private:
+    VELQUAD_API bool FitPoly(const std::vector<double>& x, const std::vector<double>& y, int first, int last,
+                             int coefficientCount, double* residual);
+    VELQUAD_API bool Allocate(int samples);
+
+    svd::CDMatrix* design;        // [1..capacity][1..maxCoefficients]: powers of x
+    svd::CDVector* rhs;           // [1..capacity]: y
+    svd::CDVector* coefficients;  // [1..maxCoefficients], of the means' frame, the constant first
+    int capacity;                 // samples that there is memory for
+    int maxCoefficients;          // degree + 1
+    double xMean;                 // of the range fitted last
+    double yMean;                 // of the range fitted last
+};
+
+/// What `FitParabola` found.
+struct ParaFit {
+    double vertexX;    ///< Position of the vertex, between the samples.
+    double vertexY;    ///< Height of the vertex.
+    double curvature;  ///< a of y = a x^2 + b x + c; negative for a peak.
+    double reserved;   ///< Not used.
+    double residual;   ///< Sum of the squared errors of the window.
+    int left;          ///< First sample of the window.
+    int right;         ///< Last sample of the window.
+    double
+        plateauLeftX;  ///< x of the nearest sample to the left of the index with another y, or of the first one.
+    double
+        plateauRightX;  ///< x of the nearest sample to the right of the index with another y, or of the last one.
+    bool isPeak;        ///< The parabola passed every test of a peak.
+
+    /// All zero and false.
+    VELQUAD_API ParaFit();
+    ParaFit(const ParaFit& other) = default;
+    VELQUAD_API ParaFit& operator=(const ParaFit& other);
+    VELQUAD_API ParaFit& operator=(ParaFit&& other) noexcept;
+};
+
+/// Fits a parabola around a sample of a curve and tells whether it is a peak that stands out from noise and
+/// background: a peak locator of better than sample resolution.
+///
+/// The window takes the index, two neighbours on either side, and more for as long as their x lies less than half
+/// of `width` away. The fit is a peak (`ParaFit::isPeak`) when
+///   (1) it opens downwards,
+///   (2) its vertex lies inside the window, not on its ends,
+///   (3) its vertex stands at least `noiseFactor` times the root of the residual above the lower end of the parabola,
+///   (4) its vertex lies above the background: mean plus `backgroundFactor` standard deviations of the samples
+///       outside the window. The feet of the peak itself do not count: going outwards from the window, samples are
+///       left out while they are lower than the window's last sample, and all that follow the first other one count.
+///       With fewer than four such samples the background is 0.
+/// @param x, y          the curve; x must grow.
+/// @param index         the sample to look around.
+/// @param width         width of the window, in units of x.
+/// @param fit           the result. On false `vertexY`, `curvature` and `isPeak` are reset and the rest stays as it
+///                      was; nothing changes for unusable vectors.
+/// @param poly          working memory, of degree 2 at least.
+/// @param verbose       writes the window and the fit to `OutputDebugStringW`.
+/// @param minCurvature  parabolas that are as flat as this, or flatter, are refused.
+/// @return true when a parabola was fitted, peak or not. False for vectors of different sizes or fewer than three
+///         samples, an index outside of them, windows of fewer than four samples, too flat parabolas, a `poly` of
+///         degree below 2, and when `poly` has no memory to grow.
+/// @throws std::bad_alloc  as `CSVDPolyFit::FitRangeLine`, with `fit` as on false.
+VELQUAD_API bool FitParabola(const std::vector<double>& x, const std::vector<double>& y, int index,
+                             double width, ParaFit& fit, CSVDPolyFit& poly, bool verbose, double minCurvature,
+                             double backgroundFactor, double noiseFactor);
+/// @}
+
+/// Mean and standard deviation of a sample, value by value.
+///   (1) Two sums are kept, not the values: data far from 0 with a small spread lose digits, down to a deviation
+///       of 0.
+///   (2) A not-a-number makes the mean not a number and the deviation 0.
+///
+/// Nothing is allocated and nothing throws.
+class CSampleStatistics {
+  public:
+    /// No values yet.
+    VELQUAD_API CSampleStatistics();
+    CSampleStatistics(const CSampleStatistics& other) = default;
+    VELQUAD_API CSampleStatistics& operator=(const CSampleStatistics& other);
+    VELQUAD_API CSampleStatistics& operator=(CSampleStatistics&& other) noexcept;
+
+    /// Takes a value.
+    VELQUAD_API void Sample(double value);
+
+    /// @return the arithmetic mean; 0 without values.
+    VELQUAD_API double Mean() const;
+
+    /// @return the standard deviation of the sample (the divisor is one less than the number of values); 0 for
+    ///         fewer than two values. Of use up to 65536 values only: the product of the number of values and one
+    ///         less wraps at 32 bits.
+    VELQUAD_API double StdDev() const;
+
+    /// @return the number of values.
+    VELQUAD_API unsigned int size() const;
+
+  private:
+    unsigned int count;
+    double sum;
+    double sumOfSquares;
+};
+
+}  // namespace math
 
 #endif  // VELQUAD_FITTING_H
