@@ -32,7 +32,7 @@ struct Statement {
 // How far the gradient of a least-squares solution may be from zero, relative to the numbers it is summed from, in
 // units of the rounding of doubles per unknown. Solutions that are right stay well below; wrong ones are off by many
 // powers of ten.
-constexpr double kGradientTolerance = 8.0;
+constexpr double kGradientTolerance = 1.0;
 
 constexpr unsigned int kSingularVectors = Eigen::ComputeThinU | Eigen::ComputeThinV;
 
