@@ -139,7 +139,7 @@ INSTANTIATE_TEST_SUITE_P(
                  {1, 3, 4, 9, 16, 12, 27, 36, 48, 64, 81, 108, 144, 192, 256, 243, 324, 432, 576, 768, 1024},
                  {1,     -1.5, 2,   2.25, 4,        -3,     -3.375, 4.5, -6,  8, 5.0625,
                   -6.75, 9,    -12, 16,   -7.59375, 10.125, -13.5,  18,  -24, 32}}),
-    [](const testing::TestParamInfo<TermCase>& info) { return "Model" + std::to_string(info.param.model); });
+    [](const testing::TestParamInfo<TermCase>& test) { return "Model" + std::to_string(test.param.model); });
 
 TEST(LensDistortion, NormalisesByHalfTheHeight) {
     CSVDFitPoly2d lens;
