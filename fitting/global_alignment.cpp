@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "fitting/working_memory.h"
 #include "velquad/fitting.h"
 
 namespace {
@@ -57,6 +58,8 @@ Sides solveMinimumNorm(const Eigen::MatrixXd& matrix, const Sides& sides, double
     // A decomposition of what is not finite is undefined.
     if (!matrix.allFinite() || !sides.allFinite())
         return Sides::Constant(matrix.cols(), 2, std::numeric_limits<double>::quiet_NaN());
+    velquad::fitting::requireMemoryForDecomposition(static_cast<std::size_t>(matrix.rows()),
+                                                    static_cast<std::size_t>(matrix.cols()));
     {
         Eigen::BDCSVD<Eigen::MatrixXd> decomposition(matrix, kSingularVectors);
         decomposition.setThreshold(rounding);

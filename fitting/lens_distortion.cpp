@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "fitting/lens_basis.h"
+#include "fitting/working_memory.h"
 #include "velquad/fitting.h"
 
 namespace {
@@ -38,6 +39,7 @@ std::array<std::vector<double>, 2> solveBoth(const std::vector<double>& design, 
     if (!isFinite(design)) return solutions;
     const Eigen::MatrixXd matrix = Eigen::Map<const RowMajorMatrix>(
         design.data(), static_cast<Eigen::Index>(rows), static_cast<Eigen::Index>(columns));
+    velquad::fitting::requireMemoryForDecomposition(rows, columns);
     const Eigen::JacobiSVD<Eigen::MatrixXd> decomposition(matrix, Eigen::ComputeThinU | Eigen::ComputeThinV);
     const std::array<const std::vector<double>*, 2> targets = {&first, &second};
     for (std::size_t axis = 0; axis < targets.size(); ++axis) {
