@@ -14,7 +14,8 @@ inline void requireMemoryForDecomposition(std::size_t rows, std::size_t columns)
     // Working copies, singular vectors and workspace, generously counted: the peak stays below.
     const std::size_t longer = rows < columns ? columns : rows;
     const std::size_t shorter = (rows < columns ? rows : columns) + 1;
-    ::operator delete(::operator new(sizeof(double) * (6 * longer * shorter + 10 * shorter * shorter)));
+    ::operator delete(
+        ::operator new(sizeof(double) * ((6 * shorter + 32) * longer + 10 * shorter * shorter)));
 }
 
 }  // namespace velquad::fitting
