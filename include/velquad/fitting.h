@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "velquad/platform.h"
+#include "velquad/platform/named_type.h"
 #include "velquad/types.h"
 
 /// @name Direct linear solvers
@@ -379,5 +380,178 @@ class CSampleStatistics {
 };
 
 }  // namespace math
+
+/// @name Lens distortion and the alignment of mosaics
+/// @{
+
+namespace svd {
+
+struct PolyModelIdParameter;
+
+/// The number of a lens model, of a type of its own so that a number of dots or a size is not taken for it.
+using PolyModelId = fluent::NamedType<unsigned int, PolyModelIdParameter, fluent::Comparable>;
+
+/// Fits a polynomial map from measured positions of calibration dots to their true positions, and applies it: the
+/// correction of lens distortion.
+///
+///     svd::CSVDFitPoly2d lens;
+///     lens.Allocate(dotCount, svd::PolyModelId(9), width, height);
+///     // lens.PutCalibDot(measuredX, measuredY, trueX, trueY) for each dot
+///     svd::CSVDFitPoly2d::LensDistortionParams params;
+///     lens.Fit(params);
+///     lens.Predict(params, x, y, trueX, trueY);
+///
+/// Positions are in pixels. Inside, they are taken from the image centre in units of half the height, along both
+/// axes: u = (x - width / 2) / (height / 2), v = (y - height / 2) / (height / 2). Circles stay circles. The map is a
+/// linear combination of the terms of a model, with r the distance sqrt(u^2 + v^2) and q = u^2 + v^2:
+///
+/// | model | terms |
+/// |---|---|
+/// | 2 | 1, u, v, r, r^2 |
+/// | 3 | 1, u, v, r, r^2, r^3 |
+/// | 4 | 1, u, v, r, r^2, r^3, r^4 |
+/// | 5 | 1, u, v, u^2, v^2, u^2 v, u v^2, u^3, v^3, r |
+/// | 6 | 1, u, v, u^2, v^2, u^2 v, u v^2, u^3, v^3 |
+/// | 7 | 1, u, v, u^2, v^2, u^2 v, u v^2, u^3, v^3, u^3 v, u^2 v^2, u^4, u v^3, u^2 v^2, u v^3, u^3 v, v^4 |
+/// | 8 | 0, 1, 0, u, u^2, u v, u, v, v^2 / 3 + u^2, 2 u v / 3, u v^2 + u^3, u^2 - v^2, 2 u v, u^3, (3 u^2 v + v^3) / 2, (5 u^2 + v^2) q / 5, 4 u v q / 5, q^2 u, u^2 / 3 + v^2, u v^2 + u^3, v^3, (3 v^3 + u^2 v) / 2, (5 v^2 + u^2) q / 5, q^2 v |
+/// | 9 | 1, u, v, u^2, v^2, u v, u^3, u^2 v, u v^2, v^3, u^4, u^3 v, u^2 v^2, u v^3, v^4, u^5, u^4 v, u^3 v^2, u^2 v^3, u v^4, v^5 |
+///
+///   (1) The fit is the least-squares fit in u and v, all dots of one weight. Of several best fits it is the one
+///       with the smallest sum of squared coefficients; so terms that are equal share their weight equally (models
+///       7 and 8), and terms that are zero have coefficient 0 (model 8).
+///   (2) Any other model has no terms; its map sends every point to the image centre.
+///
+/// **Memory.** An object holds a pointer to a record, which is null when memory was lacking for it; the members do
+/// nothing then and return false.
+/// **Exceptions.** `std::bad_alloc` from `Allocate` and `Fit`.
+/// **Threads.** An object, and objects that share a record, belong to one thread at a time.
+class CSVDFitPoly2d {
+  public:
+    /// The result of a fit, to be stored and used later.
+    struct LensDistortionParams {
+        unsigned int modelId = 0;           ///< The number of the model.
+        std::vector<double> xCoefficients;  ///< One coefficient a term, for the true x.
+        std::vector<double> yCoefficients;  ///< One coefficient a term, for the true y.
+    };
+
+    VELQUAD_API CSVDFitPoly2d();
+    CSVDFitPoly2d(const CSVDFitPoly2d&) = delete;
+
+    /// Releases the record.
+    VELQUAD_API ~CSVDFitPoly2d();
+
+    /// Shares the record of `other`. The own one is not released, and nobody counts who shares: of two objects with
+    /// one record only one may be destroyed.
+    VELQUAD_API CSVDFitPoly2d& operator=(const CSVDFitPoly2d& other);
+
+    /// Starts a fit: chooses the model and the image size, makes room for dots and forgets those there are.
+    /// @param dots           the number of dots to come. Rows of dots that never come do not change the result.
+    /// @param width, height  of the image, in pixels.
+    /// @return true.
+    /// @throws std::bad_alloc  with the object as it was.
+    VELQUAD_API bool Allocate(unsigned int dots, svd::PolyModelId model, unsigned int width,
+                              unsigned int height);
+
+    /// Adds a dot. More dots than `Allocate` was told of are left out.
+    /// @param x, y              the measured position.
+    /// @param targetX, targetY  the true position.
+    VELQUAD_API void PutCalibDot(double x, double y, double targetX, double targetY);
+
+    /// Fits the map. The dots stay, so that more can be added and the fit repeated.
+    /// @param params  replaced by the result. The coefficients are not-a-numbers when dots are not finite; those of
+    ///                one axis when only true positions along that axis are not.
+    /// @return true; false, with nothing stored, without a record.
+    /// @throws std::bad_alloc  with `params` as it was.
+    VELQUAD_API bool Fit(LensDistortionParams& params);
+
+    /// Maps a point. Allocates nothing.
+    /// @param params            coefficients for the model and the image size of the last `Allocate`, which decides,
+    ///                          not `params.modelId`. Terms beyond the shorter list of coefficients are left out.
+    /// @param x, y              a measured position.
+    /// @param resultX, resultY  the true position.
+    VELQUAD_API void Predict(LensDistortionParams& params, double x, double y, double& resultX,
+                             double& resultY) const;
+
+  private:
+    struct Record;
+    Record* record;
+};
+
+/// Finds the positions of items in the plane that agree best with measured displacements between pairs of them and
+/// with known places, as for the tiles of a stitched image.
+///
+///     svd::CSVDGlobAln alignment;
+///     alignment.Allocate(pairCount, itemCount);
+///     alignment.PutPair(1, 2, 10.0, 5.0, 1.0);  // and so on
+///     alignment.PutExpected(1, 100.0, 100.0);
+///     alignment.GlobalAlign();
+///     alignment.GetPos(1, id, x, y);             // id 2 at (110, 105)
+///
+/// Each statement is two equations, one for x and one for y, multiplied with a weight. The result has the smallest
+/// sum of squared differences of the weighted equations.
+///   (1) Items that no known place reaches through pairs are placed so that the sum of all their squared coordinates
+///       is smallest: each connected group of them is centred at the origin.
+///   (2) The sign of a weight is irrelevant; a statement of weight 0 says nothing but needs room.
+///   (3) Items get indices in the order in which their ids are first used.
+///
+/// **Memory.** As for `CSVDFitPoly2d`; linear in pairs and items, but `GlobalAlign` needs matrices of half as many
+/// rows and columns as there are equations and unknowns.
+/// **Exceptions.** `std::bad_alloc` from `Allocate` and `GlobalAlign`.
+/// **Threads.** An object belongs to one thread at a time; const members may run side by side.
+/// @par Source  The minimum-norm least-squares solution by singular values: G. Golub, W. Kahan, Calculating the
+///              singular values and pseudo-inverse of a matrix, 1965; by divide and conquer, M. Gu, S. C. Eisenstat,
+///              1995.
+class CSVDGlobAln {
+  public:
+    VELQUAD_API CSVDGlobAln();
+    CSVDGlobAln(const CSVDGlobAln&) = delete;
+    CSVDGlobAln& operator=(const CSVDGlobAln&) = delete;
+    VELQUAD_API ~CSVDGlobAln();
+
+    /// Starts a problem: forgets statements and items. Positions of an earlier solution and the weight factor stay.
+    /// There is room for `nPairs` + `nItems` statements about `nItems` items.
+    /// @return true; false without a record.
+    /// @throws std::bad_alloc  with the object as it was; always where a matrix of 2 (nPairs + nItems) rows and
+    ///                         2 nItems columns cannot be addressed.
+    VELQUAD_API bool Allocate(unsigned int nPairs, unsigned int nItems);
+
+    /// Says that item `id2` lies (dx, dy) from item `id1`. Equal ids say that the item lies at (dx, dy).
+    /// @return false, with nothing said, when there is no room for the items or the statement. Items that are new
+    ///         may have taken room then.
+    VELQUAD_API bool PutPair(int id1, int id2, double dx, double dy, double weight);
+
+    /// Says that an item lies at (x + xOffset, y + yOffset).
+    /// @return false, with nothing changed, when there is no room.
+    VELQUAD_API bool PutFixed(int id, double x, double y, double xOffset, double yOffset, double weight);
+
+    /// Says that an item lies at (x, y), with the weight set by `PutConstraintWeightFactor` before.
+    /// @return false, with nothing changed, when there is no room.
+    VELQUAD_API bool PutExpected(int id, double x, double y);
+
+    /// Sets the weight for later calls of `PutExpected`; 1 at first.
+    /// @return false, with nothing changed, for a negative number or a not-a-number.
+    VELQUAD_API bool PutConstraintWeightFactor(double factor);
+
+    /// Solves for all positions. The statements stay, so that more can be added and the problem solved again.
+    /// @return the sum of squared differences of the weighted equations; 0 when there are none. Not a number, as the
+    ///         positions are, for statements with infinities or not-a-numbers.
+    /// @par Cost    One decomposition of a matrix with a row a statement and a column an item, for both axes.
+    VELQUAD_API double GlobalAlign();
+
+    /// The number of items.
+    VELQUAD_API int GetColumns() const;
+
+    /// The id and position of an item. A position that was never solved for is (0, 0).
+    /// @param index  of the item, in the order of first use.
+    /// @return false, with nothing stored, when there is no such item.
+    VELQUAD_API bool GetPos(int index, int& id, double& x, double& y) const;
+
+  private:
+    struct Record;
+    Record* record;
+};
+
+}  // namespace svd
+/// @}
 
 #endif  // VELQUAD_FITTING_H
