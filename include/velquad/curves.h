@@ -124,12 +124,12 @@ VELQUAD_API void* polyCalcFittingCurve(void* polygon, double step, int order, un
 
 /// @name Perimeters of chain codes
 /// Two estimates of the length of a closed outline of pixels. Each whole pixel is scaled before any smoothing, so a
-/// pixel may be wider than high.
+/// pixel may be wider than high. Both follow the centres of the border pixels.
 ///
-/// |                          | curve                                             | on a digital disc          |
-/// | ------------------------ | ------------------------------------------------- | -------------------------- |
-/// | `miniCalcInnerPerimeter` | quadratic B-spline with the pixels as its control | cuts corners, the shorter  |
-/// | `miniCalcOuterPerimeter` | Renner subspline through the pixels               | keeps corners, the longer  |
+/// |                          | curve                                             | of the two                |
+/// | ------------------------ | ------------------------------------------------- | ------------------------- |
+/// | `miniCalcInnerPerimeter` | quadratic B-spline with the pixels as its control | cuts corners, the shorter |
+/// | `miniCalcOuterPerimeter` | Renner subspline through the pixels               | keeps corners, the longer |
 /// @{
 
 /// The length of the closed curve of `matFittingCurve`, order 3, as a chain of chords, two or more a step.

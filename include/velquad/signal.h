@@ -50,8 +50,10 @@ VELQUAD_API unsigned int matFFT(const double* in, unsigned int n, double* real, 
 /// @param out              receives the real part of the signal; may be `real`.
 VELQUAD_API unsigned int matInvFFT(double* real, double* imaginary, unsigned int n, double* out);
 
-/// Multiplies a spectrum by a window that is centred at zero frequency, which makes it a low-pass filter.
-/// @param n     its largest power of two counts: what lies behind is left alone.
+/// Multiplies a spectrum by a window that is centred at zero frequency, which makes it a low-pass filter. With l the
+/// number of elements that it covers, the Hann and Blackman windows have their middle at l / 2, where zero frequency
+/// stands; the triangular and the Welch window have it at (l - 1) / 2, so they tilt the two sides by half an element.
+/// @param n     its largest power of two is l: what lies behind is left alone.
 /// @param kind  1 triangular, 2 Hann, 3 Welch, 4 Blackman; others leave the spectrum as it is.
 /// @return 0.
 VELQUAD_API unsigned int matWindowFFT(double* real, double* imaginary, unsigned int n, unsigned short kind);
@@ -124,7 +126,7 @@ VELQUAD_API unsigned int matFFTSmooth(const double* in, unsigned int n, double* 
 ///   (1) Where an extreme follows the one before within `gap` samples, the line goes half way between it and the
 ///       chord of the opposite extremes around it.
 ///   (2) Over a longer stretch the line keeps the shape of the curve and fades to the curve itself.
-///   (3) Behind the last extreme the line is straight.
+///   (3) Behind the last extreme the line is straight; at both ends it may leave the curve.
 /// @param rounds  how often the result is smoothed again in the same way; 0 gives 3, and so does n = 0.
 /// @param gap     longest distance of extremes that are taken together.
 /// @return 1 when memory is lacking, 2 when it cannot be locked. Nothing is written then.

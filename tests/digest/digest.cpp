@@ -714,6 +714,79 @@ void digestCurveTools(Digest& digest, Random& random) {
     }
 }
 
+void addValues(Digest& digest, const std::vector<double>& values) {
+    for (const double value : values)
+        digest.add(value);
+}
+
+void digestSmoothing(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds / 20; ++round) {
+        const int count = 1 + random.below(300);
+        const auto n = static_cast<unsigned int>(count);
+        std::vector<double> signal, out(n);
+        for (int i = 0; i < count; ++i)
+            signal.push_back(random.real());
+        for (unsigned int width = 1; width <= 5; ++width) {
+            digest.add(static_cast<DWORD>(
+                matSavitzkyGolay(signal.data(), n, out.data(), width, width % 3, random.below(2))));
+            addValues(digest, out);
+        }
+        digest.add(static_cast<DWORD>(matMeanValue(signal.data(), count, out.data(), random.below(20))));
+        addValues(digest, out);
+        const auto rounds = 1 + static_cast<unsigned int>(random.below(3));
+        const auto gap = static_cast<unsigned int>(random.below(12));
+        digest.add(static_cast<DWORD>(matMeanEnvelope(signal.data(), n, out.data(), rounds, gap)));
+        addValues(digest, out);
+        double minimum = 0.0, maximum = 0.0, mean = 0.0;
+        digest.add(matGetRange(signal.data(), n, &minimum, &maximum, &mean));
+        digest.add(minimum, maximum, mean);
+        digest.add(matLinearCorrection(signal.data(), &mean, n, 1.25, -0.5));
+        digest.add(mean);
+        matMapFFTData(signal.data(), out.data(), out.data(), n, 2);
+        addValues(digest, out);
+    }
+}
+
+void digestResampling(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds / 20; ++round) {
+        const int count = 3 + random.below(40);
+        const int outCount = 2 + random.below(150);
+        const auto n = static_cast<unsigned int>(count);
+        const auto outN = static_cast<unsigned int>(outCount);
+        std::vector<double> x, y, out(outN);
+        for (int i = 0; i < count; ++i) {
+            x.push_back((i == 0 ? 0.0 : x.back()) + 0.001 + static_cast<double>(random.below(1000)));
+            y.push_back(random.real());
+        }
+        digest.add(matAkima(y.data(), n, out.data(), outCount));
+        addValues(digest, out);
+        digest.add(
+            matBSpline(y.data(), n, out.data(), outCount, 1 + static_cast<unsigned int>(random.below(6))));
+        addValues(digest, out);
+        digest.add(static_cast<DWORD>(
+            matInterpolateIntensityCurve(x.data(), y.data(), n, -80.0, 90.0, out.data(), outN)));
+        addValues(digest, out);
+
+        std::vector<unsigned char> source, target(outN);
+        for (int i = 0; i < count; ++i)
+            source.push_back(static_cast<unsigned char>(random.below(256)));
+        const void* sourceRow = source.data();
+        void* targetRow = target.data();
+        digest.add(matHorzStretchImage(n, 1, 1, &sourceRow, outN, &targetRow));
+        for (const unsigned char pixel : target)
+            digest.add(static_cast<int>(pixel));
+
+        std::vector<unsigned char> bytes(sizeof(tagMINIVEC) + n);
+        auto* chain = reinterpret_cast<tagMINIVEC*>(bytes.data());
+        chain->count = n;
+        for (int i = 0; i < count; ++i)
+            bytes[offsetof(tagMINIVEC, codes) + static_cast<std::size_t>(i)] =
+                static_cast<unsigned char>(random.below(8));
+        digest.add(miniCalcInnerPerimeter(chain, 1.0, 1.25));
+        digest.add(miniCalcOuterPerimeter(chain, 1.0, 1.25));
+    }
+}
+
 void print(const char* family, std::uint64_t seed, void (*run)(Digest&, Random&)) {
     Digest digest;
     Random random(seed);
@@ -741,5 +814,7 @@ int main() {
     print("line-fits", 12, digestLineFits);
     print("solvers", 10, digestSolvers);
     print("curve-tools", 11, digestCurveTools);
+    print("smoothing", 13, digestSmoothing);
+    print("resampling", 14, digestResampling);
     return 0;
 }

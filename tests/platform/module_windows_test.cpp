@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "platform/module.h"
+#include "velquad/containers.h"
+#include "velquad/framework.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* reserved);
 
@@ -27,7 +29,16 @@ BOOL(WINAPI* const __imp_DisableThreadLibraryCalls)(HMODULE module) = noteQuietM
 
 namespace {
 
-TEST(DllMain, AttachesAndDetachesTheModule) {
+class DllMainTest : public ::testing::Test {
+  protected:
+    // Detaching forgets the classes that were registered at load; other tests look them up.
+    void TearDown() override {
+        AfxClassInit(CObArray::GetThisClass());
+        AfxClassInit(CDoubleArray::GetThisClass());
+    }
+};
+
+TEST_F(DllMainTest, AttachesAndDetachesTheModule) {
     const HINSTANCE instance = GetModuleHandleW(nullptr);
     ASSERT_FALSE(moduleRecord().isInitialised);
     EXPECT_EQ(DllMain(instance, DLL_PROCESS_ATTACH, nullptr), 1);
@@ -39,7 +50,7 @@ TEST(DllMain, AttachesAndDetachesTheModule) {
     EXPECT_EQ(libraryCount(), 0u);
 }
 
-TEST(DllMain, SwitchesTheNotificationsOfThreadsOff) {
+TEST_F(DllMainTest, SwitchesTheNotificationsOfThreadsOff) {
     const HINSTANCE instance = GetModuleHandleW(nullptr);
     quietModule = nullptr;
     EXPECT_EQ(DllMain(instance, DLL_PROCESS_ATTACH, nullptr), 1);
@@ -47,7 +58,7 @@ TEST(DllMain, SwitchesTheNotificationsOfThreadsOff) {
     EXPECT_EQ(DllMain(instance, DLL_PROCESS_DETACH, nullptr), 1);
 }
 
-TEST(DllMain, AnswersAnyOtherReasonWithoutAction) {
+TEST_F(DllMainTest, AnswersAnyOtherReasonWithoutAction) {
     const HINSTANCE instance = GetModuleHandleW(nullptr);
     const std::size_t events = velquad::platform::moduleTrace().count;
     quietModule = nullptr;
