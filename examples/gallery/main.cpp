@@ -157,6 +157,11 @@ constexpr Picture kPictures[] = {
      "to 40 pixels, against 2 pi r: the line is 1, the lower edge 0.96 and the upper one 1.28. Small dots "
      "are the sums of the steps from pixel to pixel. Above, five of the circles with the true ones.",
      drawPerimeters},
+    {"zooms.png", "An image zoomed", "matZoomArray2v matZoomArrayROI2v", drawZooms},
+    {"limits.png", "Values mapped and limited", "matTransformArray2v matClampArray2v matMapArrayToROI2v", drawLimits},
+    {"volumes.png", "A volume", "x", drawVolumes},
+    {"discs.png", "discs", "x", drawDiscs},
+    {"peaks.png", "peaks", "x", drawPeaks},
 };
 
 void writePage(const std::string& path) {
