@@ -132,8 +132,8 @@ Canvas drawDiscs() {
     const Disc disc(11);
     const std::vector<double> distances = disc.distances();
     const Plot plot(canvas, {2.5, 27.5, 72.5, 42.5}, {-1.0, static_cast<double>(distances.size())},
-                    {0.0, 12.0});
-    plot.level(11.5, 1.5, kInk);
+                    {0.0, 13.0});
+    plot.level(11.5, 1.5, kFaint);
     for (std::size_t i = 0; i < distances.size(); ++i) {
         const auto index = static_cast<double>(i);
         canvas.dot(plot.at(index, distances[i]), 4.5,
@@ -148,7 +148,7 @@ Canvas drawPeaks() {
         Rgb colour;
     };
     DeepImage image = spots();
-    Canvas canvas(image.width(), image.height(), 8);
+    Canvas canvas(image.width(), image.height(), 8, Grid::kHidden);
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
             const auto level = static_cast<std::uint8_t>(std::min(255, image.at(x, y) / 13));

@@ -137,13 +137,13 @@ Canvas drawZooms() {
     const Plot plot(canvas,
                     {static_cast<double>(plotLeft), static_cast<double>(kGap),
                      static_cast<double>(width - kGap), static_cast<double>(detailTop - kGap)},
-                    {0.0, kPanelWidth / kDetailScale - 1.0}, {0.0, kWhite});
+                    {0.0, kPanelWidth / kDetailScale - 1.0}, {0.0, 170.0});
     int left = kGap;
     for (const Kind& kind : kKinds) {
         const GreyImage large = zoomedRegion(image, detail, kPanelWidth / kDetailScale,
                                              kPanelHeight / kDetailScale, kind.flags);
         drawGrey(canvas, left, detailTop, large, kDetailScale);
-        plot.curve(levelsOfRow(large, kRow), 2.5, kind.colour);
+        plot.curve(levelsOfRow(large, kRow), 2.0, kind.colour);
         drawGrey(canvas, left, smallTop,
                  zoomed(image, kPanelWidth / kSmallScale, kPanelHeight / kSmallScale, kind.flags), kSmallScale);
         left += kPanelWidth + kGap;

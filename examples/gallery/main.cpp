@@ -162,6 +162,9 @@ constexpr Picture kPictures[] = {
     {"volumes.png", "A volume", "x", drawVolumes},
     {"discs.png", "discs", "x", drawDiscs},
     {"peaks.png", "peaks", "x", drawPeaks},
+    {"triangulation.png", "x", "x", drawTriangulation},
+    {"surfaces.png", "x", "x", drawSurfaces},
+    {"vertices_in_rectangle.png", "x", "x", drawVerticesInRectangle},
 };
 
 void writePage(const std::string& path) {

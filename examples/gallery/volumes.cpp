@@ -60,7 +60,9 @@ constexpr Ellipsoid kHead[] = {
     {90.0, {0.28, 0.50, -0.30}, {0.09, 0.09, 0.09}, 0.0, 1.0},
     {110.0, {-0.10, 0.64, 0.0}, {0.06, 0.06, 0.30}, 0.0, 1.0},
     {110.0, {0.0, -0.62, 0.0}, {0.12, 0.05, 0.06}, 0.0, 1.0},
-    {120.0, {0.0, 0.0, 0.48}, {0.28, 0.05, 0.05}, 0.0, 1.0},
+    {120.0, {-0.30, 0.0, 0.52}, {0.10, 0.10, 0.10}, 0.0, 1.0},
+    {120.0, {-0.07, 0.0, 0.56}, {0.07, 0.07, 0.07}, 0.0, 1.0},
+    {120.0, {0.10, 0.0, 0.58}, {0.04, 0.04, 0.04}, 0.0, 1.0},
     {215.0, {0.0, -0.93, 0.10}, {0.12, 0.10, 0.20}, 0.0, 1.0},
 };
 
@@ -90,8 +92,10 @@ void fillWithHead(const Volume& volume) {
     }
 }
 
-/// Turns around z, then around x, and leaves the middle of the volume where it is.
+/// Turns around z, then around x, and leaves the middle of the volume where it is. In the matrix the middle of the
+/// first voxel is at 0.5, so that the volume reaches from 0 to its size.
 void rotate(const Volume& from, const Volume& to) {
+    constexpr double kCentre = kSide / 2.0;
     constexpr double kAroundZ[] = {0.8, 0.6};                // cosine and sine
     constexpr double kAroundX[] = {12.0 / 13.0, 5.0 / 13.0};
     double matrix[4][4] = {
@@ -101,7 +105,7 @@ void rotate(const Volume& from, const Volume& to) {
         {0.0, 0.0, 0.0, 1.0},
     };
     for (int row = 0; row < 3; ++row)
-        matrix[row][3] = kMiddle - kMiddle * (matrix[row][0] + matrix[row][1] + matrix[row][2]);
+        matrix[row][3] = kCentre - kCentre * (matrix[row][0] + matrix[row][1] + matrix[row][2]);
     if (matAffinTransformArray3v(kSize, kSize, kSize, from.slices(), kSize, kSize, kSize, to.slices(),
                                  MAT_ARRAY_UINT8, matrix, 0) != 1)
         throw std::runtime_error("matAffinTransformArray3v failed");
