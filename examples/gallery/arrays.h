@@ -33,7 +33,8 @@ class Image {
     Image(const Image& other)
         : width_(other.width_),
           height_(other.height_),
-          rows_(matDuplicateArray2v(other.rows_, other.columnCount(), other.rowCount(), kTypeOf<Element>, 1)) {
+          rows_(
+              matDuplicateArray2v(other.rows_, other.columnCount(), other.rowCount(), kTypeOf<Element>, 1)) {
         if (rows_ == nullptr) throw std::bad_alloc();
     }
     Image& operator=(const Image&) = delete;
@@ -65,8 +66,9 @@ inline void drawGrey(Canvas& canvas, int left, int top, const GreyImage& image, 
             canvas.fillCell(left + x, top + y, {level, level, level});
         }
     }
-    canvas.frame({left - 0.5, top - 0.5, left + image.width() * scale - 0.5, top + image.height() * scale - 0.5},
-                 1.5, kInk);
+    canvas.frame(
+        {left - 0.5, top - 0.5, left + image.width() * scale - 0.5, top + image.height() * scale - 0.5}, 1.5,
+        kInk);
 }
 
 }  // namespace gallery

@@ -72,7 +72,8 @@ void drawDisc(Canvas& canvas, const tagPOINT& middle, const Disc& disc) {
         canvas.dot({static_cast<double>(left + disc.left(y)), static_cast<double>(top + y)}, 2.5, kInk);
         canvas.dot({static_cast<double>(left + disc.right(y)), static_cast<double>(top + y)}, 2.5, kInk);
     }
-    canvas.ring({static_cast<double>(middle.x), static_cast<double>(middle.y)}, disc.radius() + 0.5, 1.5, kInk);
+    canvas.ring({static_cast<double>(middle.x), static_cast<double>(middle.y)}, disc.radius() + 0.5, 1.5,
+                kInk);
 }
 
 using DeepImage = Image<unsigned short>;
@@ -87,9 +88,9 @@ struct Spot {
 /// Spots of all widths on a noisy ground. The widest is cut off by the border.
 DeepImage spots() {
     constexpr Spot kSpots[] = {
-        {{24.0, 18.0}, 3400.0, 1.6},  {{70.0, 22.0}, 2300.0, 5.0},  {{113.5, 54.0}, 1500.0, 11.0},
-        {{38.0, 52.0}, 1100.0, 8.0},  {{88.0, 55.0}, 1500.0, 3.0},  {{8.0, 44.0}, 1300.0, 3.0},
-        {{52.0, 10.0}, 1200.0, 2.0},  {{60.0, 60.0}, 900.0, 4.0},   {{100.0, 12.0}, 1000.0, 4.0},
+        {{24.0, 18.0}, 3400.0, 1.6}, {{70.0, 22.0}, 2300.0, 5.0}, {{113.5, 54.0}, 1500.0, 11.0},
+        {{38.0, 52.0}, 1100.0, 8.0}, {{88.0, 55.0}, 1500.0, 3.0}, {{8.0, 44.0}, 1300.0, 3.0},
+        {{52.0, 10.0}, 1200.0, 2.0}, {{60.0, 60.0}, 900.0, 4.0},  {{100.0, 12.0}, 1000.0, 4.0},
     };
     Noise noise(7);
     DeepImage image(116, 72);
@@ -147,17 +148,18 @@ Canvas drawPeaks() {
         int radius;
         Rgb colour;
     };
+    constexpr int kMargin = 3;
     DeepImage image = spots();
-    Canvas canvas(image.width(), image.height(), 8, Grid::kHidden);
+    Canvas canvas(image.width() + 2 * kMargin, image.height() + 2 * kMargin, 8, Grid::kHidden);
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
             const auto level = static_cast<std::uint8_t>(std::min(255, image.at(x, y) / 13));
-            canvas.fillCell(x, y, {level, level, level});
+            canvas.fillCell(kMargin + x, kMargin + y, {level, level, level});
         }
     }
     for (const Search& search : {Search{1, kRed}, Search{5, kOrange}, Search{14, kBlue}}) {
         const tagPOINT peak = peakOf(image, search.radius);
-        const tagPOINT2D middle{static_cast<double>(peak.x), static_cast<double>(peak.y)};
+        const tagPOINT2D middle{kMargin + static_cast<double>(peak.x), kMargin + static_cast<double>(peak.y)};
         canvas.ring(middle, search.radius + 0.5, 3.0, search.colour);
         canvas.dot(middle, 4.5, search.colour);
     }

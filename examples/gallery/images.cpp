@@ -31,7 +31,8 @@ GreyImage zoomed(const GreyImage& image, int width, int height, unsigned int fla
     return result;
 }
 
-GreyImage zoomedRegion(const GreyImage& image, const RECT& region, int width, int height, unsigned int flags) {
+GreyImage zoomedRegion(const GreyImage& image, const RECT& region, int width, int height,
+                       unsigned int flags) {
     GreyImage result(width, height);
     if (matZoomArrayROI2v(image.columnCount(), image.rowCount(), image.rows(), &region, result.columnCount(),
                           result.rowCount(), result.rows(), nullptr, MAT_ARRAY_UINT8, flags) != 1)
@@ -96,11 +97,12 @@ void clamp(GreyImage& image, double low, double high) {
 
 /// Turns light into dark within a region.
 void invertRegion(GreyImage& image, const RECT& region, double sum) {
-    void** rows = matMapArrayToROI2v(image.rows(), image.width(), image.rowCount(), MAT_ARRAY_UINT8, 1, &region);
+    void** rows =
+        matMapArrayToROI2v(image.rows(), image.width(), image.rowCount(), MAT_ARRAY_UINT8, 1, &region);
     if (rows == nullptr) throw std::runtime_error("matMapArrayToROI2v failed");
-    const int done = matTransformArray2v(rows, static_cast<unsigned int>(columnsOf(region)),
-                                         static_cast<unsigned int>(rowsOf(region)), MAT_ARRAY_UINT8, 0.0,
-                                         -1.0, sum);
+    const int done =
+        matTransformArray2v(rows, static_cast<unsigned int>(columnsOf(region)),
+                            static_cast<unsigned int>(rowsOf(region)), MAT_ARRAY_UINT8, 0.0, -1.0, sum);
     matFreeArrayMappedToRoi2v(rows);
     if (done != 1) throw std::runtime_error("matTransformArray2v failed");
 }
@@ -140,16 +142,18 @@ Canvas drawZooms() {
                     {0.0, kPanelWidth / kDetailScale - 1.0}, {0.0, 170.0});
     int left = kGap;
     for (const Kind& kind : kKinds) {
-        const GreyImage large = zoomedRegion(image, detail, kPanelWidth / kDetailScale,
-                                             kPanelHeight / kDetailScale, kind.flags);
+        const GreyImage large =
+            zoomedRegion(image, detail, kPanelWidth / kDetailScale, kPanelHeight / kDetailScale, kind.flags);
         drawGrey(canvas, left, detailTop, large, kDetailScale);
         plot.curve(levelsOfRow(large, kRow), 2.0, kind.colour);
         drawGrey(canvas, left, smallTop,
-                 zoomed(image, kPanelWidth / kSmallScale, kPanelHeight / kSmallScale, kind.flags), kSmallScale);
+                 zoomed(image, kPanelWidth / kSmallScale, kPanelHeight / kSmallScale, kind.flags),
+                 kSmallScale);
         left += kPanelWidth + kGap;
     }
     const double spacing = static_cast<double>(kPanelWidth / kDetailScale) / columnsOf(detail);
-    plot.dots(levelsOfRow(zoomedRegion(image, detail, columnsOf(detail), rowsOf(detail), 0), kOldRow), 4.0, kInk, spacing);
+    plot.dots(levelsOfRow(zoomedRegion(image, detail, columnsOf(detail), rowsOf(detail), 0), kOldRow), 4.0,
+              kInk, spacing);
     return canvas;
 }
 

@@ -1,4 +1,5 @@
 // Scattered heights: their triangulation, surfaces between them, and vertices in a rectangle.
+#include <velquad/geometry.h>
 #include <velquad/triangulation.h>
 
 #include <algorithm>
@@ -145,7 +146,7 @@ double landscape(double x, double y) {
 
 /// Heights of the landscape at scattered places, none of them close to another one.
 std::vector<tagPOINT3D> scatteredHeights(std::size_t count) {
-    constexpr double kLeastDistance = 6.5;
+    constexpr double kLeastDistance = 5.6;
     Noise noise(5);
     std::vector<tagPOINT3D> points;
     while (points.size() < count) {
@@ -160,7 +161,7 @@ std::vector<tagPOINT3D> scatteredHeights(std::size_t count) {
 }
 
 constexpr tagMAT_RECT2D kField{0.0, 0.0, 100.0, 70.0};
-constexpr std::size_t kPoints = 64;
+constexpr std::size_t kPoints = 80;
 
 /// From the sea over meadows and rocks to snow, with a dark line at each tenth.
 Rgb mapColour(double height) {
@@ -195,6 +196,12 @@ struct Panel {
     tagPOINT2D at(const tagPOINT2D& place) const {
         return {corner.x + (place.x - origin.x) * scale, corner.y + (place.y - origin.y) * scale};
     }
+    /// Draws what of an edge lies in an area, in cells.
+    void stroke(const Edge& edge, const tagMAT_RECT2D& area, double width, Rgb colour) const {
+        tagPOINT2D start = at(onPlane(edge.start));
+        tagPOINT2D end = at(onPlane(edge.end));
+        if (matClipLine2D(&area, &start, &end) != 0) canvas.stroke(start, end, width, colour);
+    }
     void stroke(const Edge& edge, double width, Rgb colour) const {
         canvas.stroke(at(onPlane(edge.start)), at(onPlane(edge.end)), width, colour);
     }
@@ -203,9 +210,10 @@ struct Panel {
     }
 };
 
-void drawEdges(const Panel& panel, const Triangulation& triangulation, double width) {
+void drawEdges(const Panel& panel, const tagMAT_RECT2D& area, const Triangulation& triangulation,
+               double width) {
     for (const Edge& edge : triangulation.edges(kEdgesToHelpers))
-        panel.stroke(edge, 0.75 * width, kGreen);
+        panel.stroke(edge, area, 0.75 * width, kGreen);
     const std::vector<Edge> edges = triangulation.edges(kEdgesBetweenVertices);
     for (const Edge& edge : edges)
         panel.stroke(edge, width, kBlue);
@@ -231,7 +239,9 @@ void drawMap(Canvas& canvas, int left, int top, int scale, const Height& height)
                                 (y > 0 && std::floor(above[column] * kLines) != band);
             Rgb colour = mapColour(level);
             if (isLine) {
-                const auto darker = [](std::uint8_t channel) { return static_cast<std::uint8_t>(channel * 2 / 3); };
+                const auto darker = [](std::uint8_t channel) {
+                    return static_cast<std::uint8_t>(channel * 2 / 3);
+                };
                 colour = {darker(colour.red), darker(colour.green), darker(colour.blue)};
             }
             canvas.fillCell(left + x, top + y, colour);
@@ -269,8 +279,9 @@ std::set<Triangle> trianglesMeeting(const Triangulation& triangulation, const ta
 /// Fills the cells whose middles lie in a triangle.
 void fillTriangle(const Panel& panel, const Triangle& triangle, Rgb colour) {
     std::array<tagPOINT2D, 3> corners;
-    std::transform(triangle.begin(), triangle.end(), corners.begin(),
-                   [&panel](const auto& corner) { return panel.at({corner.first, corner.second}); });
+    std::transform(triangle.begin(), triangle.end(), corners.begin(), [&panel](const auto& corner) {
+        return panel.at({corner.first, corner.second});
+    });
     const auto byX = [](const tagPOINT2D& a, const tagPOINT2D& b) { return a.x < b.x; };
     const auto byY = [](const tagPOINT2D& a, const tagPOINT2D& b) { return a.y < b.y; };
     const auto [leftmost, rightmost] = std::minmax_element(corners.begin(), corners.end(), byX);
@@ -291,13 +302,26 @@ void fillTriangle(const Panel& panel, const Triangle& triangle, Rgb colour) {
 }  // namespace
 
 Canvas drawTriangulation() {
-    Canvas canvas(930, 490, 1, Grid::kHidden);
+    constexpr int kWidth = 690;
+    constexpr int kHeight = 490;
+    constexpr int kOverview = 238;  // cells, the width of the column with the helpers
+    Canvas canvas(kWidth + kOverview, kHeight, 1, Grid::kHidden);
     const std::vector<tagPOINT3D> points = scatteredHeights(kPoints);
-    const Triangulation triangulation(points, kField);
-    const Panel panel{canvas, {0.0, 0.0}, {0.0, 0.0}, 7.0};
-    drawEdges(panel, triangulation, 2.0);
+    const Triangulation whole(points, kField);
+    const Panel large{canvas, {0.0, 0.0}, {0.0, 0.0}, 7.0};
+    drawEdges(large, {-2.0, -2.0, kWidth, kHeight + 2.0}, whole, 2.0);
     for (const tagPOINT3D& point : points)
-        panel.dot(point, 4.5, kInk);
+        large.dot(point, 4.5, kInk);
+
+    double top = 17.0;
+    for (const std::size_t count : {std::size_t{3}, std::size_t{12}, kPoints}) {
+        constexpr tagPOINT2D kFirstHelper{-75.0, -17.5};
+        const Triangulation part({points.begin(), points.begin() + static_cast<std::ptrdiff_t>(count)},
+                                 kField);
+        drawEdges({canvas, {kWidth + 19.0, top}, kFirstHelper, 0.8},
+                  {kWidth, 0.0, kWidth + kOverview, kHeight}, part, 1.25);
+        top += 158.0;
+    }
     return canvas;
 }
 
@@ -316,6 +340,9 @@ Canvas drawSurfaces() {
         const int top = kGap + index / 3 * kStepY;
         drawMap(canvas, left, top, kScale,
                 [&](double x, double y) { return triangulation.height(x, y, flags); });
+        const Panel panel{canvas, {left - 0.5, top - 0.5}, {0.0, 0.0}, static_cast<double>(kScale)};
+        for (const tagPOINT3D& point : points)
+            panel.dot(point, 1.75, kInk);
         ++index;
     }
     drawMap(canvas, kGap + 2 * kStepX, kGap + kStepY, kScale, landscape);
@@ -323,13 +350,15 @@ Canvas drawSurfaces() {
 }
 
 Canvas drawVerticesInRectangle() {
-    Canvas canvas(120, 42, 8);
+    constexpr double kScale = 5.4;  // cells for each unit
+    constexpr double kShift = 460.0;
     constexpr tagMAT_RECT2D kRect{30.0, 22.0, 62.0, 44.0};
+    Canvas canvas(940, 360, 1, Grid::kHidden);
     const std::vector<tagPOINT3D> points = scatteredHeights(kPoints);
     const Triangulation triangulation(points, kField);
     double left = 0.0;
     for (const unsigned int flags : {0U, 2U}) {
-        const Panel panel{canvas, {left, 0.0}, {0.0, 0.0}, 0.6};
+        const Panel panel{canvas, {left, 0.0}, {5.0, 3.0}, kScale};
         if (flags == 2) {
             for (const Triangle& triangle : trianglesMeeting(triangulation, kRect))
                 fillTriangle(panel, triangle, kFaint);
@@ -340,10 +369,10 @@ Canvas drawVerticesInRectangle() {
         const tagPOINT2D opposite = panel.at({kRect.right, kRect.bottom});
         canvas.frame({corner.x, corner.y, opposite.x, opposite.y}, 2.5, kRed);
         for (const tagPOINT3D& point : points)
-            panel.dot(point, 3.0, kInk);
+            panel.dot(point, 3.5, kInk);
         for (const tagPOINT3D& vertex : triangulation.verticesIn(kRect, flags))
             panel.dot(vertex, 6.0, kOrange);
-        left += 60.0;
+        left += kShift;
     }
     return canvas;
 }

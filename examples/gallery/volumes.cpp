@@ -96,7 +96,7 @@ void fillWithHead(const Volume& volume) {
 /// first voxel is at 0.5, so that the volume reaches from 0 to its size.
 void rotate(const Volume& from, const Volume& to) {
     constexpr double kCentre = kSide / 2.0;
-    constexpr double kAroundZ[] = {0.8, 0.6};                // cosine and sine
+    constexpr double kAroundZ[] = {0.8, 0.6};  // cosine and sine
     constexpr double kAroundX[] = {12.0 / 13.0, 5.0 / 13.0};
     double matrix[4][4] = {
         {kAroundZ[0], -kAroundZ[1], 0.0, 0.0},
@@ -118,8 +118,8 @@ void blur(const Volume& from, const Volume& to, const tagPOINT3D& sigma) {
     double sigmas[] = {sigma.x, sigma.y, sigma.z};
     double radiusFactors[] = {3.0, 3.0, 3.0};
     constexpr int kInFloats = 1;
-    if (matGaussianBlurFilter3v(to.slices(), size, MAT_ARRAY_UINT8, 1, nullptr, sigmas, radiusFactors, kInFloats,
-                                nullptr, nullptr) != 1)
+    if (matGaussianBlurFilter3v(to.slices(), size, MAT_ARRAY_UINT8, 1, nullptr, sigmas, radiusFactors,
+                                kInFloats, nullptr, nullptr) != 1)
         throw std::runtime_error("matGaussianBlurFilter3v failed");
 }
 
