@@ -1,58 +1,51 @@
 /// @file
-/// Images of numbers, as the library's arrays hold them.
+/// Images of numbers, as the library's functions take them.
 #ifndef GALLERY_ARRAYS_H
 #define GALLERY_ARRAYS_H
 
-#include <velquad/array.h>
-
-#include <new>
+#include <cstddef>
+#include <vector>
 
 #include "canvas.h"
 
 namespace gallery {
 
-/// The type code of an element.
-template <typename Element>
-inline constexpr unsigned int kTypeOf = 0;
-template <>
-inline constexpr unsigned int kTypeOf<unsigned char> = MAT_ARRAY_UINT8;
-template <>
-inline constexpr unsigned int kTypeOf<unsigned short> = MAT_ARRAY_UINT16;
-
-/// An image of one channel. It begins black.
+/// An image of one channel with its row table. It begins black.
 template <typename Element>
 class Image {
   public:
     Image(int width, int height)
-        : width_(width),
-          height_(height),
-          rows_(matAllocArray2v(static_cast<unsigned int>(width), static_cast<unsigned int>(height),
-                                kTypeOf<Element>, 1, nullptr)) {
-        if (rows_ == nullptr) throw std::bad_alloc();
+        : width_(width), height_(height), elements_(static_cast<std::size_t>(width) * rowCount()) {
+        addRows();
     }
-    Image(const Image& other)
-        : width_(other.width_),
-          height_(other.height_),
-          rows_(
-              matDuplicateArray2v(other.rows_, other.columnCount(), other.rowCount(), kTypeOf<Element>, 1)) {
-        if (rows_ == nullptr) throw std::bad_alloc();
+    Image(const Image& other) : width_(other.width_), height_(other.height_), elements_(other.elements_) {
+        addRows();
     }
     Image& operator=(const Image&) = delete;
-    ~Image() { matFreeArray2v(rows_); }
 
     int width() const { return width_; }
     int height() const { return height_; }
     unsigned int columnCount() const { return static_cast<unsigned int>(width_); }
     unsigned int rowCount() const { return static_cast<unsigned int>(height_); }
-    void** rows() { return rows_; }
-    const void* const* rows() const { return rows_; }
-    Element& at(int x, int y) { return static_cast<Element*>(rows_[y])[x]; }
-    Element at(int x, int y) const { return static_cast<const Element*>(rows_[y])[x]; }
+    /// The row table as the functions of the library take it.
+    void* const* rows() { return rows_.data(); }
+    const void* const* rows() const { return rows_.data(); }
+    Element& at(int x, int y) { return elements_[index(x, y)]; }
+    Element at(int x, int y) const { return elements_[index(x, y)]; }
 
   private:
+    std::size_t index(int x, int y) const {
+        return static_cast<std::size_t>(y) * columnCount() + static_cast<std::size_t>(x);
+    }
+    void addRows() {
+        for (int y = 0; y < height_; ++y)
+            rows_.push_back(&at(0, y));
+    }
+
     int width_;
     int height_;
-    void** rows_;
+    std::vector<Element> elements_;
+    std::vector<void*> rows_;
 };
 
 using GreyImage = Image<unsigned char>;

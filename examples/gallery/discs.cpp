@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <stdexcept>
 #include <vector>
 
@@ -31,7 +32,12 @@ class Disc {
 
     int radius() const { return radius_; }
     int side() const { return 2 * radius_ + 1; }
-    unsigned short cell(int x, int y) const { return cells_[y][x]; }
+    unsigned short cell(int x, int y) const {
+        const unsigned short* row = nullptr;  // the table is aligned to 4 bytes only
+        std::memcpy(&row, reinterpret_cast<const char*>(cells_) + sizeof(row) * static_cast<std::size_t>(y),
+                    sizeof(row));
+        return row[x];
+    }
     int left(int y) const { return left_[y]; }
     int right(int y) const { return right_[y]; }
     /// The distances within the disc.

@@ -97,8 +97,7 @@ class Triangulation {
     void* handle_;
 };
 
-/// The third corners of the triangles on both sides of an edge lie to its left and to its right. An edge with none on
-/// one side is an outer one.
+/// Whether an edge has a triangle on one side only: no other vertex on that side is joined to both ends.
 bool isOuter(const Edge& edge, const std::vector<Edge>& all) {
     const auto otherEnds = [&all](const tagPOINT3D& vertex) {
         std::vector<tagPOINT3D> ends;
@@ -215,10 +214,12 @@ void drawEdges(const Panel& panel, const tagMAT_RECT2D& area, const Triangulatio
     for (const Edge& edge : triangulation.edges(kEdgesToHelpers))
         panel.stroke(edge, area, 0.75 * width, kGreen);
     const std::vector<Edge> edges = triangulation.edges(kEdgesBetweenVertices);
-    for (const Edge& edge : edges)
-        panel.stroke(edge, width, kBlue);
-    for (const Edge& edge : edges) {
-        if (isOuter(edge, edges)) panel.stroke(edge, 2.0 * width, kOrange);
+    // Inner edges come on top: beside a flat corner they run close to the outer ones.
+    for (const bool outer : {true, false}) {
+        for (const Edge& edge : edges) {
+            if (isOuter(edge, edges) == outer)
+                panel.stroke(edge, area, outer ? 2.0 * width : width, outer ? kOrange : kBlue);
+        }
     }
 }
 

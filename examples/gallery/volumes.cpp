@@ -2,8 +2,8 @@
 #include <velquad/array.h>
 
 #include <cstddef>
-#include <new>
 #include <stdexcept>
+#include <vector>
 
 #include "arrays.h"
 #include "pictures.h"
@@ -15,21 +15,34 @@ constexpr int kSide = 72;  // of the volume, in voxels
 constexpr auto kSize = static_cast<unsigned int>(kSide);
 constexpr double kMiddle = (kSide - 1) / 2.0;
 
-/// A cube of bytes.
+/// A cube of bytes with its tables. It begins black.
 class Volume {
   public:
-    Volume() : slices_(matAllocArray3v(kSize, kSize, kSize, MAT_ARRAY_UINT8, 1, nullptr)) {
-        if (slices_ == nullptr) throw std::bad_alloc();
+    Volume() : voxels_(std::size_t{kSize} * kSize * kSize) {
+        for (int z = 0; z < kSide; ++z) {
+            for (int y = 0; y < kSide; ++y)
+                rows_.push_back(&at(0, y, z));
+        }
+        for (int z = 0; z < kSide; ++z)
+            slices_.push_back(&rows_[static_cast<std::size_t>(z) * kSize]);
     }
     Volume(const Volume&) = delete;
     Volume& operator=(const Volume&) = delete;
-    ~Volume() { matFreeArray3v(slices_); }
 
-    void*** slices() const { return slices_; }
-    unsigned char& at(int x, int y, int z) const { return static_cast<unsigned char*>(slices_[z][y])[x]; }
+    /// The slice table as the functions of the library take it.
+    void*** slices() { return slices_.data(); }
+    unsigned char& at(int x, int y, int z) { return voxels_[index(x, y, z)]; }
+    unsigned char at(int x, int y, int z) const { return voxels_[index(x, y, z)]; }
 
   private:
-    void*** slices_;
+    static std::size_t index(int x, int y, int z) {
+        return (static_cast<std::size_t>(z) * kSize + static_cast<std::size_t>(y)) * kSize +
+               static_cast<std::size_t>(x);
+    }
+
+    std::vector<unsigned char> voxels_;
+    std::vector<void*> rows_;
+    std::vector<void**> slices_;
 };
 
 /// An ellipsoid in a cube from -1 to 1, which adds to what it covers.
@@ -74,7 +87,7 @@ double densityAt(double x, double y, double z) {
     return density < 255.0 ? density : 255.0;
 }
 
-void fillWithHead(const Volume& volume) {
+void fillWithHead(Volume& volume) {
     constexpr double kPitch = 2.0 / kSide;
     for (int z = 0; z < kSide; ++z) {
         for (int y = 0; y < kSide; ++y) {
@@ -94,7 +107,7 @@ void fillWithHead(const Volume& volume) {
 
 /// Turns around z, then around x, and leaves the middle of the volume where it is. In the matrix the middle of the
 /// first voxel is at 0.5, so that the volume reaches from 0 to its size.
-void rotate(const Volume& from, const Volume& to) {
+void rotate(Volume& from, Volume& to) {
     constexpr double kCentre = kSide / 2.0;
     constexpr double kAroundZ[] = {0.8, 0.6};  // cosine and sine
     constexpr double kAroundX[] = {12.0 / 13.0, 5.0 / 13.0};
@@ -112,7 +125,7 @@ void rotate(const Volume& from, const Volume& to) {
 }
 
 /// Smooths a copy; sigma along x, y and z.
-void blur(const Volume& from, const Volume& to, const tagPOINT3D& sigma) {
+void blur(Volume& from, Volume& to, const tagPOINT3D& sigma) {
     matCopyArray3v(to.slices(), from.slices(), kSide, kSide, kSide, MAT_ARRAY_UINT8, 1);
     unsigned int size[] = {kSize, kSize, kSize};
     double sigmas[] = {sigma.x, sigma.y, sigma.z};

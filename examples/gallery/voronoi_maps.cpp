@@ -37,20 +37,22 @@ class VoronoiMap {
     void* map_;
 };
 
-/// A soft colour of the circle of hues. `turn` counts whole circles.
-Rgb softHue(double turn) {
-    const auto channel = [turn](double shift) {
+/// A soft colour of the circle of hues. `turn` counts whole circles, `light` goes from 0, black, to 1.
+Rgb softHue(double turn, double light) {
+    const auto channel = [turn, light](double shift) {
         const double moved = turn + shift;
         const double place = moved - static_cast<int>(moved);                     // 0 to 1
-        const double wave = place < 0.5 ? 4.0 * place - 1.0 : 3.0 - 4.0 * place;  // -1 to 1 and back
-        return static_cast<std::uint8_t>(178.0 + 62.0 * wave + 0.5);
+        const double wave = place < 0.5 ? 4.0 * place - 1.0 : 3.0 - 4.0 * place;  // from -1 to 1 and back
+        return static_cast<std::uint8_t>(light * (170.0 + 60.0 * wave) + 0.5);
     };
     return {channel(0.5), channel(0.5 + 2.0 / 3.0), channel(0.5 + 1.0 / 3.0)};
 }
 
+/// Keeps the colours of near identifiers apart.
 Rgb colourOfId(int id) {
-    constexpr double kGoldenTurn = 0.38196601125010515;  // keeps the colours of near numbers apart
-    return softHue(id * kGoldenTurn);
+    constexpr double kGoldenTurn = 0.38196601125010515;
+    constexpr double kLights[] = {1.0, 0.8, 1.07, 0.9};
+    return softHue(id * kGoldenTurn, kLights[id % 4]);
 }
 
 /// Seeds all over a map, and closer together around its lower left.
