@@ -12,8 +12,10 @@ std::uint8_t mixed(std::uint8_t below, std::uint8_t above, double part) {
 
 }  // namespace
 
-Canvas::Canvas(int columns, int rows, int zoom) : columns_(columns), rows_(rows), zoom_(zoom) {
-    pixels_.assign(static_cast<std::size_t>(width()) * static_cast<std::size_t>(height()), kGridColour);
+Canvas::Canvas(int columns, int rows, int zoom, Grid grid)
+    : columns_(columns), rows_(rows), zoom_(zoom), gap_(grid == Grid::kShown ? 1 : 0) {
+    pixels_.assign(static_cast<std::size_t>(width()) * static_cast<std::size_t>(height()),
+                   grid == Grid::kShown ? kGridColour : kPaper);
     for (int y = 0; y < rows; ++y) {
         for (int x = 0; x < columns; ++x)
             fillCell(x, y, kPaper);
@@ -22,10 +24,16 @@ Canvas::Canvas(int columns, int rows, int zoom) : columns_(columns), rows_(rows)
 
 void Canvas::fillCell(int x, int y, Rgb colour) {
     if (x < 0 || y < 0 || x >= columns_ || y >= rows_) return;
-    for (int v = y * zoom_ + 1; v < (y + 1) * zoom_; ++v) {
-        for (int u = x * zoom_ + 1; u < (x + 1) * zoom_; ++u)
+    for (int v = y * zoom_ + gap_; v < (y + 1) * zoom_; ++v) {
+        for (int u = x * zoom_ + gap_; u < (x + 1) * zoom_; ++u)
             at(u, v) = colour;
     }
+}
+
+void Canvas::blend(int x, int y, double part, Rgb colour) {
+    Rgb& pixel = at(x, y);
+    pixel = {mixed(pixel.red, colour.red, part), mixed(pixel.green, colour.green, part),
+             mixed(pixel.blue, colour.blue, part)};
 }
 
 void Canvas::stroke(const tagPOINT2D& from, const tagPOINT2D& to, double lineWidth, Rgb colour) {
@@ -48,10 +56,21 @@ void Canvas::stroke(const tagPOINT2D& from, const tagPOINT2D& to, double lineWid
                                  ? std::clamp(((x - a.x) * dx + (y - a.y) * dy) / lengthSquared, 0.0, 1.0)
                                  : 0.0;
             const double distance = std::hypot(x - (a.x + t * dx), y - (a.y + t * dy));
-            const double part = std::clamp(lineWidth / 2 + 0.5 - distance, 0.0, 1.0);
-            Rgb& pixel = at(x, y);
-            pixel = {mixed(pixel.red, colour.red, part), mixed(pixel.green, colour.green, part),
-                     mixed(pixel.blue, colour.blue, part)};
+            blend(x, y, std::clamp(lineWidth / 2 + 0.5 - distance, 0.0, 1.0), colour);
+        }
+    }
+}
+
+void Canvas::ring(const tagPOINT2D& centre, double radius, double lineWidth, Rgb colour) {
+    const double middleX = (centre.x + 0.5) * zoom_;
+    const double middleY = (centre.y + 0.5) * zoom_;
+    const double screenRadius = radius * zoom_;
+    for (int y = 0; y < height(); ++y) {
+        for (int x = 0; x < width(); ++x) {
+            const double fromMiddle =
+                std::sqrt((x - middleX) * (x - middleX) + (y - middleY) * (y - middleY));
+            const double distance = std::abs(fromMiddle - screenRadius);
+            blend(x, y, std::clamp(lineWidth / 2 + 0.5 - distance, 0.0, 1.0), colour);
         }
     }
 }

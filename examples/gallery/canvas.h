@@ -28,11 +28,14 @@ inline constexpr Rgb kGreen{60, 160, 110};
 inline constexpr Rgb kRed{208, 64, 72};
 inline constexpr Rgb kViolet{140, 90, 180};
 
+/// Whether the lines between cells show. Without them cells touch, as the pixels of images do.
+enum class Grid { kShown, kHidden };
+
 /// `columns` by `rows` cells of `zoom` screen pixels. The middle of cell (x, y) is the point (x, y), and y grows
 /// downwards, as in the library's images.
 class Canvas {
   public:
-    Canvas(int columns, int rows, int zoom);
+    Canvas(int columns, int rows, int zoom, Grid grid = Grid::kShown);
 
     /// Fills a cell; cells outside are ignored.
     void fillCell(int x, int y, Rgb colour);
@@ -50,6 +53,9 @@ class Canvas {
         stroke(centre, centre, 2 * radius, colour);
     }
 
+    /// Draws a circle with soft edges. The radius is in cells, the width in screen pixels.
+    void ring(const tagPOINT2D& centre, double radius, double width, Rgb colour);
+
     int width() const { return columns_ * zoom_ + 1; }
     int height() const { return rows_ * zoom_ + 1; }
     std::vector<Rgb>& pixels() { return pixels_; }
@@ -60,9 +66,12 @@ class Canvas {
                        static_cast<std::size_t>(x)];
     }
 
+    void blend(int x, int y, double part, Rgb colour);
+
     int columns_;
     int rows_;
     int zoom_;
+    int gap_;  ///< Screen pixels of the grid lines.
     std::vector<Rgb>
         pixels_;  ///< Rows from the top; one screen pixel more than the cells, for the last grid line.
 };

@@ -157,6 +157,59 @@ constexpr Picture kPictures[] = {
      "to 40 pixels, against 2 pi r: the line is 1, the lower edge 0.96 and the upper one 1.28. Small dots "
      "are the sums of the steps from pixel to pixel. Above, five of the circles with the true ones.",
      drawPerimeters},
+    {"zooms.png", "An image zoomed",
+     "matZoomArrayROI2v enlarges the region in red, matZoomArray2v reduces the whole image below; from the "
+     "left nearest, bilinear and cubic. On the right a row of the enlarged region in green, blue and "
+     "orange, through its old pixels (ink): cubic interpolation swings beyond edges. What is reduced "
+     "consists of samples, not of means, so fine tiles become coarse patterns.",
+     drawZooms},
+    {"limits.png", "Values mapped and limited",
+     "Images and their histograms, whose highest bars are cut off. Above a dull image, and the same "
+     "stretched to all grey levels by matTransformArray2v, with the range from matGetRangeOfArray2v: the "
+     "levels move apart and leave gaps. Below, matClampArray2v keeps values between 90 and 140. On the "
+     "right matMapArrayToROI2v has made rows of the region in red, in which matTransformArray2v turns "
+     "light into dark.",
+     drawLimits},
+    {"volumes.png", "A volume rotated and blurred",
+     "Slices through the middle of a volume: from above across z, across y and across x, where z grows "
+     "downwards in the last two. From the left the volume itself, turned around two axes by "
+     "matAffinTransformArray3v, smoothed by matGaussianBlurFilter3v with a sigma of 2 voxels, and with one "
+     "of 5 voxels along z alone.",
+     drawVolumes},
+    {"discs.png", "Digital discs",
+     "matAllocCircularShape2w: discs of the radii 1, 2, 4, 7 and 11 whose cells are coloured by the index "
+     "of their distance from the middle; cells outside are grey. Dots mark the first and the last cell of "
+     "each row. The circles are wider than the radii by half a cell, as distances are rounded. Below, the "
+     "distances of the largest disc by their indices; the line is 11.5.",
+     drawDiscs},
+    {"peaks.png", "The brightest place under a disc",
+     "matFindGlobalPeak2w with discs of the radii 1 (red), 5 (orange) and 14 (blue), each where its mean "
+     "is largest: the wider the disc, the wider the spot that it finds. At the border the mean is that of "
+     "the cells within the image, so the spot that is cut off can win.",
+     drawPeaks},
+    {"triangulation.png", "Scattered points triangulated",
+     "matExtentDelaunay2D and matDrawDelaunay2D: edges between points are blue, or orange where a triangle "
+     "lies on one side only. Green edges lead to the three helpers, which the right side shows around the "
+     "first 3 points, around 12 and around all 80. The helpers are not infinitely far away, so the orange "
+     "line may run a little inside the convex hull.",
+     drawTriangulation},
+    {"surfaces.png", "Surfaces through scattered heights",
+     "matFindPositionInDelaunay2DEx at each pixel, with the heights at the dots. Above, heights are linear "
+     "in each triangle; outside they are those of the nearest vertex (left), of the nearest edge by the "
+     "mean distance of its ends (middle) and by its own distance (right). Below, means of all heights "
+     "weighted by the inverse of the squared distance (left) and of its fourth power (middle), and the "
+     "landscape that the heights were taken from (right).",
+     drawSurfaces},
+    {"vertices_in_rectangle.png", "Vertices in a rectangle",
+     "matEnumDelaunayPositionsInRect: on the left the vertices in the rectangle, on the right the corners "
+     "of all triangles that meet it. Those triangles are grey; matFindPositionInDelaunay2D found them from "
+     "places in the rectangle.",
+     drawVerticesInRectangle},
+    {"voronoi_maps.png", "Maps of the nearest seeds",
+     "matComputeVoronoiMap2D: each cell has the colour of its nearest seed, read by "
+     "matGetIDFromNeighborInVoronoiMap2D. On the left every seed has an identifier of its own. On the "
+     "right they share five identifiers, and areas of the same one grow together.",
+     drawVoronoiMaps},
 };
 
 void writePage(const std::string& path) {

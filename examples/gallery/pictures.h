@@ -61,6 +61,24 @@ Canvas drawIntensityCurves();
 Canvas drawStretchedImage();
 /// Lengths of digital circles against those of true ones.
 Canvas drawPerimeters();
+/// A photograph enlarged and reduced by each kind of interpolation.
+Canvas drawZooms();
+/// A photograph mapped linearly, limited and inverted in a region.
+Canvas drawLimits();
+/// Slices of a volume, of the same volume rotated and of it blurred.
+Canvas drawVolumes();
+/// The cells of digital discs by their distance from the middle.
+Canvas drawDiscs();
+/// Where an image is brightest under discs of several sizes.
+Canvas drawPeaks();
+/// Scattered points triangulated, with the edges to the helpers.
+Canvas drawTriangulation();
+/// Heights interpolated between scattered ones in several ways.
+Canvas drawSurfaces();
+/// The vertices in a rectangle, and those around it.
+Canvas drawVerticesInRectangle();
+/// Maps of the nearest seeds.
+Canvas drawVoronoiMaps();
 
 }  // namespace gallery
 

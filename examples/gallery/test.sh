@@ -53,6 +53,15 @@ deconvolution.png 939 561
 intensity_curves.png 939 540
 stretched_image.png 903 705
 perimeters.png 911 601
+zooms.png 921 849
+limits.png 949 403
+volumes.png 935 705
+discs.png 913 541
+peaks.png 977 625
+triangulation.png 929 491
+surfaces.png 957 463
+vertices_in_rectangle.png 941 361
+voronoi_maps.png 943 449
 END
 big_endian_32() { # FILE OFFSET
     od -An -tu1 -j "$2" -N 4 "$1" | awk '{ print (($1 * 256 + $2) * 256 + $3) * 256 + $4 }'
@@ -71,7 +80,11 @@ for name in matGetBresenhamLine CMatBresenhamLine matClipLine2L matClipLine2D ma
     matGetEllipse polyGetRotatedEllipse polyGetArbitraryEllipse CMatNormalEncoder CMatRegressionLine \
     CMatRobustLineFit CMatMomentOfAnglesEvaluator matRegressionPlane polyMakeSimple polyRemoveStings \
     polySeperateTouchingSegments polySplit polyDecompose polyReducePointsEx polyConvexHull matPolynomFit \
-    matPolynomEval fnrInitCorrelation fnrDoCorrelation fnrFindZeroPoint; do
+    matPolynomEval fnrInitCorrelation fnrDoCorrelation fnrFindZeroPoint matZoomArray2v matZoomArrayROI2v \
+    matTransformArray2v matGetRangeOfArray2v matClampArray2v matMapArrayToROI2v matAffinTransformArray3v \
+    matGaussianBlurFilter3v matAllocCircularShape2w matFindGlobalPeak2w matExtentDelaunay2D matDrawDelaunay2D \
+    matFindPositionInDelaunay2DEx matEnumDelaunayPositionsInRect matFindPositionInDelaunay2D \
+    matComputeVoronoiMap2D matGetIDFromNeighborInVoronoiMap2D; do
     grep -q "figcaption>.*$name" "$work/first/index.html" || fail "the page does not name $name"
 done
 
