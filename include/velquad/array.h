@@ -327,8 +327,9 @@ VELQUAD_API int matConvertFromFloat2v(float** source, void** destination, unsign
 
 /// Resamples a volume into another one under an affine or projective map. Each destination voxel is fetched
 /// from where the inverse map says it comes from.
-///   (1) The matrix maps source positions to destination positions, row by row for column vectors, and acts
-///       on voxel centres: voxel 0 reaches from -0.5 to 0.5. A singular matrix is not reported.
+///   (1) The matrix maps source positions to destination positions, row by row for column vectors. In its
+///       coordinates voxel 0 reaches from 0 to 1, with its centre at 0.5; the positions of (2) count from that
+///       centre. A singular matrix is not reported.
 ///   (2) A position belongs to the source from above -1 to below the size, on every axis; one within 1e-7 of
 ///       the next whole number away from zero has reached it. Between -1 and 0 the values of cells 0 and 1
 ///       are extrapolated; from size - 1 on the last cell's value is taken. All else, and every voxel of an

@@ -34,7 +34,7 @@ typedef int (*MatDelaunayPositionCallback)(tagPOINT3D* position, void* user);
 /// **Extent and helpers.** The triangulation is made for a rectangle, its extent, with a triangle of three helper
 /// vertices around it. A point outside makes the extent grow: everything is rebuilt for the box of all points, twice
 /// as large around its middle and at least 32 by 32. Helpers are never reported as vertices, but edges to them can be
-/// drawn.
+/// drawn. They stand at a finite distance, so a flat bay of the convex hull can stay open; a place in it is outside.
 /// **Tolerances.** DBL_MAX stands for 1e-6. A negative value is relative to the larger side of the extent: -0.01 is a
 /// hundredth of it. Distances up to about 3.2e-4 count as 0.
 /// **Identifiers.** All bits set means none.
