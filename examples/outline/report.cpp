@@ -3,46 +3,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <fstream>
-#include <iomanip>
-#include <locale>
-#include <sstream>
 
 #include "drawing.h"
+#include "text.h"
 
-namespace outline {
+namespace examples::outline {
 namespace {
-
-/// A stream that writes numbers with a point whatever the user's language is.
-std::ostringstream plainStream(int decimals) {
-    std::ostringstream stream;
-    stream.imbue(std::locale::classic());
-    stream << std::fixed << std::setprecision(decimals);
-    return stream;
-}
-
-std::string escaped(const std::string& text) {
-    std::string result;
-    for (const char c : text) {
-        switch (c) {
-            case '&':
-                result += "&amp;";
-                break;
-            case '<':
-                result += "&lt;";
-                break;
-            case '>':
-                result += "&gt;";
-                break;
-            case '"':
-                result += "&quot;";
-                break;
-            default:
-                result += c;
-        }
-    }
-    return result;
-}
 
 const char* nameOf(Position position) {
     switch (position) {
@@ -333,15 +299,4 @@ std::string htmlOf(const RunSummary& run, const Measurement& measurement) {
     return html.str();
 }
 
-void writeText(const std::string& path, const std::string& text) {
-    std::ofstream file(path, std::ios::binary);
-    if (!file) throw Failure("cannot write '" + path + "'");
-    file << text << std::flush;
-    if (!file) {
-        file.close();
-        std::remove(path.c_str());
-        throw Failure("cannot write '" + path + "'");
-    }
-}
-
-}  // namespace outline
+}  // namespace examples::outline
