@@ -1,5 +1,7 @@
 #include "ink.h"
 
+#include <velquad/geometry.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -65,6 +67,24 @@ void InkLayer::stroke(const std::vector<tagPOINT2D>& points, double lineWidth) {
         segment(points[i - 1], points[i], lineWidth);
 }
 
+void InkLayer::arrow(const tagPOINT2D& from, const tagPOINT2D& to, double lineWidth, double headLength) {
+    constexpr double kHeadAngle = 25.0;
+    constexpr int kDegrees = 1;
+    segment(from, from, 2.0 * lineWidth);
+    segment(from, to, lineWidth);
+    tagPOINT2D left{};
+    tagPOINT2D right{};
+    const bool hasRoom = std::hypot(to.x - from.x, to.y - from.y) > headLength;
+    if (hasRoom && matComputeArrow(&from, &to, kHeadAngle, kDegrees, headLength, &left, &right) != 0) {
+        segment(left, to, lineWidth);
+        segment(right, to, lineWidth);
+    }
+}
+
+void InkLayer::frame(double left, double top, double right, double bottom, double lineWidth) {
+    stroke({{left, top}, {right, top}, {right, bottom}, {left, bottom}, {left, top}}, lineWidth);
+}
+
 void InkLayer::number(std::size_t value, double x, double y, double height, double lineWidth) {
     constexpr double kDigitWidth = 0.5;
     constexpr double kAdvance = 0.8;
@@ -82,6 +102,18 @@ void InkLayer::number(std::size_t value, double x, double y, double height, doub
         }
         left += kAdvance * height;
     }
+}
+
+double magnificationFor(double longest, double room) {
+    double factor = 1.0;
+    while (factor * longest > room)
+        factor /= 10.0;
+    while (10.0 * factor * longest <= room && factor < 1e6)
+        factor *= 10.0;
+    for (const double step : {5.0, 2.0}) {
+        if (step * factor * longest <= room) return step * factor;
+    }
+    return factor;
 }
 
 void blend(ColourImage& image, const InkLayer& layer, Rgb colour) {

@@ -21,6 +21,10 @@ class InkLayer {
 
     /// Draws through the points, in layer coordinates, with round joints and soft edges.
     void stroke(const std::vector<tagPOINT2D>& points, double lineWidth);
+    /// Draws an arrow; one that is shorter than its head becomes a dot with a short line.
+    void arrow(const tagPOINT2D& from, const tagPOINT2D& to, double lineWidth, double headLength);
+    /// Draws the outline of a rectangle.
+    void frame(double left, double top, double right, double bottom, double lineWidth);
     /// Draws a number in segments of a 7-segment display, its middle at (x, y).
     void number(std::size_t value, double x, double y, double height, double lineWidth);
 
@@ -31,6 +35,9 @@ class InkLayer {
 
     Image<std::uint8_t> coverage_;  ///< 0 to 255.
 };
+
+/// How many times vectors are enlarged: 1, 2 or 5 times a power of ten, so that the longest one fits in `room`.
+double magnificationFor(double longest, double room);
 
 /// Lays a colour over an image where the layer has ink.
 void blend(ColourImage& image, const InkLayer& layer, Rgb colour);
