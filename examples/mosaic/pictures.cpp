@@ -117,7 +117,8 @@ GreyImage stitched(const Tiles& tiles, const std::vector<tagPOINT2D>& places, co
             }
         }
     }
-    GreyImage result(frame.width, frame.height);
+    constexpr std::uint16_t kWhite = 65535;
+    GreyImage result(frame.width, frame.height, kWhite);
     for (std::size_t i = 0; i < result.pixels.size(); ++i) {
         if (weights.pixels[i] > 0.0)
             result.pixels[i] = static_cast<std::uint16_t>(sums.pixels[i] / weights.pixels[i] + 0.5);

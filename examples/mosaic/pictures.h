@@ -29,7 +29,7 @@ struct Frame {
 Frame frameAround(const Tiles& tiles, const std::vector<std::vector<tagPOINT2D>>& placings);
 
 /// Puts the tiles together. Where they overlap their grey values are mixed, each with more weight towards the middle
-/// of its tile. What no tile covers is black.
+/// of its tile. What no tile covers is white.
 GreyImage stitched(const Tiles& tiles, const std::vector<tagPOINT2D>& places, const Frame& frame);
 
 /// The tiles side by side, with gaps.
