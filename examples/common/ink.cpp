@@ -74,8 +74,9 @@ void InkLayer::arrow(const tagPOINT2D& from, const tagPOINT2D& to, double lineWi
     segment(from, to, lineWidth);
     tagPOINT2D left{};
     tagPOINT2D right{};
-    const bool hasRoom = std::hypot(to.x - from.x, to.y - from.y) > headLength;
-    if (hasRoom && matComputeArrow(&from, &to, kHeadAngle, kDegrees, headLength, &left, &right) != 0) {
+    const double length = std::hypot(to.x - from.x, to.y - from.y);
+    const double head = std::min(headLength, length / 2.0);
+    if (head > lineWidth && matComputeArrow(&from, &to, kHeadAngle, kDegrees, head, &left, &right) != 0) {
         segment(left, to, lineWidth);
         segment(right, to, lineWidth);
     }

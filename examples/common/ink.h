@@ -21,7 +21,7 @@ class InkLayer {
 
     /// Draws through the points, in layer coordinates, with round joints and soft edges.
     void stroke(const std::vector<tagPOINT2D>& points, double lineWidth);
-    /// Draws an arrow; one that is shorter than its head becomes a dot with a short line.
+    /// Draws an arrow from a dot. The head of a short one is shorter too, that of a very short one is left out.
     void arrow(const tagPOINT2D& from, const tagPOINT2D& to, double lineWidth, double headLength);
     /// Draws the outline of a rectangle.
     void frame(double left, double top, double right, double bottom, double lineWidth);
