@@ -117,6 +117,16 @@ double magnificationFor(double longest, double room) {
     return factor;
 }
 
+ColourImage coloured(const GreyImage& image, double fade) {
+    ColourImage result(image.width, image.height);
+    for (std::size_t i = 0; i < image.pixels.size(); ++i) {
+        const double grey = image.pixels[i] / 257.0;
+        const auto value = static_cast<std::uint8_t>(grey + (255.0 - grey) * fade + 0.5);
+        result.pixels[i] = {value, value, value};
+    }
+    return result;
+}
+
 void blend(ColourImage& image, const InkLayer& layer, Rgb colour) {
     for (std::size_t i = 0; i < image.pixels.size(); ++i) {
         const unsigned int coverage = layer.coverage().pixels[i];

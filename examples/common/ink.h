@@ -39,6 +39,9 @@ class InkLayer {
 /// How many times vectors are enlarged: 1, 2 or 5 times a power of ten, so that the longest one fits in `room`.
 double magnificationFor(double longest, double room);
 
+/// A picture for the screen. `fade` mixes it with white: 0 leaves it as it is, 1 leaves nothing of it.
+ColourImage coloured(const GreyImage& image, double fade = 0.0);
+
 /// Lays a colour over an image where the layer has ink.
 void blend(ColourImage& image, const InkLayer& layer, Rgb colour);
 

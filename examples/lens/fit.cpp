@@ -26,17 +26,6 @@ double greyAt(const GreyImage& picture, double x, double y) {
 
 }  // namespace
 
-ErrorSize sizeOf(const std::vector<tagPOINT2D>& errors) {
-    ErrorSize size;
-    for (const tagPOINT2D& error : errors) {
-        const double length = std::hypot(error.x, error.y);
-        size.rms += length * length / static_cast<double>(errors.size());
-        size.largest = std::max(size.largest, length);
-    }
-    size.rms = std::sqrt(size.rms);
-    return size;
-}
-
 ModelResult fitModel(unsigned int model, const std::vector<Dot>& dots, const std::vector<Dot>& between) {
     svd::CSVDFitPoly2d fit;
     fit.Allocate(static_cast<unsigned int>(dots.size()), svd::PolyModelId(model), kWidth, kHeight);

@@ -9,19 +9,13 @@
 #include <vector>
 
 #include "camera.h"
+#include "errors.h"
 #include "image.h"
 
 namespace examples::lens {
 
 inline constexpr unsigned int kFirstModel = 2;
 inline constexpr unsigned int kLastModel = 9;
-
-/// Lengths of error vectors, in pixels.
-struct ErrorSize {
-    double rms = 0.0;
-    double largest = 0.0;
-};
-ErrorSize sizeOf(const std::vector<tagPOINT2D>& errors);
 
 struct ModelResult {
     unsigned int model = 0;

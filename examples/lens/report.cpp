@@ -13,16 +13,6 @@ constexpr Rgb kDotColour{0, 110, 210};
 constexpr Rgb kPage{255, 255, 255};
 constexpr int kTitleHeight = 70;  ///< Of a panel.
 
-ColourImage coloured(const GreyImage& image, double fade) {
-    ColourImage result(image.width, image.height);
-    for (std::size_t i = 0; i < image.pixels.size(); ++i) {
-        const double grey = image.pixels[i] / 257.0;
-        const auto value = static_cast<std::uint8_t>(grey + (255.0 - grey) * fade + 0.5);
-        result.pixels[i] = {value, value, value};
-    }
-    return result;
-}
-
 /// One panel: the frame of the picture, the residuals enlarged, a bar for their scale, and what it is.
 void writePanel(std::ostream& svg, const Results& results, const ModelResult& model, double left,
                 double top) {
@@ -96,7 +86,8 @@ std::string residualsSvg(const Results& results) {
     for (std::size_t i = 0; i < results.models.size(); ++i) {
         const int column = static_cast<int>(i) % kColumns;
         const int row = static_cast<int>(i) / kColumns;
-        writePanel(svg, results, results.models[i], kGap + column * kPanelWidth, kGap / 2 + row * kPanelHeight);
+        writePanel(svg, results, results.models[i], kGap + column * kPanelWidth,
+                   kGap / 2 + row * kPanelHeight);
     }
     svg << "</svg>\n";
     return svg.str();

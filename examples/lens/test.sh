@@ -5,28 +5,8 @@
 #     test.sh LENS_PROGRAM
 set -euo pipefail
 
-lens=$1
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-failures=0
-
-fail() {
-    echo "FAILED: $*" >&2
-    failures=$((failures + 1))
-}
-
-# expectFailure NAME STATUS ARGUMENTS...: the status, one line on standard error, nothing on standard output.
-expectFailure() {
-    local name=$1 status=$2 actual=0
-    shift 2
-    "$lens" "$@" >"$work/stdout" 2>"$work/stderr" || actual=$?
-    [ "$actual" -eq "$status" ] || fail "$name: status $actual, expected $status"
-    [ "$(wc -l <"$work/stderr")" -eq 1 ] || fail "$name: not one line: $(cat "$work/stderr")"
-    grep -q '^lens: .' "$work/stderr" || fail "$name: says $(cat "$work/stderr")"
-    [ ! -s "$work/stdout" ] || fail "$name: writes to standard output"
-    echo "$name: $(sed "s|$work/||" "$work/stderr")"
-}
-
+program=$1
+source "$(dirname "${BASH_SOURCE[0]}")/../common/checks.sh"
 # expectModel MODEL TERMS CONDITION: a line of the table by an awk condition over rms, largest (at the dots),
 # rmsBetween and largestBetween.
 expectModel() {
@@ -38,8 +18,8 @@ expectModel() {
         fail "model $model: $(grep "^$model," "$work/first/models.csv")"
 }
 
-"$lens" --out "$work/first" >"$work/stdout"
-"$lens" --out "$work/second" >"$work/stdout"
+"$program" --out "$work/first" >"$work/stdout"
+"$program" --out "$work/second" >"$work/stdout"
 diff -r "$work/first" "$work/second" || fail "two runs differ"
 [ "$(find "$work/first" -type f | wc -l)" -eq 6 ] || fail "not six files"
 for file in dots.png residuals.svg boards.png models.csv dots.csv; do
@@ -69,12 +49,9 @@ grep -q "$dots dots were found" "$work/first/index.html" || fail "number of dots
 awk -F, 'NR > 1 && !($3 > 15 && $3 < 1584 && $4 > 15 && $4 < 1184) { exit 1 }' "$work/first/dots.csv" ||
     fail "dots outside of the picture"
 
-big_endian_32() { # FILE OFFSET
-    od -An -tu1 -j "$2" -N 4 "$1" | awk '{ print (($1 * 256 + $2) * 256 + $3) * 256 + $4 }'
-}
 expectSize() { # FILE WIDTH HEIGHT
     local found
-    found="$(big_endian_32 "$work/first/$1" 16) $(big_endian_32 "$work/first/$1" 20)"
+    found=$(pictureSize "$work/first/$1")
     [ "$found" = "$2 $3" ] || fail "$1 is $found"
 }
 expectSize dots.png 1600 1200
@@ -87,13 +64,8 @@ grep -qE 'nan|inf' "$work/first/residuals.svg" "$work/first/models.csv" && fail 
 expectFailure "unknown option" 2 --frobnicate
 expectFailure "picture" 2 a.png
 expectFailure "option without value" 2 --out
-touch "$work/plain"
-expectFailure "output below a file" 1 --out "$work/plain/below"
-"$lens" --help >"$work/stdout"
+expectNoOutputBelowAFile
+"$program" --help >"$work/stdout"
 grep -q '^Usage: lens' "$work/stdout" || fail "no help"
 
-if [ "$failures" -gt 0 ]; then
-    echo "$failures checks failed" >&2
-    exit 1
-fi
-echo "all checks passed"
+finish

@@ -49,17 +49,6 @@ GreyImage enlarged(const GreyImage& image, int zoom) {
     return cropped(result, {0, 0, result.width - zoom + 1, result.height - zoom + 1});
 }
 
-/// Grey values between black and white of the screen; `fade` mixes them with white.
-ColourImage coloured(const GreyImage& image, double fade = 0.0) {
-    ColourImage result(image.width, image.height);
-    for (std::size_t i = 0; i < image.pixels.size(); ++i) {
-        const double grey = image.pixels[i] / 257.0;
-        const auto value = static_cast<std::uint8_t>(grey + (255.0 - grey) * fade + 0.5);
-        result.pixels[i] = {value, value, value};
-    }
-    return result;
-}
-
 void paste(ColourImage& page, const ColourImage& image, int left, int top) {
     for (int y = 0; y < image.height; ++y)
         std::copy_n(&image.at(0, y), image.width, &page.at(left, top + y));

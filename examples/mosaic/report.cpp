@@ -12,10 +12,6 @@ tagPOINT2D difference(const tagPOINT2D& a, const tagPOINT2D& b) {
     return {a.x - b.x, a.y - b.y};
 }
 
-double lengthOf(const tagPOINT2D& vector) {
-    return std::sqrt(vector.x * vector.x + vector.y * vector.y);
-}
-
 /// A patch of colour and what it stands for.
 std::string keyEntry(Rgb colour, const char* meaning) {
     return "<span style=\"background:" + htmlColour(colour) + "\"></span>" + meaning;
@@ -35,17 +31,6 @@ std::string key(const std::string& entries) {
 }
 
 }  // namespace
-
-ErrorSize sizeOf(const std::vector<tagPOINT2D>& errors) {
-    ErrorSize size;
-    for (const tagPOINT2D& error : errors) {
-        const double length = lengthOf(error);
-        size.rms += length * length / static_cast<double>(errors.size());
-        size.largest = std::max(size.largest, length);
-    }
-    size.rms = std::sqrt(size.rms);
-    return size;
-}
 
 std::vector<tagPOINT2D> errorsOf(const Tiles& tiles, const std::vector<tagPOINT2D>& places) {
     std::vector<tagPOINT2D> errors;

@@ -9,17 +9,11 @@
 #include <vector>
 
 #include "align.h"
+#include "errors.h"
 #include "text.h"
 #include "tiles.h"
 
 namespace examples::mosaic {
-
-/// Lengths of error vectors, in pixels.
-struct ErrorSize {
-    double rms = 0.0;
-    double largest = 0.0;
-};
-ErrorSize sizeOf(const std::vector<tagPOINT2D>& errors);
 
 /// How far places are off from where the tiles really lie, less the mean of it: the whole mosaic may lie anywhere.
 std::vector<tagPOINT2D> errorsOf(const Tiles& tiles, const std::vector<tagPOINT2D>& places);

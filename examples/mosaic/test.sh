@@ -7,38 +7,14 @@
 # Pictures of the caller's own are aligned too.
 set -euo pipefail
 
-mosaic=$1
+program=$1
 shift
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-failures=0
-
-fail() {
-    echo "FAILED: $*" >&2
-    failures=$((failures + 1))
-}
-
-# expectFailure NAME STATUS ARGUMENTS...: the status, one line on standard error, nothing on standard output,
-# no files.
-expectFailure() {
-    local name=$1 status=$2 actual=0
-    shift 2
-    "$mosaic" "$@" --out "$work/none" >"$work/stdout" 2>"$work/stderr" || actual=$?
-    [ "$actual" -eq "$status" ] || fail "$name: status $actual, expected $status"
-    [ "$(wc -l <"$work/stderr")" -eq 1 ] || fail "$name: not one line: $(cat "$work/stderr")"
-    grep -q '^mosaic: .' "$work/stderr" || fail "$name: says $(cat "$work/stderr")"
-    [ ! -s "$work/stdout" ] || fail "$name: writes to standard output"
-    [ ! -e "$work/none" ] || fail "$name: leaves files"
-    echo "$name: $(sed "s|$work/||" "$work/stderr")"
-}
-
+source "$(dirname "${BASH_SOURCE[0]}")/../common/checks.sh"
 # largest FILE COLUMN: the largest number in a column of a table.
 largest() {
     awk -F, -v name="$2" 'NR == 1 { for (i = 1; i <= NF; ++i) if ($i == name) column = i; next }
         $column + 0 > most { most = $column + 0 } END { print most + 0 }' "$1"
 }
-
-holds() { awk "BEGIN { exit !($1) }"; }
 
 # expectAligned NAME FOLDER LIMIT: whole tables, every tile at most LIMIT pixels off, the stage further than that.
 expectAligned() {
@@ -52,13 +28,8 @@ expectAligned() {
     echo "$name: $stage pixels off by the stage, $aligned aligned"
 }
 
-big_endian_32() { # FILE OFFSET
-    od -An -tu1 -j "$2" -N 4 "$1" | awk '{ print (($1 * 256 + $2) * 256 + $3) * 256 + $4 }'
-}
-sizeOf() { echo "$(big_endian_32 "$1" 16) $(big_endian_32 "$1" 20)"; }
-
 # The drawn picture has details everywhere.
-"$mosaic" --out "$work/drawn" >"$work/stdout"
+"$program" --out "$work/drawn" >"$work/stdout"
 expectAligned "drawn picture" "$work/drawn" 0.1
 [ "$(grep -c ',yes$' "$work/drawn/pairs.csv")" -eq 31 ] || fail "drawn picture: not all pairs are measured"
 # What is wrong correlates less than what is right.
@@ -73,28 +44,28 @@ for file in tiles.png before.png after.png details.png errors.png residuals.png 
     grep -q "\"$file\"" "$work/drawn/index.html" || fail "the page does not name $file"
 done
 [ "$(find "$work/drawn" -type f | wc -l)" -eq 9 ] || fail "other files than these"
-after=$(sizeOf "$work/drawn/after.png")
+after=$(pictureSize "$work/drawn/after.png")
 for file in before.png errors.png residuals.png; do
-    [ "$(sizeOf "$work/drawn/$file")" = "$after" ] || fail "$file is not as large as after.png"
+    [ "$(pictureSize "$work/drawn/$file")" = "$after" ] || fail "$file is not as large as after.png"
 done
-[ "$(sizeOf "$work/drawn/details.png")" = "1260 840" ] || fail "details.png is $(sizeOf "$work/drawn/details.png")"
+[ "$(pictureSize "$work/drawn/details.png")" = "1260 840" ] || fail "details.png is $(pictureSize "$work/drawn/details.png")"
 # Twice the 480 x 360 pixels that the picture has, a little more for what the stage gets wrong.
 read -r width height <<<"$after"
 holds "$width > 930 && $width < 1000 && $height > 690 && $height < 750" || fail "after.png is $after"
 cmp -s "$work/drawn/before.png" "$work/drawn/after.png" && fail "the alignment changes nothing"
 
-"$mosaic" --out "$work/again" >"$work/stdout"
+"$program" --out "$work/again" >"$work/stdout"
 diff -r "$work/drawn" "$work/again" || fail "two runs differ"
 
 # The aligned picture is a picture again. The stage may be quite wrong, or right.
-"$mosaic" "$work/drawn/after.png" --stage-error 8 --out "$work/file" >"$work/stdout"
+"$program" "$work/drawn/after.png" --stage-error 8 --out "$work/file" >"$work/stdout"
 expectAligned "picture from a file" "$work/file" 0.2
-"$mosaic" --stage-error 0 --out "$work/right" >"$work/stdout"
+"$program" --stage-error 0 --out "$work/right" >"$work/stdout"
 holds "$(largest "$work/right/tiles.csv" stage_error) == 0" || fail "a right stage is wrong"
 holds "$(largest "$work/right/tiles.csv" aligned_error) < 0.1" || fail "a right stage is not kept"
 
 for picture in "$@"; do
-    "$mosaic" "$picture" --out "$work/own" >"$work/stdout"
+    "$program" "$picture" --out "$work/own" >"$work/stdout"
     expectAligned "$(basename "$picture")" "$work/own" 0.3
 done
 
@@ -116,13 +87,6 @@ expectFailure "two pictures" 2 a.png b.png
 expectFailure "bad stage error" 2 --stage-error -3
 expectFailure "large stage error" 2 --stage-error 9
 expectFailure "empty name" 2 ""
-
-touch "$work/plain"
-if "$mosaic" --out "$work/plain/below" >"$work/stdout" 2>"$work/stderr"; then fail "output below a file"; fi
-[ "$(wc -l <"$work/stderr")" -eq 1 ] || fail "output below a file: not one line"
-
-if [ "$failures" -gt 0 ]; then
-    echo "$failures checks failed" >&2
-    exit 1
-fi
-echo "all checks passed"
+expectFailure "option without value" 2 --stage-error
+expectNoOutputBelowAFile
+finish
