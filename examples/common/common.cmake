@@ -21,7 +21,7 @@ if(EXAMPLE_SANITIZE)
     target_link_options(example_options INTERFACE -fsanitize=${EXAMPLE_SANITIZE})
 endif()
 
-add_library(example_common STATIC
+add_library(example_common STATIC EXCLUDE_FROM_ALL
     ${CMAKE_CURRENT_LIST_DIR}/image_io.cpp
     ${CMAKE_CURRENT_LIST_DIR}/ink.cpp
     ${CMAKE_CURRENT_LIST_DIR}/program.cpp
