@@ -149,14 +149,14 @@ std::string htmlOf(const Results& results) {
                         " times. Measured shifts that go round in a circle do not add up to nothing; what is "
                         "left over is shared by the pairs. Pairs that could not be measured take the shift "
                         "of the stage with little weight, and are not drawn."));
-    html
-        << "<h2>Tiles</h2>\n<p>In pixels; also in <a href=\"tiles.csv\">tiles.csv</a>. Errors are less their "
-           "mean.</p>\n"
-        << examples::htmlOf(tileTableOf(results))
-        << "<h2>Pairs</h2>\n<p>From the first tile to the second; also in "
-        << "<a href=\"pairs.csv\">pairs.csv</a>. The inverse of the expected error is the weight of a "
-           "pair.</p>\n"
-        << examples::htmlOf(pairTableOf(results)) << kPageEnd;
+    html << "<h2>Tiles</h2>\n<p>In pixels; also in <a href=\"tiles.csv\">tiles.csv</a>. The mean error is "
+            "taken "
+            "off.</p>\n"
+         << examples::htmlOf(tileTableOf(results))
+         << "<h2>Pairs</h2>\n<p>From the first tile to the second; also in "
+         << "<a href=\"pairs.csv\">pairs.csv</a>. The inverse of the expected error is the weight of a "
+            "pair.</p>\n"
+         << examples::htmlOf(pairTableOf(results)) << kPageEnd;
     return html.str();
 }
 
