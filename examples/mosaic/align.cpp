@@ -20,7 +20,7 @@ namespace {
 
 constexpr double kFine = 1.0;    ///< What is smaller than that is noise; the sigma of a Gaussian.
 constexpr double kCoarse = 3.0;  ///< What is larger than that may be uneven light.
-constexpr int kBorder = 6;       ///< Pixels that the larger Gaussian reaches.
+constexpr int kBorder = 6;       ///< Pixels that the larger Gaussian reaches: two sigmas.
 /// Pixels that share their noise: the area of the smaller Gaussian with itself.
 constexpr double kNoiseArea = 4.0 * 3.141592653589793 * kFine * kFine;
 constexpr int kMargin = 3;  ///< Shifts around those that are possible, for the parabola at the edge.

@@ -13,6 +13,7 @@ namespace {
 constexpr Rgb kPage{255, 255, 255};
 constexpr Rgb kFrameColour{120, 126, 134};
 constexpr Rgb kNumberColour{255, 255, 255};
+constexpr Rgb kHaloColour{60, 66, 74};
 
 int zoomFor(int width, int height) {
     constexpr int kWantedSide = 1300;
@@ -54,15 +55,27 @@ void paste(ColourImage& page, const ColourImage& image, int left, int top) {
         std::copy_n(&image.at(0, y), image.width, &page.at(left, top + y));
 }
 
-void drawNumber(ColourImage& page, std::size_t value, double x, double y) {
-    constexpr double kHeight = 18.0;
-    InkLayer halo(page.width, page.height);
-    InkLayer digits(page.width, page.height);
-    halo.number(value, x, y, kHeight, 6.0);
-    digits.number(value, x, y, kHeight, 2.5);
-    blend(page, halo, {60, 66, 74});
-    blend(page, digits, kNumberColour);
-}
+/// Numbers that are laid on a page together.
+class Numbers {
+  public:
+    explicit Numbers(ColourImage& page)
+        : page_(page), halo_(page.width, page.height), digits_(page.width, page.height) {}
+
+    void add(std::size_t value, double x, double y) {
+        constexpr double kHeight = 18.0;
+        halo_.number(value, x, y, kHeight, 6.0);
+        digits_.number(value, x, y, kHeight, 2.5);
+    }
+    void draw() {
+        blend(page_, halo_, kHaloColour);
+        blend(page_, digits_, kNumberColour);
+    }
+
+  private:
+    ColourImage& page_;
+    InkLayer halo_;
+    InkLayer digits_;
+};
 
 }  // namespace
 
@@ -121,13 +134,15 @@ ColourImage drawTiles(const Tiles& tiles) {
     const int stepX = (tiles.width - 1) * zoom + 1 + kGap;
     const int stepY = (tiles.height - 1) * zoom + 1 + kGap;
     ColourImage page(kTileColumns * stepX + kGap, kTileRows * stepY + kGap, kPage);
+    Numbers numbers(page);
     for (std::size_t i = 0; i < tiles.tiles.size(); ++i) {
         const Tile& tile = tiles.tiles[i];
         const int left = kGap + tile.column * stepX;
         const int top = kGap + tile.row * stepY;
         paste(page, coloured(enlarged(tile.image, zoom)), left, top);
-        drawNumber(page, i + 1, left + 24.0, top + 20.0);
+        numbers.add(i + 1, left + 24.0, top + 20.0);
     }
+    numbers.draw();
     return page;
 }
 
@@ -189,14 +204,16 @@ ColourImage drawVectors(const Tiles& tiles, const Frame& frame, const std::vecto
         blend(page, halo, kPage);
         blend(page, arrows, set.colour);
     }
+    Numbers numbers(page);
     for (std::size_t i = 0; i < places.size(); ++i) {
         const tagPOINT2D low = onPage(places[i].x, places[i].y);
         const Tile& tile = tiles.tiles[i];
         // In the corner of the tile that no other one covers, if there is one.
         const double inX = tile.column == 0 ? 0.08 : 0.38;
         const double inY = tile.row == 0 ? 0.1 : 0.4;
-        drawNumber(page, i + 1, low.x + inX * tiles.width * zoom, low.y + inY * tiles.height * zoom);
+        numbers.add(i + 1, low.x + inX * tiles.width * zoom, low.y + inY * tiles.height * zoom);
     }
+    numbers.draw();
     return page;
 }
 

@@ -111,8 +111,9 @@ std::string htmlOf(const Results& results) {
     html << pageStart("Mosaic of " + results.source) << "<p>" << results.pictureWidth << " x "
          << results.pictureHeight << " pixels, cut into " << results.tiles.tiles.size() << " tiles of "
          << results.tiles.width << " x " << results.tiles.height << " pixels. The stage was up to "
-         << results.tiles.stageError << " pixels wrong along each axis. " << results.measuredPairs() << " of "
-         << results.pairs.size() << " neighbouring pairs were measured by correlation.</p>\n"
+         << number(results.tiles.stageError, 0) << " pixels wrong along each axis. "
+         << results.measuredPairs() << " of " << results.pairs.size()
+         << " neighbouring pairs were measured by correlation.</p>\n"
          << "<p>Errors of the places: rms " << stage.rms << " and at most " << stage.largest
          << " pixels by the stage, rms " << number(aligned.rms, 3) << " and at most "
          << number(aligned.largest, 3) << " pixels after the alignment.</p>\n";

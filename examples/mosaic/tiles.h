@@ -46,7 +46,7 @@ Image<float> resampled(Image<float> picture, const tagPOINT2D& origin, int width
 /// The same grey values as floats.
 Image<float> asFloats(const GreyImage& picture);
 
-/// Blurs a picture by the library. @param sigma  of the Gaussian, in pixels.
+/// Blurs a picture by the library, with a Gaussian that is cut off at two sigmas. @param sigma  in pixels.
 Image<float> blurred(Image<float> picture, double sigma);
 
 }  // namespace examples::mosaic
