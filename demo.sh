@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Builds the library, installs it into build/demo/prefix, builds the example host application against the
-# installed package, and lets it measure a picture.
+# Builds the library, installs it into build/demo/prefix, builds example host applications against the installed
+# package, and lets them measure a picture, put it together from tiles, and correct a lens.
 #
-#     ./demo.sh                     a photograph of coins, or a drawn picture when that cannot be had
-#     ./demo.sh my.png [options]    a picture of your own; for options see examples/outline/main.cpp
+#     ./demo.sh                     a photograph of coins, or drawn pictures when that cannot be had
+#     ./demo.sh my.png [options]    outlines in a picture of your own; for options see examples/outline/main.cpp
 #
 # On Debian and its relatives, missing tools are installed from the distribution. Everything else stays within
 # build/demo and out. A second run only builds what has changed.
@@ -84,11 +84,11 @@ buildLibrary() {
     quietly cmake --install "$demo/library"
 }
 
-buildExample() {
-    say "Building the example against the installed package ..."
-    quietly cmake -S "$root/examples/outline" -B "$demo/outline" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+buildExample() { # NAME
+    say "Building the example $1 against the installed package ..."
+    quietly cmake -S "$root/examples/$1" -B "$demo/$1" -G Ninja -DCMAKE_BUILD_TYPE=Release \
         -DCMAKE_PREFIX_PATH="$demo/prefix" -DBUILD_TESTING=OFF
-    quietly cmake --build "$demo/outline"
+    quietly cmake --build "$demo/$1"
 }
 
 picturePackage=python3-skimage
@@ -120,17 +120,24 @@ fetchPicture() {
 
 installMissingTools
 buildLibrary
-buildExample
+buildExample outline
 
 if [ "$#" -gt 0 ]; then
-    arguments=("$@")
-elif fetchPicture; then
-    arguments=("$picture")
-else
-    rm -rf "$demo/picture/unpacked"
-    say "No photograph can be had (no package $picturePackage); the example draws a picture of its own."
-    arguments=(--phantom)
+    "$demo/outline/outline" --out "$root/out" "$@"
+    say "Open $root/out/index.html in a browser."
+    exit
 fi
 
-"$demo/outline/outline" --out "$root/out" "${arguments[@]}"
-say "Open $root/out/index.html in a browser."
+buildExample mosaic
+buildExample lens
+if fetchPicture; then
+    "$demo/outline/outline" --out "$root/out" "$picture"
+    "$demo/mosaic/mosaic" --out "$root/out/mosaic" "$picture"
+else
+    rm -rf "$demo/picture/unpacked"
+    say "No photograph can be had (no package $picturePackage); the examples draw pictures of their own."
+    "$demo/outline/outline" --out "$root/out" --phantom
+    "$demo/mosaic/mosaic" --out "$root/out/mosaic"
+fi
+"$demo/lens/lens" --out "$root/out/lens"
+say "Open $root/out/index.html, $root/out/mosaic/index.html and $root/out/lens/index.html in a browser."

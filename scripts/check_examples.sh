@@ -6,7 +6,10 @@ prefix=$PWD/build/demo/prefix
 for example in examples/*/CMakeLists.txt; do
     folder=$(dirname "$example")
     work=build/examples/$(basename "$folder")
-    cmake -S "$folder" -B "$work" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+    cmake -S "$folder" -B "$work" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" -DEXAMPLE_WARNINGS_AS_ERRORS=ON >/dev/null
     cmake --build "$work" >/dev/null
     ctest --test-dir "$work" --output-on-failure --no-tests=ignore
 done
+# The mosaic of a photograph, where the demo could get one.
+picture=build/demo/picture/coins.png
+[ ! -s "$picture" ] || examples/mosaic/test.sh build/examples/mosaic/mosaic "$picture"

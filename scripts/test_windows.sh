@@ -41,7 +41,7 @@ if ! scripts/windows_libpng.sh build/windows-libpng; then
     exit 0
 fi
 png=$PWD/build/windows-libpng
-for example in outline gallery; do
+for example in outline gallery lens mosaic; do
     cmake -S "examples/$example" -B "$work/$example" -G Ninja -DVELQUAD_DIR="$prefix/lib/cmake/VELQUAD" \
         -DCMAKE_TOOLCHAIN_FILE="$PWD/cmake/windows-toolchain.cmake" -DCMAKE_EXE_LINKER_FLAGS=-static \
         -DPNG_LIBRARY="$png/lib/libpng.a" -DPNG_PNG_INCLUDE_DIR="$png/include" \

@@ -60,7 +60,8 @@ void markDirections(Canvas& canvas, CMatNormalEncoder& encoder, int middleX) {
     const int directions = encoder.GetNumberOfEncodedDirections() - 1;  // the last index is the null vector's
     for (int index = 0; index < directions; ++index) {
         const float* gradient = encoder.GetDecodedGradient(index);
-        const tagPOINT3D v = toViewer({gradient[0], gradient[1], gradient[2]});
+        const auto along = [gradient](int axis) { return static_cast<double>(gradient[axis]); };
+        const tagPOINT3D v = toViewer({along(0), along(1), along(2)});
         if (v.z > 0.0) canvas.dot({middleX + kRadius * v.x, middleY - kRadius * v.y}, 2.5, kInk);
     }
 }

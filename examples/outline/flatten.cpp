@@ -6,7 +6,7 @@
 #include <optional>
 #include <utility>
 
-namespace outline {
+namespace examples::outline {
 namespace {
 
 constexpr int kTerms = 6;
@@ -125,4 +125,4 @@ GreyImage flattened(const GreyImage& image, ObjectsAre objectsAre) {
     return result;
 }
 
-}  // namespace outline
+}  // namespace examples::outline

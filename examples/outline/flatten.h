@@ -6,7 +6,7 @@
 #include "image.h"
 #include "threshold.h"
 
-namespace outline {
+namespace examples::outline {
 
 /// Averages each pixel with its eight neighbours under binomial weights (1 2 1) x (1 2 1) / 16: noise would fray
 /// the outlines. The border repeats its own pixels.
@@ -19,6 +19,6 @@ GreyImage smoothed(const GreyImage& image);
 /// @return the image as it was when it has too little ground for a fit.
 GreyImage flattened(const GreyImage& image, ObjectsAre objectsAre);
 
-}  // namespace outline
+}  // namespace examples::outline
 
 #endif  // OUTLINE_FLATTEN_H

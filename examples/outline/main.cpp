@@ -6,10 +6,8 @@
 //
 // Exit status: 0 done, 1 failed with one line on standard error, 2 wrong usage.
 #include <cstdint>
-#include <exception>
 #include <filesystem>
 #include <iostream>
-#include <new>
 #include <string>
 #include <vector>
 
@@ -18,10 +16,12 @@
 #include "image_io.h"
 #include "measure.h"
 #include "phantom.h"
+#include "program.h"
 #include "report.h"
+#include "text.h"
 #include "threshold.h"
 
-namespace outline {
+namespace examples::outline {
 namespace {
 
 constexpr const char* kUsage =
@@ -35,12 +35,6 @@ constexpr const char* kUsage =
     "  --min-area N     pixels of the smallest object (default: 1/2000 of the picture, at least 12)\n"
     "  --no-flatten     do not take out uneven lighting\n"
     "  --help           this text\n";
-
-/// Wrong options: the program ends with status 2.
-class UsageError : public Failure {
-  public:
-    using Failure::Failure;
-};
 
 struct Options {
     std::string picture;  ///< Empty for the phantom.
@@ -67,35 +61,25 @@ std::int64_t areaFromText(const std::string& text) {
     return area;
 }
 
-Options parse(const std::vector<std::string>& arguments) {
+Options parse(CommandLine line) {
     Options options;
     bool isPhantom = false;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::string& argument = arguments[i];
-        const auto value = [&]() -> const std::string& {
-            if (i + 1 == arguments.size()) throw UsageError(argument + " needs a value");
-            return arguments[++i];
-        };
+    while (!line.atEnd()) {
+        const std::string& argument = line.next();
         if (argument == "--out") {
-            options.outputDirectory = value();
+            options.outputDirectory = line.value();
         } else if (argument == "--objects") {
-            options.objectsAre = objectsFromText(value());
+            options.objectsAre = objectsFromText(line.value());
         } else if (argument == "--min-area") {
-            options.smallestObject = areaFromText(value());
+            options.smallestObject = areaFromText(line.value());
         } else if (argument == "--no-flatten") {
             options.flatten = false;
         } else if (argument == "--phantom") {
             isPhantom = true;
         } else if (argument == "--help" || argument == "-h") {
             options.help = true;
-        } else if (argument.rfind('-', 0) == 0) {
-            throw UsageError("unknown option " + argument + " (see --help)");
-        } else if (!options.picture.empty()) {
-            throw UsageError("more than one picture given (see --help)");
-        } else if (argument.empty()) {
-            throw UsageError("the name of the picture is empty");
         } else {
-            options.picture = argument;
+            takePicture(argument, options.picture);
         }
     }
     if (isPhantom && !options.picture.empty()) throw UsageError("give a picture or --phantom, not both");
@@ -146,11 +130,7 @@ void run(const Options& options) {
         options.picture.empty() ? "the phantom" : std::filesystem::path(options.picture).filename().string();
     summary.width = picture.width;
     summary.height = picture.height;
-    const std::filesystem::path directory(options.outputDirectory);
-    std::error_code error;
-    std::filesystem::create_directories(directory, error);
-    if (error)
-        throw Failure("cannot make the directory '" + options.outputDirectory + "': " + error.message());
+    const std::filesystem::path directory = makeDirectory(options.outputDirectory);
     const auto inDirectory = [&directory](const char* name) { return (directory / name).string(); };
     writePng(inDirectory("overlay.png"), drawOverlay(picture, measurement));
     writeText(inDirectory("outlines.svg"), svgOf(summary, measurement));
@@ -161,28 +141,16 @@ void run(const Options& options) {
 }
 
 }  // namespace
-}  // namespace outline
+}  // namespace examples::outline
 
 int main(int argc, char** argv) {
-    constexpr int kFailed = 1;
-    constexpr int kWrongUsage = 2;
-    try {
-        const outline::Options options = outline::parse(std::vector<std::string>(argv + 1, argv + argc));
+    return examples::runProgram("outline", [&] {
+        const examples::outline::Options options =
+            examples::outline::parse(examples::CommandLine(argc, argv));
         if (options.help) {
-            std::cout << outline::kUsage;
-            return 0;
+            std::cout << examples::outline::kUsage;
+        } else {
+            examples::outline::run(options);
         }
-        outline::run(options);
-        return 0;
-    } catch (const outline::UsageError& error) {
-        std::cerr << "outline: " << error.what() << '\n';
-        return kWrongUsage;
-    } catch (const outline::Failure& error) {
-        std::cerr << "outline: " << error.what() << '\n';
-    } catch (const std::bad_alloc&) {
-        std::cerr << "outline: not enough memory\n";
-    } catch (const std::exception& error) {
-        std::cerr << "outline: " << error.what() << '\n';
-    }
-    return kFailed;
+    });
 }

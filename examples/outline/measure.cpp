@@ -5,7 +5,7 @@
 
 #include "trace.h"
 
-namespace outline {
+namespace examples::outline {
 namespace {
 
 constexpr int kClosed = 1;
@@ -193,4 +193,4 @@ std::vector<tagPOINT2D> pointsInPixels(const Polygon& polygon, int subpixels, bo
     return result;
 }
 
-}  // namespace outline
+}  // namespace examples::outline

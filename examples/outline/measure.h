@@ -13,7 +13,7 @@
 #include "polygon.h"
 #include "threshold.h"
 
-namespace outline {
+namespace examples::outline {
 
 /// Area in square pixels and length in pixels of a closed outline.
 struct Extent {
@@ -65,6 +65,6 @@ Measurement measure(const Objects& objects);
 /// `isTruncated` puts that half back.
 std::vector<tagPOINT2D> pointsInPixels(const Polygon& polygon, int subpixels, bool isTruncated);
 
-}  // namespace outline
+}  // namespace examples::outline
 
 #endif  // OUTLINE_MEASURE_H

@@ -1,10 +1,11 @@
 #include "phantom.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
-namespace outline {
+#include "noise.h"
+
+namespace examples::outline {
 namespace {
 
 constexpr int kWidth = 480;
@@ -64,19 +65,6 @@ double coverage(int x, int y) {
     return static_cast<double>(hits) / (kSamplesPerSide * kSamplesPerSide);
 }
 
-/// The "minimal standard" generator (S. K. Park, K. W. Miller, 1988): the same noise on every system.
-class Noise {
-  public:
-    /// @return a value in (-1, 1).
-    double next() {
-        state_ = state_ * 16807U % 2147483647U;
-        return static_cast<double>(state_) / 1073741823.5 - 1.0;
-    }
-
-  private:
-    std::uint64_t state_ = 1;
-};
-
 }  // namespace
 
 GreyImage drawPhantom() {
@@ -96,4 +84,4 @@ GreyImage drawPhantom() {
     return image;
 }
 
-}  // namespace outline
+}  // namespace examples::outline

@@ -17,7 +17,7 @@
 
 #include "image.h"
 
-namespace outline {
+namespace examples::outline {
 
 /// Owns one polygon, or none.
 class Polygon {
@@ -86,6 +86,6 @@ inline Polygon copyOf(const Polygon& polygon) {
     return copy;
 }
 
-}  // namespace outline
+}  // namespace examples::outline
 
 #endif  // OUTLINE_POLYGON_H

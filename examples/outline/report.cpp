@@ -2,47 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
-#include <fstream>
-#include <iomanip>
-#include <locale>
-#include <sstream>
+#include <iterator>
 
 #include "drawing.h"
+#include "text.h"
 
-namespace outline {
+namespace examples::outline {
 namespace {
-
-/// A stream that writes numbers with a point whatever the user's language is.
-std::ostringstream plainStream(int decimals) {
-    std::ostringstream stream;
-    stream.imbue(std::locale::classic());
-    stream << std::fixed << std::setprecision(decimals);
-    return stream;
-}
-
-std::string escaped(const std::string& text) {
-    std::string result;
-    for (const char c : text) {
-        switch (c) {
-            case '&':
-                result += "&amp;";
-                break;
-            case '<':
-                result += "&lt;";
-                break;
-            case '>':
-                result += "&gt;";
-                break;
-            case '"':
-                result += "&quot;";
-                break;
-            default:
-                result += c;
-        }
-    }
-    return result;
-}
 
 const char* nameOf(Position position) {
     switch (position) {
@@ -64,9 +30,7 @@ const char* yesOrNo(bool value) {
 
 std::string optionalNumber(bool exists, double value, int decimals) {
     if (!exists) return "";
-    std::ostringstream text = plainStream(decimals);
-    text << value;
-    return text.str();
+    return number(value, decimals);
 }
 
 /// The cells of one object, as the table and the page show them.
@@ -103,10 +67,6 @@ std::vector<std::string> cellsOf(const Measurement& measurement, std::size_t ind
 }
 
 /// The columns: as the CSV names them, and as the page does.
-struct Column {
-    const char* key;
-    const char* heading;
-};
 constexpr Column kColumns[] = {{"object", "Object"},
                                {"pixels", "Pixels"},
                                {"area_raw", "Area, raw"},
@@ -127,6 +87,13 @@ constexpr Column kColumns[] = {{"object", "Object"},
                                {"right", "Right"},
                                {"bottom", "Bottom"},
                                {"touches_border", "Touches border"}};
+
+Table tableOf(const Measurement& measurement) {
+    Table table{{std::begin(kColumns), std::end(kColumns)}, {}};
+    for (std::size_t i = 0; i < measurement.objects.size(); ++i)
+        table.rows.push_back(cellsOf(measurement, i));
+    return table;
+}
 
 /// Path data of a closed outline. The closing point is left out, "Z" stands for it.
 std::string pathOf(const Polygon& polygon, int subpixels, bool isCurve) {
@@ -218,25 +185,6 @@ std::string histogramSvg(const RunSummary& run) {
     return svg.str();
 }
 
-constexpr const char* kStyle = R"(
-body { font: 15px/1.5 system-ui, sans-serif; color: #1d232a; background: #f4f5f7; margin: 2rem auto; max-width: 1200px; padding: 0 1rem; }
-h1 { font-size: 1.6rem; margin-bottom: 0; } h2 { font-size: 1.15rem; margin: 2rem 0 .5rem; }
-figure { margin: 0; } figcaption { color: #55606c; font-size: .9rem; margin: .4rem 0; }
-img, svg { display: block; width: 100%; background: #fff; border: 1px solid #d5d9de; }
-.histogram { height: 110px; max-width: 640px; }
-.detail { max-width: 760px; }
-.key span { display: inline-block; width: 1.6em; height: .35em; margin: 0 .4em .15em 1em; }
-.table { overflow-x: auto; } table { border-collapse: collapse; background: #fff; font-variant-numeric: tabular-nums; font-size: .85rem; }
-th, td { border: 1px solid #d5d9de; padding: .25rem .5rem; text-align: right; white-space: nowrap; }
-th { background: #e9ecef; white-space: normal; vertical-align: bottom; } tr:nth-child(even) td { background: #f8f9fa; }
-)";
-
-std::string colourOf(Rgb colour) {
-    char text[8];
-    std::snprintf(text, sizeof text, "#%02x%02x%02x", colour.red, colour.green, colour.blue);
-    return text;
-}
-
 /// What the colours of the lines mean.
 std::string keyOf(const std::string& raw, const std::string& interpolated, const std::string& fitted) {
     const auto entry = [](const std::string& colour, const char* meaning) {
@@ -249,21 +197,7 @@ std::string keyOf(const std::string& raw, const std::string& interpolated, const
 }  // namespace
 
 std::string csvOf(const Measurement& measurement) {
-    std::string csv;
-    const auto writeLine = [&csv](const auto& cells, const auto& textOf) {
-        const char* separator = "";
-        for (const auto& cell : cells) {
-            csv += separator;
-            csv += textOf(cell);
-            separator = ",";
-        }
-        csv += '\n';
-    };
-    writeLine(kColumns, [](const Column& column) { return column.key; });
-    for (std::size_t i = 0; i < measurement.objects.size(); ++i) {
-        writeLine(cellsOf(measurement, i), [](const std::string& cell) { return cell; });
-    }
-    return csv;
+    return csvOf(tableOf(measurement));
 }
 
 std::string svgOf(const RunSummary& run, const Measurement& measurement) {
@@ -287,18 +221,14 @@ std::string svgOf(const RunSummary& run, const Measurement& measurement) {
 
 std::string htmlOf(const RunSummary& run, const Measurement& measurement) {
     std::ostringstream html = plainStream(1);
-    html << "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-         << "<meta name=\"viewport\" content=\"width=device-width\">\n<title>Outlines of "
-         << escaped(run.source) << "</title>\n<style>" << kStyle << "</style>\n</head>\n<body>\n"
-         << "<h1>Outlines of " << escaped(run.source) << "</h1>\n<p>" << run.width << " x " << run.height
-         << " pixels, " << measurement.objects.size()
-         << (measurement.objects.size() == 1 ? " object" : " objects") << ", " << measurement.subpixels
-         << " sub-pixels per pixel. "
+    html << pageStart("Outlines of " + run.source) << "<p>" << run.width << " x " << run.height << " pixels, "
+         << measurement.objects.size() << (measurement.objects.size() == 1 ? " object" : " objects") << ", "
+         << measurement.subpixels << " sub-pixels per pixel. "
          << "<a href=\"measures.csv\">measures.csv</a> holds the table below.</p>\n";
 
     html << "<h2>The picture and its outlines</h2>\n<figure>\n"
          << "<img src=\"overlay.png\" alt=\"The picture with all outlines\">\n"
-         << keyOf(colourOf(kRawColour), colourOf(kInterpolatedColour), colourOf(kFittedColour))
+         << keyOf(htmlColour(kRawColour), htmlColour(kInterpolatedColour), htmlColour(kFittedColour))
          << "</figure>\n";
 
     const std::size_t showpiece = showpieceOf(measurement);
@@ -319,29 +249,8 @@ std::string htmlOf(const RunSummary& run, const Measurement& measurement) {
          << "outermost pixels, half a pixel inside of the edge; so its area is smaller than the number of "
             "pixels. "
          << "Its length counts every stair; the curves give the length of the shape.</p>\n"
-         << "<div class=\"table\"><table>\n<tr>";
-    for (const Column& column : kColumns)
-        html << "<th>" << column.heading << "</th>";
-    html << "</tr>\n";
-    for (std::size_t i = 0; i < measurement.objects.size(); ++i) {
-        html << "<tr>";
-        for (const std::string& cell : cellsOf(measurement, i))
-            html << "<td>" << cell << "</td>";
-        html << "</tr>\n";
-    }
-    html << "</table></div>\n</body>\n</html>\n";
+         << htmlOf(tableOf(measurement)) << kPageEnd;
     return html.str();
 }
 
-void writeText(const std::string& path, const std::string& text) {
-    std::ofstream file(path, std::ios::binary);
-    if (!file) throw Failure("cannot write '" + path + "'");
-    file << text << std::flush;
-    if (!file) {
-        file.close();
-        std::remove(path.c_str());
-        throw Failure("cannot write '" + path + "'");
-    }
-}
-
-}  // namespace outline
+}  // namespace examples::outline

@@ -9,7 +9,7 @@
 #include "measure.h"
 #include "threshold.h"
 
-namespace outline {
+namespace examples::outline {
 
 /// What the page tells about a run besides its measurements.
 struct RunSummary {
@@ -29,9 +29,6 @@ std::string svgOf(const RunSummary& run, const Measurement& measurement);
 /// The page. It refers to overlay.png, outlines.svg and measures.csv beside it and to nothing else.
 std::string htmlOf(const RunSummary& run, const Measurement& measurement);
 
-/// @throws Failure when the file cannot be written; no partial file stays behind.
-void writeText(const std::string& path, const std::string& text);
-
-}  // namespace outline
+}  // namespace examples::outline
 
 #endif  // OUTLINE_REPORT_H

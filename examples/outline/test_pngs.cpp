@@ -16,8 +16,9 @@
 
 #include "image_io.h"
 #include "phantom.h"
+#include "program.h"
 
-namespace outline {
+namespace examples::outline {
 namespace {
 
 /// One kind of PNG, and how a grey value becomes the samples of a pixel in it.
@@ -200,18 +201,12 @@ void writeAllPictures(const std::filesystem::path& directory) {
 }
 
 }  // namespace
-}  // namespace outline
+}  // namespace examples::outline
 
 int main(int argc, char** argv) {
     if (argc != 2) {
         std::cerr << "usage: make_test_pngs DIRECTORY\n";
         return 2;
     }
-    try {
-        outline::writeAllPictures(argv[1]);
-        return 0;
-    } catch (const std::exception& error) {
-        std::cerr << "make_test_pngs: " << error.what() << '\n';
-        return 1;
-    }
+    return examples::runProgram("make_test_pngs", [&] { examples::outline::writeAllPictures(argv[1]); });
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace outline {
+namespace examples::outline {
 namespace {
 
 struct Step {
@@ -224,4 +224,4 @@ Objects findObjects(const Mask& mask, std::int64_t smallestObject, std::int64_t 
     return objects;
 }
 
-}  // namespace outline
+}  // namespace examples::outline

@@ -9,7 +9,7 @@
 
 #include "image.h"
 
-namespace outline {
+namespace examples::outline {
 
 /// How often each grey value occurs, in 256 equal bins between the darkest and the brightest pixel, so that a
 /// 12-bit picture in a 16-bit file uses them all.
@@ -68,6 +68,6 @@ struct Objects {
 /// smaller ones become ground. Objects hang together over corners, holes over sides only.
 Objects findObjects(const Mask& mask, std::int64_t smallestObject, std::int64_t largestHole);
 
-}  // namespace outline
+}  // namespace examples::outline
 
 #endif  // OUTLINE_THRESHOLD_H

@@ -2,7 +2,7 @@
 
 #include <array>
 
-namespace outline {
+namespace examples::outline {
 namespace {
 
 struct Step {
@@ -70,4 +70,4 @@ std::vector<tagPOINT> traceOutline(const Objects& objects, const Region& region)
     return outline;
 }
 
-}  // namespace outline
+}  // namespace examples::outline

@@ -9,7 +9,7 @@
 
 #include "threshold.h"
 
-namespace outline {
+namespace examples::outline {
 
 /// Walks once around an object from boundary pixel to boundary pixel, over sides and corners.
 ///
@@ -22,6 +22,6 @@ namespace outline {
 ///         the library; a lone pixel is one point. Where the object is one pixel thin, pixels occur twice.
 std::vector<tagPOINT> traceOutline(const Objects& objects, const Region& region);
 
-}  // namespace outline
+}  // namespace examples::outline
 
 #endif  // OUTLINE_TRACE_H

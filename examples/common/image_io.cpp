@@ -10,7 +10,7 @@
 #include <cstdio>
 #include <memory>
 
-namespace outline {
+namespace examples {
 namespace {
 
 struct FileCloser {
@@ -231,4 +231,4 @@ void writePng(const std::string& path, const GreyImage& image) {
                      static_cast<std::size_t>(image.height)));
 }
 
-}  // namespace outline
+}  // namespace examples

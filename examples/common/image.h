@@ -1,7 +1,7 @@
 /// @file
 /// Images in memory, and the one kind of error that the program reports.
-#ifndef OUTLINE_IMAGE_H
-#define OUTLINE_IMAGE_H
+#ifndef EXAMPLES_IMAGE_H
+#define EXAMPLES_IMAGE_H
 
 #include <cstddef>
 #include <cstdint>
@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace outline {
+namespace examples {
 
 /// Why the program cannot go on, in one line for its user.
 class Failure : public std::runtime_error {
@@ -48,6 +48,6 @@ struct Rgb {
 using ColourImage = Image<Rgb>;
 static_assert(sizeof(Rgb) == 3, "rows of Rgb are handed to the PNG writer as they are");
 
-}  // namespace outline
+}  // namespace examples
 
-#endif  // OUTLINE_IMAGE_H
+#endif  // EXAMPLES_IMAGE_H

@@ -1,16 +1,15 @@
 /// @file
 /// PNG files in and out.
-#ifndef OUTLINE_IMAGE_IO_H
-#define OUTLINE_IMAGE_IO_H
+#ifndef EXAMPLES_IMAGE_IO_H
+#define EXAMPLES_IMAGE_IO_H
 
 #include <string>
 
 #include "image.h"
 
-namespace outline {
+namespace examples {
 
-/// The longest side that is read. Sub-pixel coordinates of such an image still fit the library's 32-bit
-/// products; see `subpixelsFor` in measure.h.
+/// The longest side that is read. Coordinates of such an image still fit the library's 32-bit products.
 inline constexpr int kMaximalSide = 16384;
 /// The most pixels that are read: a file of a few bytes may claim any size.
 inline constexpr long long kMaximalPixels = 32LL * 1024 * 1024;
@@ -27,6 +26,6 @@ void writePng(const std::string& path, const ColourImage& image);
 /// Writes a 16-bit grey PNG. @throws Failure as above.
 void writePng(const std::string& path, const GreyImage& image);
 
-}  // namespace outline
+}  // namespace examples
 
-#endif  // OUTLINE_IMAGE_IO_H
+#endif  // EXAMPLES_IMAGE_IO_H
