@@ -162,7 +162,7 @@ TEST(Fft, EveryLevelGivesTheBitsOfThePlainLoops) {
     const std::size_t usual = frame::kernelLevel();
     for (std::size_t level = 0; level < frame::kernelLevelCount(); ++level) {
         frame::selectKernelLevel(level);
-        for (std::size_t n = 1; n <= 16384; n *= 2) {
+        for (std::size_t n = 1; n <= 131072; n *= 2) {
             SCOPED_TRACE(testing::Message() << frame::kernelLevelName(level) << " " << n);
             Doubles signal = randomSignal(random, n);
             if (n > 4) signal[n / 3] = -0.0;
