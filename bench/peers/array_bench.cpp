@@ -27,6 +27,7 @@ void zoom(benchmark::State& state) {
         matZoomArray2v(from, from, sourceRows.data(), to, to, destinationRows.data(), kTypeOf<T>, Flags);
         benchmark::ClobberMemory();
     }
+    showMean(state, destination.data(), destination.size());
 }
 
 BENCHMARK(zoom<std::uint8_t, kZoomNearest>)->Name("zoomNearest/uint8/velquad")->Apply(zoomSizes);
@@ -50,6 +51,7 @@ void affine(benchmark::State& state) {
                                  kVolumeSize, kVolumeSize, destination.slices(), kTypeOf<T>, matrix, Flags);
         benchmark::ClobberMemory();
     }
+    destination.showMean(state);
 }
 
 BENCHMARK(affine<std::uint8_t, kNearest>)->Name("affineNearest/uint8/velquad")->Unit(benchmark::kMillisecond);
@@ -60,7 +62,7 @@ BENCHMARK(affine<std::uint8_t, kTrilinear>)
 BENCHMARK(affine<float, kTrilinear>)->Name("affineLinear/float/velquad")->Unit(benchmark::kMillisecond);
 
 /// Integers are filtered in a copy of floats and rounded once, as the peers do. The volume is blurred in place, further
-/// with every round; the time does not depend on the values.
+/// with every round: the time does not depend on the values.
 template <class T>
 void blur(benchmark::State& state) {
     Volume<T> volume;
@@ -72,6 +74,7 @@ void blur(benchmark::State& state) {
                                 nullptr, nullptr);
         benchmark::ClobberMemory();
     }
+    volume.showMean(state);
 }
 
 BENCHMARK(blur<std::uint8_t>)->Name("blur/uint8/velquad")->Unit(benchmark::kMillisecond);

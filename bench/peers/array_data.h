@@ -46,6 +46,15 @@ std::vector<void*> rowTable(std::vector<T>& values, std::size_t width) {
     return rows;
 }
 
+/// Shows the mean of a result, which tells whether the peers have done the same.
+template <class T>
+void showMean(benchmark::State& state, const T* values, std::size_t count) {
+    double sum = 0.0;
+    for (std::size_t i = 0; i < count; ++i)
+        sum += static_cast<double>(values[i]);
+    state.counters["mean"] = sum / static_cast<double>(count);
+}
+
 /// A cube without gaps and the tables that name its rows.
 template <class T>
 class Volume {
@@ -57,6 +66,8 @@ class Volume {
     }
 
     void*** slices() { return slices_.data(); }
+
+    void showMean(benchmark::State& state) const { bench::showMean(state, values_.data(), values_.size()); }
 
   private:
     std::vector<T> values_;

@@ -46,6 +46,8 @@ void measure(benchmark::State& state, Filter& filter) {
         filter.Update();
         benchmark::ClobberMemory();
     }
+    const auto* result = filter.GetOutput();
+    showMean(state, result->GetBufferPointer(), result->GetPixelContainer()->Size());
 }
 
 template <class T, template <class, class> class Interpolator>

@@ -25,6 +25,7 @@ void zoom(benchmark::State& state) {
         cv::resize(source, destination, destination.size(), 0.0, 0.0, Interpolation);
         benchmark::ClobberMemory();
     }
+    showMean(state, destination.ptr<T>(), destination.total());
 }
 
 BENCHMARK(zoom<std::uint8_t, cv::INTER_NEAREST>)->Name("zoomNearest/uint8/opencv")->Apply(zoomSizes);
