@@ -146,10 +146,15 @@ const FactorTable& factorTable() {
 /// @param prepare  stores the elements to transform in the arrays that it is given, those of the result or others.
 template <class Prepare>
 SignalStatus transform(double* re, double* im, std::size_t n, Direction direction, Prepare prepare) {
+    // Without memory the result holds the elements as they were prepared.
+    const auto refuse = [&](const WorkingBlock& block) {
+        prepare(re, im);
+        return block.status();
+    };
     const WorkingBlock first(n * sizeof(double));
-    if (first.status() != kSignalOk) return first.status();
+    if (first.status() != kSignalOk) return refuse(first);
     const WorkingBlock second(n * sizeof(double));
-    if (second.status() != kSignalOk) return second.status();
+    if (second.status() != kSignalOk) return refuse(second);
     auto* const firstBuffer = first.as<double>();
     auto* const secondBuffer = second.as<double>();
     FftData data = {re, im, n, factorTable().cosines(), factorTable().sines(direction)};

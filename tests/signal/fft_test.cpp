@@ -202,6 +202,27 @@ TEST(Fft, LackOfMemoryAndOfALockHaveTheirOwnStatus) {
     EXPECT_EQ(matInvFFT(re.data(), im.data(), 16, re.data()), 2U);
 }
 
+TEST(Fft, WithoutMemoryTheResultHoldsThePreparedElements) {
+    for (const unsigned int n : {4U, 128U}) {
+        const Doubles signal(n, 3.0);
+        Doubles re(n, kUntouched), im(n, kUntouched), out(n, kUntouched);
+        failNextBlockCall(BlockCall::kLock);
+        EXPECT_EQ(matFFT(signal.data(), n, re.data(), im.data()), 2U);
+        for (std::size_t k = 0; k < n; ++k) {
+            EXPECT_EQ(re[k], k % 2 == 0 ? 3.0 : -3.0);
+            EXPECT_EQ(im[k], 0.0);
+            im[k] = 2.0;
+        }
+        failNextBlockCall(BlockCall::kLock);
+        EXPECT_EQ(matInvFFT(re.data(), im.data(), n, out.data()), 2U);
+        for (std::size_t k = 0; k < n; ++k) {
+            EXPECT_EQ(re[k], (k % 2 == 0 ? 3.0 : -3.0) / n);
+            EXPECT_EQ(im[k], 2.0 / n);
+            EXPECT_EQ(out[k], kUntouched);
+        }
+    }
+}
+
 TEST(WindowFft, CoversTheLargestPowerOfTwo) {
     Doubles re(1000, 1.0), im(1000, 2.0);
     EXPECT_EQ(matWindowFFT(re.data(), im.data(), 1000, 1), 0U);
