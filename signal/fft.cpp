@@ -5,7 +5,9 @@
 //
 // Every butterfly has the operands and the operations of the plain loops, stage by stage; only the order of
 // butterflies that do not meet differs, and factors that no stage reads are not computed.
+#include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <utility>
 
 #include "frame/kernels.h"
@@ -23,8 +25,14 @@ namespace {
 
 using frame::WorkingBlock;
 
-/// Stages that join fewer elements than this are done in place, block by block.
-constexpr std::size_t kBlock = 8;
+/// Shorter spectra are not worth the kernel of the first stages.
+constexpr std::size_t kLeastOfKernel = 64;
+
+/// Elements whose stages are all done before those of the next ones, so that they stay in the cache.
+constexpr std::size_t kCached = 32768;
+
+/// Spectra of up to so many elements take their factors from a table that is made once.
+constexpr std::size_t kTabulated = 4096;
 
 enum class Direction { kForward, kInverse };
 
@@ -73,9 +81,9 @@ void butterfly(const FftData& data, std::size_t i, std::size_t half, double tr, 
     im[i] += ti;
 }
 
-/// The stages within blocks of `kBlock` elements.
+/// The stages within blocks of `kFftBlock` elements.
 void firstStages(const FftData& data) {
-    const std::size_t block = data.n < kBlock ? data.n : kBlock;
+    const std::size_t block = data.n < kFftBlock ? data.n : kFftBlock;
     for (std::size_t begin = 0; begin < data.n; begin += block) {
         for (std::size_t half = 1; half < block; half *= 2) {
             for (std::size_t group = begin; group < begin + block; group += 2 * half) {
@@ -92,30 +100,88 @@ void firstStages(const FftData& data) {
     }
 }
 
-void runStages(const FftData& data) {
-    firstStages(data);
+/// The stages from that which joins halves of `half` elements on.
+void runStages(const FftData& data, std::size_t half) {
     const FftKernels& kernels = fftKernels();
-    std::size_t half = kBlock;
     for (; 2 * half < data.n; half *= 4)
         kernels.twoStages(data, half);
     if (half < data.n) kernels.stage(data, half);
 }
 
-SignalStatus transform(double* re, double* im, std::size_t n, Direction direction) {
-    const WorkingBlock cosines(n * sizeof(double));
-    if (cosines.status() != kSignalOk) return cosines.status();
-    const WorkingBlock sines(n * sizeof(double));
-    if (sines.status() != kSignalOk) return sines.status();
-    fillFactors(n, direction, cosines.as<double>(), sines.as<double>());
-    reverseBits(re, im, n);
-    runStages({re, im, n, cosines.as<double>(), sines.as<double>()});
+void runLaterStages(const FftData& data) {
+    if (data.n <= kCached) {
+        runStages(data, kFftBlock);
+        return;
+    }
+    for (std::size_t begin = 0; begin < data.n; begin += kCached)
+        runStages({data.re + begin, data.im + begin, kCached, data.cosines, data.sines}, kFftBlock);
+    runStages(data, kCached);
+}
+
+/// A stage has the same factors in spectra of all sizes: the angles differ by powers of two, which cancel.
+class FactorTable {
+  public:
+    FactorTable() {
+        fillFactors(kTabulated, Direction::kInverse, cosines_, sines_);
+        for (std::size_t k = 0; k < kTabulated; ++k)
+            negatedSines_[k] = -sines_[k];
+    }
+
+    const double* cosines() const { return cosines_; }
+    const double* sines(Direction direction) const {
+        return direction == Direction::kForward ? negatedSines_ : sines_;
+    }
+
+  private:
+    double cosines_[kTabulated] = {};
+    double sines_[kTabulated] = {};
+    double negatedSines_[kTabulated] = {};
+};
+
+const FactorTable& factorTable() {
+    static const FactorTable table;
+    return table;
+}
+
+/// @param prepare  stores the elements to transform in the arrays that it is given, those of the result or others.
+template <class Prepare>
+SignalStatus transform(double* re, double* im, std::size_t n, Direction direction, Prepare prepare) {
+    // Without memory the result holds the elements as they were prepared.
+    const auto refuse = [&](const WorkingBlock& block) {
+        prepare(re, im);
+        return block.status();
+    };
+    const WorkingBlock first(n * sizeof(double));
+    if (first.status() != kSignalOk) return refuse(first);
+    const WorkingBlock second(n * sizeof(double));
+    if (second.status() != kSignalOk) return refuse(second);
+    auto* const firstBuffer = first.as<double>();
+    auto* const secondBuffer = second.as<double>();
+    FftData data = {re, im, n, factorTable().cosines(), factorTable().sines(direction)};
+    if (n < kLeastOfKernel) {
+        prepare(re, im);
+        reverseBits(re, im, n);
+        firstStages(data);
+    } else {
+        prepare(firstBuffer, secondBuffer);
+        fftKernels().firstStages({firstBuffer, secondBuffer}, data);
+    }
+    if (n > kTabulated) {
+        fillFactors(n, direction, firstBuffer, secondBuffer);
+        data.cosines = firstBuffer;
+        data.sines = secondBuffer;
+    }
+    runLaterStages(data);
     return kSignalOk;
 }
 
 /// A sign that alternates in the signal moves the zero frequency to the middle of the spectrum.
-void negateOdd(double* values, std::size_t n) {
-    for (std::size_t k = 1; k < n; k += 2)
-        values[k] = -values[k];
+void copyAlternating(const double* from, std::size_t n, double* to) {
+    for (std::size_t k = 0; k + 1 < n; k += 2) {
+        to[k] = from[k];
+        to[k + 1] = -from[k + 1];
+    }
+    if (n == 1) to[0] = from[0];
 }
 
 }  // namespace
@@ -128,12 +194,11 @@ extern "C" unsigned int matFFT(const double* in, unsigned int n, double* real, d
     if (n == 0) return kSignalOk;
     if (!isPowerOfTwo(n) || in == nullptr || real == nullptr || imaginary == nullptr)
         return kSignalBadArgument;
-    for (std::size_t k = 0; k < n; ++k) {
-        real[k] = in[k];
-        imaginary[k] = 0.0;
-    }
-    negateOdd(real, n);
-    return static_cast<unsigned int>(transform(real, imaginary, n, Direction::kForward));
+    const auto shiftedSignal = [&](double* re, double* im) {
+        copyAlternating(in, n, re);
+        std::fill_n(im, n, 0.0);
+    };
+    return static_cast<unsigned int>(transform(real, imaginary, n, Direction::kForward, shiftedSignal));
 }
 
 extern "C" unsigned int matInvFFT(double* real, double* imaginary, unsigned int n, double* out) {
@@ -142,14 +207,15 @@ extern "C" unsigned int matInvFFT(double* real, double* imaginary, unsigned int 
         return kSignalBadArgument;
     // Exact unless the quotient is subnormal, and then the same: n is a power of two.
     const double factor = 1.0 / static_cast<double>(n);
-    for (std::size_t k = 0; k < n; ++k) {
-        real[k] *= factor;
-        imaginary[k] *= factor;
-    }
-    const SignalStatus status = transform(real, imaginary, n, Direction::kInverse);
+    const auto scaledSpectrum = [&](double* re, double* im) {
+        for (std::size_t k = 0; k < n; ++k) {
+            re[k] = real[k] * factor;
+            im[k] = imaginary[k] * factor;
+        }
+    };
+    const SignalStatus status = transform(real, imaginary, n, Direction::kInverse, scaledSpectrum);
     if (status != kSignalOk) return static_cast<unsigned int>(status);
-    negateOdd(real, n);
-    for (std::size_t k = 0; k < n; ++k)
-        out[k] = real[k];
+    copyAlternating(real, n, real);
+    std::memmove(out, real, n * sizeof(double));
     return kSignalOk;
 }

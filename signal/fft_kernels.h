@@ -17,7 +17,18 @@ struct FftData {
     const double* sines;
 };
 
+/// Elements in their own order, apart from those of the spectrum.
+struct FftSource {
+    const double* re;
+    const double* im;
+};
+
+/// Elements that the first three stages join.
+constexpr std::size_t kFftBlock = 8;
+
 struct FftKernels {
+    /// The elements in bit-reversed order, and the stages within blocks of `kFftBlock`. 64 elements or more.
+    void (*firstStages)(const FftSource& source, const FftData& data);
     /// The stage that joins halves of `half` elements, 8 or more.
     void (*stage)(const FftData& data, std::size_t half);
     /// That stage and the next one.

@@ -37,7 +37,7 @@ extern "C" {
 ///   (4) The inverse transform divides by n, the forward one does not.
 /// @return `velquad::SignalStatus`: 1 when memory is lacking, 2 when it cannot be locked; the arrays then hold
 ///         neither the signal nor its transform. 3 for a null array.
-/// @par Cost    O(n log n) and n sines and cosines; memory for 2 n doubles.
+/// @par Cost    O(n log n), with n sines and cosines above 4096 values; memory for 2 n doubles.
 /// @par Source  J. W. Cooley, J. W. Tukey, Mathematics of Computation 19 (1965).
 /// @{
 

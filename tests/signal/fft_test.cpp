@@ -162,7 +162,7 @@ TEST(Fft, EveryLevelGivesTheBitsOfThePlainLoops) {
     const std::size_t usual = frame::kernelLevel();
     for (std::size_t level = 0; level < frame::kernelLevelCount(); ++level) {
         frame::selectKernelLevel(level);
-        for (std::size_t n = 1; n <= 16384; n *= 2) {
+        for (std::size_t n = 1; n <= 131072; n *= 2) {
             SCOPED_TRACE(testing::Message() << frame::kernelLevelName(level) << " " << n);
             Doubles signal = randomSignal(random, n);
             if (n > 4) signal[n / 3] = -0.0;
@@ -200,6 +200,27 @@ TEST(Fft, LackOfMemoryAndOfALockHaveTheirOwnStatus) {
     EXPECT_EQ(matFFT(re.data(), 16, re.data(), im.data()), 2U);
     failNextBlockCall(BlockCall::kLock);
     EXPECT_EQ(matInvFFT(re.data(), im.data(), 16, re.data()), 2U);
+}
+
+TEST(Fft, WithoutMemoryTheResultHoldsThePreparedElements) {
+    for (const unsigned int n : {4U, 128U}) {
+        const Doubles signal(n, 3.0);
+        Doubles re(n, kUntouched), im(n, kUntouched), out(n, kUntouched);
+        failNextBlockCall(BlockCall::kLock);
+        EXPECT_EQ(matFFT(signal.data(), n, re.data(), im.data()), 2U);
+        for (std::size_t k = 0; k < n; ++k) {
+            EXPECT_EQ(re[k], k % 2 == 0 ? 3.0 : -3.0);
+            EXPECT_EQ(im[k], 0.0);
+            im[k] = 2.0;
+        }
+        failNextBlockCall(BlockCall::kLock);
+        EXPECT_EQ(matInvFFT(re.data(), im.data(), n, out.data()), 2U);
+        for (std::size_t k = 0; k < n; ++k) {
+            EXPECT_EQ(re[k], (k % 2 == 0 ? 3.0 : -3.0) / n);
+            EXPECT_EQ(im[k], 2.0 / n);
+            EXPECT_EQ(out[k], kUntouched);
+        }
+    }
 }
 
 TEST(WindowFft, CoversTheLargestPowerOfTwo) {

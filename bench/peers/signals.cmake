@@ -1,0 +1,36 @@
+# Fourier transforms of signals next to FFTW, the GNU Scientific Library and KissFFT.
+velquad_add_benchmarks(peer_signals
+    fft_bench.cpp
+)
+
+find_path(VELQUAD_PEER_FFTW_INCLUDE fftw3.h)
+find_library(VELQUAD_PEER_FFTW fftw3)
+mark_as_advanced(VELQUAD_PEER_FFTW_INCLUDE VELQUAD_PEER_FFTW)
+if(VELQUAD_PEER_FFTW_INCLUDE AND VELQUAD_PEER_FFTW)
+    target_sources(peer_signals_bench PRIVATE fft_fftw_bench.cpp)
+    target_include_directories(peer_signals_bench SYSTEM PRIVATE ${VELQUAD_PEER_FFTW_INCLUDE})
+    target_link_libraries(peer_signals_bench PRIVATE ${VELQUAD_PEER_FFTW})
+else()
+    message(STATUS "Benchmarks against FFTW skipped: it is not installed")
+endif()
+
+find_path(VELQUAD_PEER_GSL_INCLUDE gsl/gsl_fft_complex.h)
+find_library(VELQUAD_PEER_GSL gsl)
+find_library(VELQUAD_PEER_GSL_CBLAS gslcblas)
+mark_as_advanced(VELQUAD_PEER_GSL_INCLUDE VELQUAD_PEER_GSL VELQUAD_PEER_GSL_CBLAS)
+if(VELQUAD_PEER_GSL_INCLUDE AND VELQUAD_PEER_GSL AND VELQUAD_PEER_GSL_CBLAS)
+    target_sources(peer_signals_bench PRIVATE fft_gsl_bench.cpp)
+    target_include_directories(peer_signals_bench SYSTEM PRIVATE ${VELQUAD_PEER_GSL_INCLUDE})
+    target_link_libraries(peer_signals_bench PRIVATE ${VELQUAD_PEER_GSL} ${VELQUAD_PEER_GSL_CBLAS})
+else()
+    message(STATUS "Benchmarks against the GNU Scientific Library skipped: it is not installed")
+endif()
+
+find_path(VELQUAD_PEER_KISSFFT_INCLUDE kissfft/kissfft.hh)
+mark_as_advanced(VELQUAD_PEER_KISSFFT_INCLUDE)
+if(VELQUAD_PEER_KISSFFT_INCLUDE)
+    target_sources(peer_signals_bench PRIVATE fft_kissfft_bench.cpp)
+    target_include_directories(peer_signals_bench SYSTEM PRIVATE ${VELQUAD_PEER_KISSFFT_INCLUDE})
+else()
+    message(STATUS "Benchmarks against KissFFT skipped: its headers are not installed")
+endif()
