@@ -68,6 +68,20 @@ int roughness(const GreyImage& image, int left, int top) {
     return sum;
 }
 
+/// Whether grey levels are still apart with the lowest contrast that the pictures show.
+bool hasContrast(const GreyImage& image) {
+    constexpr int kLeastRange = 3;
+    int least = 255;
+    int greatest = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            least = std::min<int>(least, image.at(x, y));
+            greatest = std::max<int>(greatest, image.at(x, y));
+        }
+    }
+    return greatest - least >= kLeastRange;
+}
+
 RECT roughestDetail(const GreyImage& image) {
     int most = -1;
     RECT detail{};
@@ -91,6 +105,7 @@ Scene photographedScene(const std::string& path) {
                                 " x " + std::to_string(kSceneHeight) + " pixels are needed");
     }
     const GreyImage image = reduced(photo);
+    if (!hasContrast(image)) throw examples::Failure("'" + path + "' shows nothing but one grey");
     return {image, roughestDetail(image), 255.0};
 }
 

@@ -11,7 +11,7 @@ namespace gallery {
 
 /// The middle of a PNG image in grey, as large as its shape allows and reduced to the size of a scene, with a detail
 /// where neighbouring pixels differ most.
-/// @throws examples::Failure for what cannot be read and for an image smaller than a scene.
+/// @throws examples::Failure for what cannot be read, an image smaller than a scene and an even grey.
 Scene photographedScene(const std::string& path);
 
 }  // namespace gallery

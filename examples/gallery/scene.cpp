@@ -117,7 +117,7 @@ double traced(Vector start, Vector direction) {
 Scene drawnScene() {
     constexpr int kSamples = 4;  // along each side of a pixel
     constexpr Vector kCamera{0.25, 1.35, -4.6};
-    constexpr RECT kDetail{88, 74, 123, 100};  // edges of two balls and the shadows between them
+    constexpr RECT kDetail{88, 74, 123, 100};  // the light ball in the mirror
     GreyImage image(kSceneWidth, kSceneHeight);
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
