@@ -23,9 +23,8 @@ constexpr const char* kUsage =
     "Draws what functions of VELQUAD do, as PNG files and index.html.\n"
     "\n"
     "  DIR             where to write (default: gallery)\n"
-    "  --picture FILE  a photograph as PNG, at least 240 x 180 pixels; what is done to images is then shown "
-    "with\n"
-    "                  its middle instead of a drawn scene\n"
+    "  --picture FILE  a photograph as PNG, at least 240 x 180 pixels, whose middle takes the place of the\n"
+    "                  drawn scene\n"
     "  --help          this text\n";
 
 struct Options {
