@@ -10,6 +10,8 @@ for example in examples/*/CMakeLists.txt; do
     cmake --build "$work" >/dev/null
     ctest --test-dir "$work" --output-on-failure --no-tests=ignore
 done
-# The mosaic of a photograph, where the demo could get one.
+# The mosaic and the gallery with a photograph, where the demo could get one.
 picture=build/demo/picture/coins.png
-[ ! -s "$picture" ] || examples/mosaic/test.sh build/examples/mosaic/mosaic "$picture"
+for example in mosaic gallery; do
+    [ ! -s "$picture" ] || "examples/$example/test.sh" "build/examples/$example/$example" "$picture"
+done

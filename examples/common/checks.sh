@@ -1,8 +1,10 @@
 # Sourced by the tests of the examples, which set `program` to what they test. Gives them a directory `work` and the
-# checks below; `finish` ends the test.
+# checks below; `finish` ends the test. Where a program takes its output directory without an option, they empty
+# `outputOption` afterwards.
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 failures=0
+outputOption=(--out)
 programName=$(basename "$program")
 
 fail() {
@@ -15,7 +17,7 @@ fail() {
 expectFailure() {
     local what=$1 status=$2 actual=0
     shift 2
-    "$program" --out "$work/none" "$@" >"$work/stdout" 2>"$work/stderr" || actual=$?
+    "$program" "${outputOption[@]}" "$work/none" "$@" >"$work/stdout" 2>"$work/stderr" || actual=$?
     [ "$actual" -eq "$status" ] || fail "$what: status $actual, expected $status"
     [ "$(wc -l <"$work/stderr")" -eq 1 ] || fail "$what: not one line: $(cat "$work/stderr")"
     grep -q "^$programName: ." "$work/stderr" || fail "$what: says $(cat "$work/stderr")"

@@ -1,4 +1,4 @@
-// A photograph zoomed in each way, its region, its limits and a linear map of its values.
+// A scene zoomed in each way, its region, its limits and a linear map of its values.
 #include <velquad/array.h>
 
 #include <cstddef>
@@ -119,15 +119,15 @@ void drawWithHistogram(Canvas& canvas, int left, int top, const GreyImage& image
 
 }  // namespace
 
-Canvas drawZooms() {
+Canvas drawZooms(const Scene& scene) {
     constexpr int kPanelWidth = 288;
     constexpr int kPanelHeight = 216;
     constexpr int kDetailScale = 3;
     constexpr int kSmallScale = 4;
     constexpr int kRow = 40;  // of the details, drawn as a curve: it lies on the old row 15
     constexpr int kOldRow = 15;
-    const GreyImage image = photograph();
-    const RECT detail{88, 74, 123, 100};
+    const GreyImage& image = scene.image;
+    const RECT& detail = scene.detail;
 
     const int plotLeft = 2 * kGap + 2 * image.width();
     const int width = 4 * kGap + 3 * kPanelWidth;
@@ -139,7 +139,7 @@ Canvas drawZooms() {
     const Plot plot(canvas,
                     {static_cast<double>(plotLeft), static_cast<double>(kGap),
                      static_cast<double>(width - kGap), static_cast<double>(detailTop - kGap)},
-                    {0.0, kPanelWidth / kDetailScale - 1.0}, {0.0, 170.0});
+                    {0.0, kPanelWidth / kDetailScale - 1.0}, {0.0, scene.detailWhite});
     int left = kGap;
     for (const Kind& kind : kKinds) {
         const GreyImage large =
@@ -157,9 +157,9 @@ Canvas drawZooms() {
     return canvas;
 }
 
-Canvas drawLimits() {
-    constexpr int kColumn = 240 + kGap + 192 + 2 * kGap;
-    GreyImage dull = photograph();
+Canvas drawLimits(const Scene& scene) {
+    constexpr int kColumn = kSceneWidth + kGap + 192 + 2 * kGap;
+    GreyImage dull = scene.image;
     transform(dull.rows(), dull.columnCount(), dull.rowCount(), 0.0, 0.42, 62.0);
     const int secondTop = 2 * kGap + dull.height();
     Canvas canvas(2 * kColumn, secondTop + dull.height() + kGap, 1, Grid::kHidden);

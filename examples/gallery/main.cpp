@@ -1,26 +1,46 @@
 // Draws what functions of VELQUAD do, enlarged until single pixels show, as PNG files and a page around them.
 //
-//     gallery [DIR]        DIR: where to write, default "gallery"
+//     gallery [DIR] [--picture FILE]
 //
 // Exit status: 0 done, 1 failed with one line on standard error, 2 wrong usage.
-#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <stdexcept>
 #include <string>
 
+#include "photograph.h"
 #include "pictures.h"
 #include "png_file.h"
+#include "program.h"
+#include "scene.h"
 
 namespace gallery {
 namespace {
+
+constexpr const char* kUsage =
+    "Usage: gallery [DIR] [--picture FILE]\n"
+    "Draws what functions of VELQUAD do, as PNG files and index.html.\n"
+    "\n"
+    "  DIR             where to write (default: gallery)\n"
+    "  --picture FILE  a photograph as PNG, at least 240 x 180 pixels, whose middle takes the place of the\n"
+    "                  drawn scene\n"
+    "  --help          this text\n";
+
+struct Options {
+    std::string outputDirectory;
+    std::string photograph;  ///< Empty for the drawn scene.
+    bool help = false;
+};
 
 struct Picture {
     const char* file;
     const char* title;
     const char* text;
-    Canvas (*draw)();
+    Canvas (*draw)();  ///< Null for a picture of the scene, which has the members below.
+    Canvas (*drawScene)(const Scene&) = nullptr;
+    const char* drawnEnd = "";       ///< How the text ends with the drawn scene,
+    const char* photographEnd = "";  ///< and with a photograph.
 };
 
 constexpr Picture kPictures[] = {
@@ -161,15 +181,18 @@ constexpr Picture kPictures[] = {
      "matZoomArrayROI2v enlarges the region in red, matZoomArray2v reduces the whole image below; from the "
      "left nearest, bilinear and cubic. On the right a row of the enlarged region in green, blue and "
      "orange, through its old pixels (ink): cubic interpolation swings beyond edges. What is reduced "
-     "consists of samples, not of means, so fine tiles become coarse patterns.",
-     drawZooms},
+     "consists of samples, not of means, so fine",
+     nullptr, drawZooms, " tiles become coarse patterns.",
+     " lines become coarse patterns or break. The image is the middle of a photograph, reduced to 240 by 180 "
+     "pixels."},
     {"limits.png", "Values mapped and limited",
      "Images and their histograms, whose highest bars are cut off. Above a dull image, and the same "
      "stretched to all grey levels by matTransformArray2v, with the range from matGetRangeOfArray2v: the "
      "levels move apart and leave gaps. Below, matClampArray2v keeps values between 90 and 140. On the "
      "right matMapArrayToROI2v has made rows of the region in red, in which matTransformArray2v turns "
      "light into dark.",
-     drawLimits},
+     nullptr, drawLimits, "",
+     " The dull image is the middle of a photograph with less contrast than it had."},
     {"volumes.png", "A volume rotated and blurred",
      "Slices through the middle of a volume: from above across z, across y and across x, where z grows "
      "downwards in the last two. From the left the volume itself, turned around two axes by "
@@ -212,7 +235,7 @@ constexpr Picture kPictures[] = {
      drawVoronoiMaps},
 };
 
-void writePage(const std::string& path) {
+void writePage(const std::string& path, bool isPhotograph) {
     std::ofstream page(path);
     page << "<!doctype html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n<title>VELQUAD "
             "gallery</title>\n"
@@ -222,35 +245,57 @@ void writePage(const std::string& path) {
             "</style>\n</head>\n<body>\n<h1>Gallery</h1>\n";
     for (const Picture& picture : kPictures) {
         page << "<h2>" << picture.title << "</h2>\n<figure>\n<img src=\"" << picture.file << "\" alt=\""
-             << picture.title << "\">\n<figcaption>" << picture.text << "</figcaption>\n</figure>\n";
+             << picture.title << "\">\n<figcaption>" << picture.text
+             << (isPhotograph ? picture.photographEnd : picture.drawnEnd) << "</figcaption>\n</figure>\n";
     }
     page << "</body>\n</html>\n";
     page.close();
     if (!page) throw std::runtime_error("cannot write '" + path + "'");
 }
 
-void run(const std::filesystem::path& directory) {
-    std::filesystem::create_directories(directory);
+Options parse(examples::CommandLine line) {
+    Options options;
+    while (!line.atEnd()) {
+        const std::string& argument = line.next();
+        if (argument == "--picture") {
+            examples::takePicture(line.value(), options.photograph);
+        } else if (argument == "--help" || argument == "-h") {
+            options.help = true;
+        } else if (argument.rfind('-', 0) == 0) {
+            throw examples::UsageError("unknown option " + argument + " (see --help)");
+        } else if (argument.empty()) {
+            throw examples::UsageError("the name of the directory is empty");
+        } else if (!options.outputDirectory.empty()) {
+            throw examples::UsageError("more than one directory given (see --help)");
+        } else {
+            options.outputDirectory = argument;
+        }
+    }
+    if (options.outputDirectory.empty()) options.outputDirectory = "gallery";
+    return options;
+}
+
+void run(const Options& options) {
+    const bool isPhotograph = !options.photograph.empty();
+    const Scene scene = isPhotograph ? photographedScene(options.photograph) : drawnScene();
+    const std::filesystem::path directory = examples::makeDirectory(options.outputDirectory);
     for (const Picture& picture : kPictures) {
-        Canvas canvas = picture.draw();
+        Canvas canvas = picture.draw != nullptr ? picture.draw() : picture.drawScene(scene);
         writePng((directory / picture.file).string(), canvas);
     }
-    writePage((directory / "index.html").string());
+    writePage((directory / "index.html").string(), isPhotograph);
 }
 
 }  // namespace
 }  // namespace gallery
 
 int main(int argc, char** argv) {
-    if (argc > 2 || (argc == 2 && argv[1][0] == '-')) {
-        std::cerr << "usage: gallery [DIR]\n";
-        return 2;
-    }
-    try {
-        gallery::run(argc == 2 ? argv[1] : "gallery");
-    } catch (const std::exception& error) {
-        std::cerr << "gallery: " << error.what() << '\n';
-        return 1;
-    }
-    return 0;
+    return examples::runProgram("gallery", [&] {
+        const gallery::Options options = gallery::parse(examples::CommandLine(argc, argv));
+        if (options.help) {
+            std::cout << gallery::kUsage;
+        } else {
+            gallery::run(options);
+        }
+    });
 }

@@ -7,6 +7,8 @@
 
 namespace gallery {
 
+struct Scene;
+
 /// Raster lines from one pixel in many directions.
 Canvas drawFanOfLines();
 /// A line, and the same line with its ends exchanged.
@@ -61,10 +63,10 @@ Canvas drawIntensityCurves();
 Canvas drawStretchedImage();
 /// Lengths of digital circles against those of true ones.
 Canvas drawPerimeters();
-/// A photograph enlarged and reduced by each kind of interpolation.
-Canvas drawZooms();
-/// A photograph mapped linearly, limited and inverted in a region.
-Canvas drawLimits();
+/// A scene enlarged and reduced by each kind of interpolation.
+Canvas drawZooms(const Scene& scene);
+/// A scene mapped linearly, limited and inverted in a region.
+Canvas drawLimits(const Scene& scene);
 /// Slices of a volume, of the same volume rotated and of it blurred.
 Canvas drawVolumes();
 /// The cells of digital discs by their distance from the middle.

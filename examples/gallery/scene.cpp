@@ -114,10 +114,11 @@ double traced(Vector start, Vector direction) {
 
 }  // namespace
 
-GreyImage photograph() {
+Scene drawnScene() {
     constexpr int kSamples = 4;  // along each side of a pixel
     constexpr Vector kCamera{0.25, 1.35, -4.6};
-    GreyImage image(240, 180);
+    constexpr RECT kDetail{88, 74, 123, 100};  // the light ball in the mirror
+    GreyImage image(kSceneWidth, kSceneHeight);
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
             double sum = 0.0;
@@ -130,7 +131,7 @@ GreyImage photograph() {
             image.at(x, y) = static_cast<unsigned char>(level < 255.0 ? level + 0.5 : 255.0);
         }
     }
-    return image;
+    return {image, kDetail, 170.0};
 }
 
 }  // namespace gallery

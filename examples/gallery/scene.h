@@ -1,5 +1,5 @@
 /// @file
-/// A grey image like a photograph, for the pictures.
+/// A grey image for the pictures of what is done to images.
 #ifndef GALLERY_SCENE_H
 #define GALLERY_SCENE_H
 
@@ -7,8 +7,21 @@
 
 namespace gallery {
 
-/// Three balls on a tiled floor, one of them a mirror; 240 by 180 pixels.
-GreyImage photograph();
+inline constexpr int kSceneWidth = 240;
+inline constexpr int kSceneHeight = 180;
+/// The size of what is enlarged, in pixels of the scene.
+inline constexpr int kDetailWidth = 36;
+inline constexpr int kDetailHeight = 27;
+
+/// An image of `kSceneWidth` by `kSceneHeight` pixels, and where to look closer.
+struct Scene {
+    GreyImage image;
+    RECT detail;         ///< `kDetailWidth` by `kDetailHeight` pixels.
+    double detailWhite;  ///< Where curves of the detail's grey levels may end.
+};
+
+/// Three balls on a tiled floor, one of them a mirror.
+Scene drawnScene();
 
 }  // namespace gallery
 

@@ -1,28 +1,16 @@
 #!/usr/bin/env bash
-# Checks the gallery program from outside: that it writes its pictures and the page, the same bits every time,
-# and that bad input ends with one line and a failure status.
+# Checks the gallery program from outside: that it writes its pictures and the page, the same bits every time, with a
+# photograph too, and that bad input ends with one line on standard error, a failure status and no output.
 #
-#     test.sh GALLERY_PROGRAM
+#     test.sh GALLERY_PROGRAM [PICTURE...]
+#
+# Pictures of the caller's own are shown too.
 set -euo pipefail
 
-gallery=$1
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-
-fail() {
-    echo "FAILED: $*" >&2
-    exit 1
-}
-
-"$gallery" "$work/first"
-"$gallery" "$work/second"
-diff -r "$work/first" "$work/second" || fail "two runs differ"
-[ -s "$work/first/index.html" ] || fail "no page"
-grep -o 'src="[^"]*"' "$work/first/index.html" | sed 's/src="//; s/"//' >"$work/pictures"
-[ "$(wc -l <"$work/pictures")" -eq "$(find "$work/first" -name '*.png' | wc -l)" ] || fail "pictures and page differ"
-while read -r picture; do
-    [ "$(head -c 4 "$work/first/$picture" | tail -c 3)" = PNG ] || fail "$picture is not a PNG"
-done <"$work/pictures"
+program=$1
+shift
+source "$(dirname "${BASH_SOURCE[0]}")/../common/checks.sh"
+outputOption=()
 
 # Every picture by name and size: columns and rows times zoom, and one more for the last grid line.
 cat >"$work/expected" <<'END'
@@ -63,15 +51,55 @@ surfaces.png 957 463
 vertices_in_rectangle.png 941 361
 voronoi_maps.png 943 449
 END
-big_endian_32() { # FILE OFFSET
-    od -An -tu1 -j "$2" -N 4 "$1" | awk '{ print (($1 * 256 + $2) * 256 + $3) * 256 + $4 }'
+# expectGallery NAME FOLDER: a page with every picture, in order and by size, none in the place of another one.
+expectGallery() {
+    local name=$1 folder=$2 picture
+    grep -o 'src="[^"]*"' "$folder/index.html" | sed 's/src="//; s/"//' >"$work/pictures"
+    while read -r picture; do
+        [ "$(head -c 4 "$folder/$picture" | tail -c 3)" = PNG ] || fail "$name: $picture is not a PNG"
+        echo "$picture $(pictureSize "$folder/$picture")"
+    done <"$work/pictures" >"$work/found"
+    diff "$work/expected" "$work/found" || fail "$name: names, order or sizes of the pictures"
+    [ "$(find "$folder" -type f | wc -l)" -eq "$(($(wc -l <"$work/pictures") + 1))" ] ||
+        fail "$name: other files than these"
+    [ -z "$(cksum "$folder"/*.png | cut -d ' ' -f 1,2 | sort | uniq -d)" ] || fail "$name: two pictures are the same"
 }
-while read -r picture; do
-    echo "$picture $(big_endian_32 "$work/first/$picture" 16) $(big_endian_32 "$work/first/$picture" 20)"
-done <"$work/pictures" >"$work/found"
-diff "$work/expected" "$work/found" || fail "names, order or sizes of the pictures"
-# No picture took the place of another one.
-[ -z "$(cksum "$work"/first/*.png | cut -d ' ' -f 1,2 | sort | uniq -d)" ] || fail "two pictures are the same"
+
+# expectPhotograph NAME FOLDER: the drawn gallery but for the two pictures of a photograph, and their texts tell.
+expectPhotograph() {
+    local name=$1 folder=$2 picture
+    expectGallery "$name" "$folder"
+    while read -r picture _; do
+        case $picture in
+            zooms.png | limits.png)
+                ! cmp -s "$work/first/$picture" "$folder/$picture" || fail "$name: $picture shows the drawn scene"
+                ;;
+            *) cmp "$work/first/$picture" "$folder/$picture" || fail "$name: $picture shows something else" ;;
+        esac
+    done <"$work/expected"
+    [ "$(grep -c 'figcaption>.* photograph' "$folder/index.html")" -eq 2 ] || fail "$name: texts of the photograph"
+}
+
+"$program" "$work/first"
+expectGallery "drawn scene" "$work/first"
+! grep -q photograph "$work/first/index.html" || fail "the drawn scene is called a photograph"
+"$program" "$work/second"
+diff -r "$work/first" "$work/second" || fail "two runs differ"
+
+# A coloured picture, wider than a scene's shape; and one that is as high as it is wide.
+"$program" "$work/zooms" --picture "$work/first/limits.png"
+expectPhotograph "picture from a file" "$work/zooms"
+"$program" --picture "$work/first/lines.png" "$work/lines"
+expectPhotograph "square picture" "$work/lines"
+cmp -s "$work/zooms/zooms.png" "$work/lines/zooms.png" && fail "two photographs look the same"
+"$program" "$work/again" --picture "$work/first/lines.png"
+diff -r "$work/lines" "$work/again" || fail "two runs with a photograph differ"
+
+for picture in "$@"; do
+    "$program" "$work/own" --picture "$picture"
+    expectPhotograph "$(basename "$picture")" "$work/own"
+done
+
 # Each picture is explained by the function that it shows.
 for name in matGetBresenhamLine CMatBresenhamLine matClipLine2L matClipLine2D matComputeArrow matCalcEllipse \
     matSavitzkyGolay matMeanValue matFFTSmooth matFFT matWindowFFT matMapFFTData matMeanEnvelope \
@@ -88,12 +116,28 @@ for name in matGetBresenhamLine CMatBresenhamLine matClipLine2L matClipLine2D ma
     grep -q "figcaption>.*$name" "$work/first/index.html" || fail "the page does not name $name"
 done
 
-touch "$work/file"
+picture=$work/first/lines.png
+expectFailure "missing file" 1 --picture "$work/missing.png"
+expectFailure "not a PNG" 1 --picture "$work/first/index.html"
+head -c 3000 "$picture" >"$work/cut.png"
+expectFailure "file cut short" 1 --picture "$work/cut.png"
+# White squares of 8 x 8 and of 400 x 400 pixels.
+base64 -d >"$work/small.png" <<'END'
+iVBORw0KGgoAAAANSUhEUgAAAAgAAAAIAQAAAADsdIMmAAAADElEQVR42mP4z4ACAT/QB/lnLUmhAAAAAElFTkSuQmCC
+END
+expectFailure "small picture" 1 --picture "$work/small.png"
+base64 -d >"$work/blank.png" <<'END'
+iVBORw0KGgoAAAANSUhEUgAAAZAAAAGQAQAAAACoxAthAAAAVklEQVR42u3LMQ0AAAwDoPo33WrYu8BPehZFURRFURRFURRFURRFURRFURRFURRFURRFURRFURRFURRFURRFURRFURRFURRFURRFURRFURRFURRF+V4GPNjWZIcwu64AAAAASUVORK5CYII=
+END
+expectFailure "nothing to see" 1 --picture "$work/blank.png"
+expectFailure "unknown option" 2 --frobnicate
+expectFailure "option without value" 2 --picture
+expectFailure "two pictures" 2 --picture "$picture" --picture "$picture"
+expectFailure "two directories" 2 b
+expectFailure "empty name of a picture" 2 --picture ""
+touch "$work/plain"
 status=0
-"$gallery" "$work/file/below" 2>"$work/stderr" || status=$?
+"$program" "$work/plain/below" 2>"$work/stderr" || status=$?
 [ "$status" -eq 1 ] || fail "output below a file: status $status"
 [ "$(wc -l <"$work/stderr")" -eq 1 ] || fail "output below a file: not one line"
-status=0
-"$gallery" a b 2>"$work/stderr" || status=$?
-[ "$status" -eq 2 ] || fail "two directories: status $status"
-echo "all checks passed"
+finish
