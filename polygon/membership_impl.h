@@ -151,7 +151,7 @@ int isPointInside(const Point* points, DWORD count, const Point& test) {
     // Kept: a flat outline has no inside and no outline between its vertices.
     if (!start.isFound) return kOutside;
     const DWORD target = start.index + 1 == count ? 0 : start.index + 1;
-    const EdgeFilter<Point> filter(test, points[target]);
+    const EdgeFilter<Point> filter(test, points[target], points, count);
     RayCrossings<Point> crossings(test, points[target]);
     const bool isOffOutline = visitEdges(points, start.index, count - 1, filter, crossings) &&
                               crossings.visit(points[count - 1], points[0]) &&

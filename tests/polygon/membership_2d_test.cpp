@@ -3,9 +3,11 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
 #include <string>
 #include <vector>
 
+#include "frame/kernels.h"
 #include "tests/support/polygon2d_reference.h"
 #include "tests/support/random_outline_2d.h"
 #include "velquad/polygon.h"
@@ -166,6 +168,101 @@ TEST(Membership2DTest, MatchesTheReferenceOnLongOutlines) {
             test.y += unit(random);
             ASSERT_EQ(inside(outline, test), velquad::test::reference2d::isPointInside(outline, test));
         }
+    }
+}
+
+/// Long outlines with all that keeps an edge from being passed over: steps across the line from the test point to the
+/// second vertex, vertices just beside it, edges that are vertical but for a few bits, leaps, and no numbers.
+class OutlineBesideRay {
+  public:
+    OutlineBesideRay(unsigned seed, double scale) : random_(seed), scale_(scale) {}
+
+    /// @param test  receives the test point.
+    Outline outline(tagPOINT2D& test) {
+        test = {scale_ * unit(), scale_ * unit()};
+        target_ = {scale_ * unit(), scale_ * unit()};
+        Outline result{{scale_ * unit(), scale_ * unit()}, target_};
+        const std::size_t count = 20 + random_() % 300;
+        while (result.size() < count)
+            result.push_back(next(result.back(), test));
+        return result;
+    }
+
+  private:
+    double unit() { return std::uniform_real_distribution<double>(-1.0, 1.0)(random_); }
+
+    tagPOINT2D next(const tagPOINT2D& last, const tagPOINT2D& test) {
+        const double step = scale_ / 64.0;
+        switch (random_() % 128) {
+            case 0:
+            case 1:
+            case 2:
+                return {scale_ * unit(), scale_ * unit()};
+            case 3:
+                return {8.0 * scale_ * unit(), 8.0 * scale_ * unit()};
+            case 4:
+                return random_() % 4 == 0 ? tagPOINT2D{kNaN, last.y} : last;
+            case 5:
+                return random_() % 4 == 0 ? tagPOINT2D{last.x, kInfinity} : last;
+            case 6:
+            case 7:
+            case 8:
+            case 9:
+            case 10: {
+                const double along = 2.0 * unit();
+                const double beside = std::ldexp(unit(), -10 - static_cast<int>(random_() % 44));
+                const double dx = target_.x - test.x;
+                const double dy = target_.y - test.y;
+                return {test.x + along * dx - beside * dy, test.y + along * dy + beside * dx};
+            }
+            default:
+                break;
+        }
+        if (random_() % 3 != 0) return {last.x + step * unit(), last.y + step * unit()};
+        // A width from just above the rounding of coordinates on, or none.
+        const double width = random_() % 2 == 0 ? 0.0 : std::ldexp(unit(), -static_cast<int>(random_() % 54));
+        return {last.x + scale_ * width, last.y + step * unit()};
+    }
+
+    std::mt19937 random_;
+    double scale_;
+    tagPOINT2D target_{};
+};
+
+TEST(Membership2DTest, MatchesTheReferenceForEdgesBesideTheRayAtEveryKernelLevel) {
+    const std::size_t usual = velquad::frame::kernelLevel();
+    for (std::size_t level = 0; level < velquad::frame::kernelLevelCount(); ++level) {
+        velquad::frame::selectKernelLevel(level);
+        for (const double scale : {1e-6, 1.0, 100.0, 30000.0, 1e12, 1e99, 1e150}) {
+            SCOPED_TRACE(testing::Message() << "seed 2660, level " << level << ", scale " << scale);
+            OutlineBesideRay random(2660, scale);
+            int counts[3] = {0, 0, 0};
+            for (int round = 0; round < 1500; ++round) {
+                tagPOINT2D test{};
+                const Outline outline = random.outline(test);
+                const int expected = velquad::test::reference2d::isPointInside(outline, test);
+                ++counts[expected + 1];
+                ASSERT_EQ(inside(outline, test), expected) << "round " << round;
+            }
+            EXPECT_GT(counts[1], 100);
+            EXPECT_GT(counts[2], 100);
+        }
+    }
+    velquad::frame::selectKernelLevel(usual);
+}
+
+TEST(Membership2DTest, RoundingOnAnEdgeThatIsNearlyVerticalCountsAsItAlwaysDid) {
+    // The edge from (100, 10) is one bit wide. Where the ray's line meets its line, far below it, rounding puts the
+    // crossing on the edge; passing over the edge because both ends lie above the ray would give the other answer.
+    const double beside = std::nextafter(100.0, 200.0);
+    for (const double width : {beside - 100.0, 0.0, 1e-9, 1e-3}) {
+        SCOPED_TRACE(width);
+        Outline outline{{300, -50}, {300, 1}, {300, 60}, {100 + width, 60}, {100, 10}};
+        for (int k = 1; k <= 60; ++k)
+            outline.push_back({100.0 - k, 10.0 + k % 2});
+        outline.push_back({40, -50});
+        const tagPOINT2D test{60.5, 0.25};
+        EXPECT_EQ(inside(outline, test), velquad::test::reference2d::isPointInside(outline, test));
     }
 }
 
