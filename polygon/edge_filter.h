@@ -5,7 +5,6 @@
 #include <emmintrin.h>
 
 #include <cmath>
-#include <initializer_list>
 
 #include "frame/convert.h"
 #include "polygon/edge_side_kernels.h"
@@ -49,9 +48,15 @@ class EdgeFilter<tagPOINT> {
     ///         points[i + 1]; `last` when there is none.
     DWORD firstRelevantEdge(const tagPOINT* points, DWORD first, DWORD last) const {
         if (!isEnabled_ || first >= last) return first < last ? first : last;
-        if (isClearlyOn(1, points[first])) return endOfRun(1, points, first + 1, last) - 1;
-        if (isClearlyOn(-1, points[first])) return endOfRun(-1, points, first + 1, last) - 1;
-        return first;
+        const frame::Int32 x = frame::wrapSub(points[first].x, testX_);
+        const frame::Int32 y = frame::wrapSub(points[first].y, testY_);
+        if (!fits16Bits(x) || !fits16Bits(y)) return first;
+        // No branch on the sign: where edges go to and fro across the ray's line it could not be foreseen.
+        const frame::Int32 side = x * dy_ - y * dx_;
+        const frame::Int32 sign = side < 0 ? -1 : 1;
+        // Nor is a run worth beginning there.
+        if (sign * side < margin_ || !isClearlyOn(sign, points[first + 1])) return first;
+        return endOfRun(sign, points, first + 2, last) - 1;
     }
 
   private:
@@ -91,10 +96,10 @@ class EdgeFilter<tagPOINT> {
         return _mm_movemask_epi8(_mm_and_si128(isClear, fits)) == 0xFFFF;
     }
 
-    /// @return the first point in [first, last] that is not clearly on a side; last + 1 when all are.
+    /// @return the first point in [first, last] that is not clearly on a side; last + 1 when all are or there is none.
     DWORD endOfRun(frame::Int32 sign, const tagPOINT* points, DWORD first, DWORD last) const {
         DWORD i = first;
-        while (last - i >= 4 && areFourClearlyOn(sign, points + i))
+        while (i < last && last - i >= 4 && areFourClearlyOn(sign, points + i))
             i += 4;
         while (i <= last && isClearlyOn(sign, points[i]))
             ++i;
@@ -143,12 +148,12 @@ class EdgeFilter<tagPOINT2D> {
     ///         points[i + 1]; `last` when there is none.
     DWORD firstRelevantEdge(const tagPOINT2D* points, DWORD first, DWORD last) const {
         if (!isEnabled_ || first >= last) return first < last ? first : last;
-        for (const double sign : {1.0, -1.0}) {
-            const ClearSide side{sign * dy_, sign * dx_, margin_ + sign * sideOfTest_, reach_,
-                                 kLeastWidth * reach_};
-            if (isClear(points[first], side)) return endOfRun(side, points, first, last);
-        }
-        return first;
+        // No branch on the sign: where edges go to and fro across the ray's line it could not be foreseen.
+        const double sideOfFirst = points[first].x * dy_ - points[first].y * dx_ - sideOfTest_;
+        const double sign = sideOfFirst < 0.0 ? -1.0 : 1.0;
+        const ClearSide side{sign * dy_, sign * dx_, margin_ + sign * sideOfTest_, reach_,
+                             kLeastWidth * reach_};
+        return isClear(points[first], side) ? endOfRun(side, points, first, last) : first;
     }
 
   private:
