@@ -68,12 +68,18 @@ void velquadNearestVertex(benchmark::State& state) {
     });
 }
 
+/// Interpolates as well.
 void velquadLocate(benchmark::State& state) {
-    const Triangulation triangulation(scatteredPoints(static_cast<std::size_t>(state.range(0))));
-    measurePlaces(state, [&](const tagPOINT2D& place) {
+    const std::vector<tagPOINT2D> points = scatteredPoints(static_cast<std::size_t>(state.range(0)));
+    const Triangulation triangulation(points);
+    const auto locate = [&](const tagPOINT2D& place) {
         tagPOINT3D position{place.x, place.y, 0.0};
-        return matFindPositionInDelaunay2D(triangulation.handle(), &position, nullptr, nullptr);
-    });
+        tagPOINT3D corners[3] = {};
+        matFindPositionInDelaunay2D(triangulation.handle(), &position, corners, nullptr);
+        return Triangle{
+            {{corners[0].x, corners[0].y}, {corners[1].x, corners[1].y}, {corners[2].x, corners[2].y}}};
+    };
+    if (checkLocated(state, points, locate)) measurePlaces(state, locate);
 }
 
 BENCHMARK(velquadInsertOneByOne)->Apply(insertionArguments);

@@ -71,10 +71,17 @@ void cgalNearestVertex(benchmark::State& state) {
 
 template <class Triangulation>
 void cgalLocate(benchmark::State& state) {
-    const std::vector<Point> all = cgalPoints(scatteredPoints(static_cast<std::size_t>(state.range(0))));
+    const std::vector<tagPOINT2D> points = scatteredPoints(static_cast<std::size_t>(state.range(0)));
+    const std::vector<Point> all = cgalPoints(points);
     const Triangulation triangulation(all.begin(), all.end());
-    measurePlaces(state,
-                  [&](const tagPOINT2D& place) { return triangulation.locate(Point(place.x, place.y)); });
+    const auto locate = [&](const tagPOINT2D& place) {
+        const auto face = triangulation.locate(Point(place.x, place.y));
+        Triangle result;
+        for (int k = 0; k < 3; ++k)
+            result.corners[k] = {face->vertex(k)->point().x(), face->vertex(k)->point().y()};
+        return result;
+    };
+    if (checkLocated(state, points, locate)) measurePlaces(state, locate);
 }
 
 BENCHMARK(cgalInsertOneByOne)->Apply(insertionArguments);

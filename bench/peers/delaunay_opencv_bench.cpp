@@ -44,13 +44,22 @@ void opencvNearestVertex(benchmark::State& state) {
 }
 
 void opencvLocate(benchmark::State& state) {
-    cv::Subdiv2D triangulation = subdivision(scatteredPoints(static_cast<std::size_t>(state.range(0))));
-    measurePlaces(state, [&](const tagPOINT2D& place) {
+    const std::vector<tagPOINT2D> points = scatteredPoints(static_cast<std::size_t>(state.range(0)));
+    cv::Subdiv2D triangulation = subdivision(points);
+    const auto locate = [&](const tagPOINT2D& place) {
         int edge = 0;
         int vertex = 0;
         triangulation.locate(toFloats(place), edge, vertex);
-        return edge;
-    });
+        Triangle result{};
+        for (tagPOINT2D& corner : result.corners) {
+            cv::Point2f origin;
+            triangulation.edgeOrg(edge, &origin);
+            corner = {static_cast<double>(origin.x), static_cast<double>(origin.y)};
+            edge = triangulation.getEdge(edge, cv::Subdiv2D::NEXT_AROUND_LEFT);
+        }
+        return result;
+    };
+    if (checkLocated(state, points, locate)) measurePlaces(state, locate);
 }
 
 BENCHMARK(opencvInsertOneByOne)->Apply(insertionArguments);

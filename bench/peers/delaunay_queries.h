@@ -33,9 +33,12 @@ inline std::vector<tagPOINT2D> scatteredPoints(std::size_t count, unsigned seed 
     return points;
 }
 
-/// The places that are asked about.
+/// The places that are asked about. None lies near the border, outside all triangles.
 inline std::vector<tagPOINT2D> scatteredPlaces() {
-    return scatteredPoints(1024, 2);
+    std::vector<tagPOINT2D> places = scatteredPoints(1024, 2);
+    for (tagPOINT2D& p : places)
+        p = {kSide / 8.0 + p.x * 0.75, kSide / 8.0 + p.y * 0.75};
+    return places;
 }
 
 inline double squaredDistance(const tagPOINT2D& a, const tagPOINT2D& b) {
@@ -78,6 +81,49 @@ bool checkNearest(benchmark::State& state, const std::vector<tagPOINT2D>& points
         const tagPOINT2D found = nearest(places[k]);
         if (squaredDistance(found, places[k]) == nearestSquaredDistance(points, places[k])) continue;
         state.SkipWithError("not the nearest point");
+        return false;
+    }
+    return true;
+}
+
+/// Twice the signed area of a triangle.
+inline double doubleArea(const tagPOINT2D& a, const tagPOINT2D& b, const tagPOINT2D& c) {
+    return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+}
+
+struct Triangle {
+    tagPOINT2D corners[3];
+
+    bool contains(const tagPOINT2D& place) const {
+        const double total = doubleArea(corners[0], corners[1], corners[2]);
+        bool isInside = total != 0.0;
+        for (int k = 0; k < 3; ++k)
+            isInside = isInside && total * doubleArea(corners[k], corners[(k + 1) % 3], place) >= 0.0;
+        return isInside;
+    }
+
+    /// Tells whether no point lies within the circle through the corners, by more than rounding.
+    bool isDelaunay(const std::vector<tagPOINT2D>& points) const {
+        const auto [a, b, c] = corners;
+        const double scale = 0.5 / doubleArea(a, b, c);
+        const double ab = squaredDistance(a, b);
+        const double ac = squaredDistance(a, c);
+        const tagPOINT2D center{a.x + ((c.y - a.y) * ab - (b.y - a.y) * ac) * scale,
+                                a.y + ((b.x - a.x) * ac - (c.x - a.x) * ab) * scale};
+        constexpr double kRounding = 1e-6;
+        return nearestSquaredDistance(points, center) >= squaredDistance(a, center) * (1.0 - kRounding);
+    }
+};
+
+/// Fails the benchmark unless `locate(place)` is a triangle that holds the place, and whose circle is empty. Of such
+/// triangles there is only one. @return whether it is.
+template <class Locate>
+bool checkLocated(benchmark::State& state, const std::vector<tagPOINT2D>& points, Locate locate) {
+    const std::vector<tagPOINT2D> places = scatteredPlaces();
+    for (std::size_t k = 0; k < 64; ++k) {
+        const Triangle triangle = locate(places[k]);
+        if (triangle.contains(places[k]) && triangle.isDelaunay(points)) continue;
+        state.SkipWithError("not the triangle of the place");
         return false;
     }
     return true;
