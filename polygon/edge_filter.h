@@ -99,8 +99,14 @@ class EdgeFilter<tagPOINT> {
     /// @return the first point in [first, last] that is not clearly on a side; last + 1 when all are or there is none.
     DWORD endOfRun(frame::Int32 sign, const tagPOINT* points, DWORD first, DWORD last) const {
         DWORD i = first;
-        while (i < last && last - i >= 4 && areFourClearlyOn(sign, points + i))
-            i += 4;
+        // Long runs begin with a short one.
+        if (i < last && last - i >= 4 && areFourClearlyOn(sign, points + i)) {
+            const ClearSide2L side{testX_, testY_, static_cast<short>(sign * dy_),
+                                   static_cast<short>(-sign * dx_), margin_ - 1};
+            i += edgeSideKernels().countClearPoints(points + i, last - i, side);
+            while (last - i >= 4 && areFourClearlyOn(sign, points + i))
+                i += 4;
+        }
         while (i <= last && isClearlyOn(sign, points[i]))
             ++i;
         return i;

@@ -251,6 +251,26 @@ TEST(Membership2DTest, MatchesTheReferenceForEdgesBesideTheRayAtEveryKernelLevel
     velquad::frame::selectKernelLevel(usual);
 }
 
+TEST(Membership2DTest, NotchIsFoundAtEveryPlaceOfALongRun) {
+    const std::size_t usual = velquad::frame::kernelLevel();
+    for (std::size_t level = 0; level < velquad::frame::kernelLevelCount(); ++level) {
+        velquad::frame::selectKernelLevel(level);
+        for (int notch = 3; notch < 150; ++notch) {
+            SCOPED_TRACE(testing::Message() << "level " << level << ", notch " << notch);
+            Outline outline;
+            for (int k = 0; k < 160; ++k)
+                outline.push_back({10.0 * k, 100.25 + k % 2});
+            outline.push_back({1600.5, 200.5});
+            outline.push_back({-10.5, 200.5});
+            const tagPOINT2D test{10.0 * notch, 0.5};
+            EXPECT_EQ(inside(outline, test), 0);
+            outline[static_cast<std::size_t>(notch)].y = -100.0;
+            EXPECT_EQ(inside(outline, test), 1);
+        }
+    }
+    velquad::frame::selectKernelLevel(usual);
+}
+
 const Outline kOuter{{0, 0}, {20, 0}, {20, 20}, {0, 20}};
 const Outline kInner{{5, 5}, {9, 5}, {9, 9}, {5, 9}};
 const Outline kApartFromBoth{{30, 0}, {40, 0}, {40, 20}};
