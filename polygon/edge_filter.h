@@ -4,6 +4,7 @@
 
 #include <emmintrin.h>
 
+#include <bit>
 #include <cmath>
 
 #include "frame/convert.h"
@@ -76,7 +77,8 @@ class EdgeFilter<tagPOINT> {
     }
 
     /// The same for four points at once. The sides come out of one multiply-add of 16-bit components.
-    bool areFourClearlyOn(frame::Int32 sign, const tagPOINT* points) const {
+    /// @return a bit for each, the lowest for the first; none is set when one of them does not fit 16 bits.
+    unsigned clearOfFour(frame::Int32 sign, const tagPOINT* points) const {
         const __m128i test = _mm_set_epi32(testY_, testX_, testY_, testX_);
         const __m128i half = _mm_set1_epi32(32768);
         const __m128i lowPair =
@@ -93,19 +95,36 @@ class EdgeFilter<tagPOINT> {
         const __m128i sides = _mm_madd_epi16(components, factors);
         const __m128i isClear = _mm_cmpgt_epi32(sides, _mm_set1_epi32(margin_ - 1));
         const __m128i fits = _mm_cmpeq_epi32(excess, _mm_setzero_si128());
-        return _mm_movemask_epi8(_mm_and_si128(isClear, fits)) == 0xFFFF;
+        if (_mm_movemask_epi8(fits) != 0xFFFF) return 0;
+        return static_cast<unsigned>(_mm_movemask_ps(_mm_castsi128_ps(isClear)));
+    }
+
+    /// @return a point in [`first`, `end`], before which all from `first` on are clear.
+    DWORD skipFours(frame::Int32 sign, const tagPOINT* points, DWORD first, DWORD end) const {
+        constexpr unsigned kAllFour = 15;
+        DWORD i = first;
+        while (i < end && end - i >= 4) {
+            const unsigned clear = clearOfFour(sign, points + i);
+            if (clear != kAllFour) return i + static_cast<DWORD>(std::countr_one(clear));
+            i += 4;
+        }
+        return i;
     }
 
     /// @return the first point in [first, last] that is not clearly on a side; last + 1 when all are or there is none.
     DWORD endOfRun(frame::Int32 sign, const tagPOINT* points, DWORD first, DWORD last) const {
+        constexpr DWORD kShortRun = 32;
         DWORD i = first;
-        // Long runs begin with a short one.
-        if (i < last && last - i >= 4 && areFourClearlyOn(sign, points + i)) {
-            const ClearSide2L side{testX_, testY_, static_cast<short>(sign * dy_),
-                                   static_cast<short>(-sign * dx_), margin_ - 1};
-            i += edgeSideKernels().countClearPoints(points + i, last - i, side);
-            while (last - i >= 4 && areFourClearlyOn(sign, points + i))
-                i += 4;
+        if (first < last && last - first > kShortRun) {
+            i = skipFours(sign, points, i, first + kShortRun);
+            if (i - first == kShortRun) {
+                const ClearSide2L side{testX_, testY_, static_cast<short>(sign * dy_),
+                                       static_cast<short>(-sign * dx_), margin_ - 1};
+                i += edgeSideKernels().countClearPoints(points + i, last - i, side);
+                i = skipFours(sign, points, i, last);
+            }
+        } else {
+            i = skipFours(sign, points, i, last);
         }
         while (i <= last && isClearlyOn(sign, points[i]))
             ++i;
