@@ -2,7 +2,8 @@
 // questions stand in the files delaunay_<peer>_bench.cpp.
 #include <benchmark/benchmark.h>
 
-#include <memory>
+#include <cstddef>
+#include <limits>
 #include <vector>
 
 #include "bench/peers/delaunay_queries.h"

@@ -23,6 +23,7 @@ using Hierarchy = CGAL::Triangulation_hierarchy_2<CGAL::Delaunay_triangulation_2
 
 std::vector<Point> cgalPoints(const std::vector<tagPOINT2D>& points) {
     std::vector<Point> result;
+    result.reserve(points.size());
     for (const tagPOINT2D& p : points)
         result.emplace_back(p.x, p.y);
     return result;

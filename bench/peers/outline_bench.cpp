@@ -13,6 +13,7 @@ using namespace velquad::bench;
 
 std::vector<tagPOINT2D> inDoubles(const std::vector<tagPOINT>& points) {
     std::vector<tagPOINT2D> result;
+    result.reserve(points.size());
     for (const tagPOINT& p : points)
         result.push_back({static_cast<double>(p.x), static_cast<double>(p.y)});
     return result;

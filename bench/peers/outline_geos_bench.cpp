@@ -23,6 +23,7 @@ using namespace velquad::bench;
 /// A closed ring.
 std::unique_ptr<geos::geom::LinearRing> geosRing(const std::vector<tagPOINT>& points) {
     std::vector<geos::geom::Coordinate> coordinates;
+    coordinates.reserve(points.size() + 1);
     for (const tagPOINT& p : points)
         coordinates.emplace_back(p.x, p.y);
     coordinates.push_back(coordinates.front());

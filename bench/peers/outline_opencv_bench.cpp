@@ -11,8 +11,10 @@ namespace {
 using namespace velquad::bench;
 
 void opencvPointPolygonTest(benchmark::State& state) {
+    const std::vector<tagPOINT> points = outline(state);
     std::vector<cv::Point> contour;
-    for (const tagPOINT& p : outline(state))
+    contour.reserve(points.size());
+    for (const tagPOINT& p : points)
         contour.emplace_back(p.x, p.y);
     measureMembership(state, [&](const tagPOINT& test) {
         const cv::Point2f point(static_cast<float>(test.x), static_cast<float>(test.y));
