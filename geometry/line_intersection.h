@@ -21,8 +21,15 @@ struct LineCrossing {
 /// A parallel line this near, in units of the determinant, is the same line. For integers: exactly 0.
 inline constexpr double kSameLineTolerance = 1e-40;
 
+/// The parameter of a crossing on the first line, not yet divided.
+template <class Coordinate>
+struct CrossingRatio {
+    Coordinate numerator;
+    Coordinate denominator;
+};
+
 template <class Point>
-LineCrossing crossLines(const Point& a0, const Point& a1, const Point& b0, const Point& b1) {
+auto crossingRatio(const Point& a0, const Point& a1, const Point& b0, const Point& b1) {
     using Coordinate = typename frame::PointTraits<Point>::Coordinate;
     using A = frame::Arithmetic<Coordinate>;
     const Coordinate dx = A::sub(b1.x, b0.x);
@@ -30,11 +37,21 @@ LineCrossing crossLines(const Point& a0, const Point& a1, const Point& b0, const
     const Coordinate denominator =
         A::add(A::mul(A::sub(a1.y, a0.y), dx), A::mul(A::sub(a1.x, a0.x), minusDy));
     const Coordinate numerator = A::add(A::mul(A::sub(b0.y, a0.y), dx), A::mul(A::sub(b0.x, a0.x), minusDy));
-    if (denominator != 0) {
-        return {true, false, static_cast<double>(numerator) / static_cast<double>(denominator)};
+    return CrossingRatio<Coordinate>{numerator, denominator};
+}
+
+template <class Coordinate>
+LineCrossing lineCrossing(const CrossingRatio<Coordinate>& ratio) {
+    if (ratio.denominator != 0) {
+        return {true, false, static_cast<double>(ratio.numerator) / static_cast<double>(ratio.denominator)};
     }
-    if (frame::isSmaller(kSameLineTolerance, static_cast<double>(numerator))) return {true, true, 0.0};
+    if (frame::isSmaller(kSameLineTolerance, static_cast<double>(ratio.numerator))) return {true, true, 0.0};
     return {false, true, kNoValue};
+}
+
+template <class Point>
+LineCrossing crossLines(const Point& a0, const Point& a1, const Point& b0, const Point& b1) {
+    return lineCrossing(crossingRatio(a0, a1, b0, b1));
 }
 
 /// The point (a1 - a0) * parameter + a0.

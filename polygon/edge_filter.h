@@ -1,26 +1,21 @@
-// Finds the edges of an outline that can matter to a crossing count, and passes over the others four at a time.
+// Finds the edges of an outline that can matter to a crossing count, and passes over the others some at a time.
 #ifndef VELQUAD_POLYGON_EDGE_FILTER_H
 #define VELQUAD_POLYGON_EDGE_FILTER_H
 
 #include <emmintrin.h>
 
+#include <bit>
+#include <cmath>
+
 #include "frame/convert.h"
+#include "polygon/edge_side_kernels.h"
 #include "velquad/types.h"
 
 namespace velquad::polygon {
 
-/// The filter that passes every edge on, for points without a better one.
+/// Made for a ray from `test` through `target`, a vertex of the outline of all `points`.
 template <class Point>
-class EdgeFilter {
-  public:
-    EdgeFilter(const Point& /*test*/, const Point& /*target*/) {}
-
-    /// @return the first edge in [first, last) that may change the count, edge i being points[i] to
-    ///         points[i + 1]; `last` when there is none.
-    DWORD firstRelevantEdge(const Point* /*points*/, DWORD first, DWORD last) const {
-        return first < last ? first : last;
-    }
-};
+class EdgeFilter;
 
 /// For integer points: an edge with both ends clearly on one side of the ray's line is never counted.
 ///
@@ -37,7 +32,7 @@ class EdgeFilter {
 template <>
 class EdgeFilter<tagPOINT> {
   public:
-    EdgeFilter(const tagPOINT& test, const tagPOINT& target)
+    EdgeFilter(const tagPOINT& test, const tagPOINT& target, const tagPOINT* /*points*/, DWORD /*count*/)
         : testX_(test.x),
           testY_(test.y),
           dx_(frame::wrapSub(target.x, test.x)),
@@ -50,11 +45,19 @@ class EdgeFilter<tagPOINT> {
         }
     }
 
+    /// @return the first edge in [first, last) that may change the count, edge i being points[i] to
+    ///         points[i + 1]; `last` when there is none.
     DWORD firstRelevantEdge(const tagPOINT* points, DWORD first, DWORD last) const {
         if (!isEnabled_ || first >= last) return first < last ? first : last;
-        if (isClearlyOn(1, points[first])) return endOfRun(1, points, first + 1, last) - 1;
-        if (isClearlyOn(-1, points[first])) return endOfRun(-1, points, first + 1, last) - 1;
-        return first;
+        const frame::Int32 x = frame::wrapSub(points[first].x, testX_);
+        const frame::Int32 y = frame::wrapSub(points[first].y, testY_);
+        if (!fits16Bits(x) || !fits16Bits(y)) return first;
+        // No branch on the sign: where edges go to and fro across the ray's line it could not be foreseen.
+        const frame::Int32 side = x * dy_ - y * dx_;
+        const frame::Int32 sign = side < 0 ? -1 : 1;
+        // Nor is a run worth beginning there.
+        if (sign * side < margin_ || !isClearlyOn(sign, points[first + 1])) return first;
+        return endOfRun(sign, points, first + 2, last) - 1;
     }
 
   private:
@@ -74,7 +77,8 @@ class EdgeFilter<tagPOINT> {
     }
 
     /// The same for four points at once. The sides come out of one multiply-add of 16-bit components.
-    bool areFourClearlyOn(frame::Int32 sign, const tagPOINT* points) const {
+    /// @return a bit for each, the lowest for the first; none is set when one of them does not fit 16 bits.
+    unsigned clearOfFour(frame::Int32 sign, const tagPOINT* points) const {
         const __m128i test = _mm_set_epi32(testY_, testX_, testY_, testX_);
         const __m128i half = _mm_set1_epi32(32768);
         const __m128i lowPair =
@@ -91,14 +95,37 @@ class EdgeFilter<tagPOINT> {
         const __m128i sides = _mm_madd_epi16(components, factors);
         const __m128i isClear = _mm_cmpgt_epi32(sides, _mm_set1_epi32(margin_ - 1));
         const __m128i fits = _mm_cmpeq_epi32(excess, _mm_setzero_si128());
-        return _mm_movemask_epi8(_mm_and_si128(isClear, fits)) == 0xFFFF;
+        if (_mm_movemask_epi8(fits) != 0xFFFF) return 0;
+        return static_cast<unsigned>(_mm_movemask_ps(_mm_castsi128_ps(isClear)));
     }
 
-    /// @return the first point in [first, last] that is not clearly on a side; last + 1 when all are.
-    DWORD endOfRun(frame::Int32 sign, const tagPOINT* points, DWORD first, DWORD last) const {
+    /// @return a point in [`first`, `end`], before which all from `first` on are clear.
+    DWORD skipFours(frame::Int32 sign, const tagPOINT* points, DWORD first, DWORD end) const {
+        constexpr unsigned kAllFour = 15;
         DWORD i = first;
-        while (last - i >= 4 && areFourClearlyOn(sign, points + i))
+        while (i < end && end - i >= 4) {
+            const unsigned clear = clearOfFour(sign, points + i);
+            if (clear != kAllFour) return i + static_cast<DWORD>(std::countr_one(clear));
             i += 4;
+        }
+        return i;
+    }
+
+    /// @return the first point in [first, last] that is not clearly on a side; last + 1 when all are or there is none.
+    DWORD endOfRun(frame::Int32 sign, const tagPOINT* points, DWORD first, DWORD last) const {
+        constexpr DWORD kShortRun = 32;
+        DWORD i = first;
+        if (first < last && last - first > kShortRun) {
+            i = skipFours(sign, points, i, first + kShortRun);
+            if (i - first == kShortRun) {
+                const ClearSide2L side{testX_, testY_, static_cast<short>(sign * dy_),
+                                       static_cast<short>(-sign * dx_), margin_ - 1};
+                i += edgeSideKernels().countClearPoints(points + i, last - i, side);
+                i = skipFours(sign, points, i, last);
+            }
+        } else {
+            i = skipFours(sign, points, i, last);
+        }
         while (i <= last && isClearlyOn(sign, points[i]))
             ++i;
         return i;
@@ -110,6 +137,95 @@ class EdgeFilter<tagPOINT> {
     frame::Int32 dy_;
     frame::Int32 margin_ = 0;
     bool isEnabled_;
+};
+
+/// For points of doubles, by the same sides c and n, of which a wide margin is asked so that no rounding matters.
+///
+/// Let M bound all coordinates, D = |d.x| + |d.y|, e = q - p, E its larger component and r = 2^-53. The filter acts
+/// only when c and n have one sign and are at least 2^-20 M D in magnitude, and when e.x is 0 or at least 2^-22 M. The
+/// exact u = c / (c - n) then misses [0, 1] by g >= 2^-20 M D / |c - n| >= 2^-21. The computed one is off
+///   - by less than 12 r |u| + 25 r M / |e.y| for a vertical edge, where |c - n| = |d.x| |e.y|, and
+///   - by less than (45 r M / |e.x| + 7 r |u|) D E / |c - n| + 15 r M / |e.x| + 6 r |u| for any other with
+///     |c - n| > 60 r D E,
+/// which is less than g / 4 and leaves more than three times the tolerance. When |c - n| is smaller still, the edge
+/// runs along the ray at a distance: the computed t and u are above 10^6 in magnitude, or there is no crossing, since
+/// the numerator of t is at least 2^-21 M E.
+template <>
+class EdgeFilter<tagPOINT2D> {
+  public:
+    EdgeFilter(const tagPOINT2D& test, const tagPOINT2D& target, const tagPOINT2D* points, DWORD count)
+        : dx_(target.x - test.x), dy_(target.y - test.y) {
+        if (count < kLeastPoints) return;
+        reach_ = 1.0;
+        reachTo(test);
+        reachTo(target);
+        for (DWORD i = 0; i < kSamples; ++i)
+            reachTo(points[i * (count / kSamples)]);
+        reach_ *= 4.0;
+        const double length = std::fabs(dx_) + std::fabs(dy_);
+        // Comparisons with a not-a-number are false.
+        isEnabled_ = reach_ <= kLargestReach && length >= kShortestRay;
+        margin_ = kMargin * reach_ * length;
+        sideOfTest_ = test.x * dy_ - test.y * dx_;
+    }
+
+    /// @return the first edge in [first, last) that may change the count, edge i being points[i] to
+    ///         points[i + 1]; `last` when there is none.
+    DWORD firstRelevantEdge(const tagPOINT2D* points, DWORD first, DWORD last) const {
+        if (!isEnabled_ || first >= last) return first < last ? first : last;
+        // No branch on the sign: where edges go to and fro across the ray's line it could not be foreseen.
+        const double sideOfFirst = points[first].x * dy_ - points[first].y * dx_ - sideOfTest_;
+        const double sign = sideOfFirst < 0.0 ? -1.0 : 1.0;
+        const ClearSide side{sign * dy_, sign * dx_, margin_ + sign * sideOfTest_, reach_,
+                             kLeastWidth * reach_};
+        return isClear(points[first], side) ? endOfRun(side, points, first, last) : first;
+    }
+
+  private:
+    /// Shorter outlines are not worth the preparation.
+    static constexpr DWORD kLeastPoints = 32;
+    static constexpr DWORD kSamples = 8;
+    static constexpr double kMargin = 0x1p-20;
+    static constexpr double kLeastWidth = 0x1p-22;
+    /// Far below where products overflow, and far above where they lose bits.
+    static constexpr double kLargestReach = 1e100;
+    static constexpr double kShortestRay = 1e-7;
+
+    /// Lets the bound cover a point. One that it does not cover in the end is never clear.
+    void reachTo(const tagPOINT2D& point) {
+        reach_ = std::fabs(point.x) > reach_ ? std::fabs(point.x) : reach_;
+        reach_ = std::fabs(point.y) > reach_ ? std::fabs(point.y) : reach_;
+    }
+
+    static bool isClear(const tagPOINT2D& p, const ClearSide& side) {
+        return p.x * side.factorX - p.y * side.factorY >= side.least && std::fabs(p.x) <= side.reach &&
+               std::fabs(p.y) <= side.reach;
+    }
+
+    /// @return the first edge in [first, last) that is not clear, or `last`. points[first] is clear itself.
+    static DWORD endOfRun(const ClearSide& side, const tagPOINT2D* points, DWORD first, DWORD last) {
+        // Where edges go to and fro across the ray's line no run is worth beginning.
+        if (!isEdgeClear(side, points + first)) return first;
+        DWORD i = first + edgeSideKernels().countClearEdges(points + first, last - first, side);
+        // The run has not looked at its end, which is the end of its last edge and the start of the next one.
+        if (!isClear(points[i], side)) return i - 1;
+        while (i < last && isEdgeClear(side, points + i))
+            ++i;
+        return i;
+    }
+
+    /// For an edge whose start is clear.
+    static bool isEdgeClear(const ClearSide& side, const tagPOINT2D* points) {
+        const double width = points[1].x - points[0].x;
+        return isClear(points[1], side) && (width == 0.0 || std::fabs(width) >= side.leastWidth);
+    }
+
+    double dx_;
+    double dy_;
+    double reach_ = 0.0;
+    double margin_ = 0.0;
+    double sideOfTest_ = 0.0;
+    bool isEnabled_ = false;
 };
 
 }  // namespace velquad::polygon

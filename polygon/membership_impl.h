@@ -41,7 +41,11 @@ class RayCrossings {
     /// @return false when the test point lies on it.
     bool visit(const Point& current, const Point& next) {
         if (Traits::equal(current, next)) return true;
-        const geometry::LineCrossing crossing = geometry::crossLines(test_, target_, current, next);
+        const auto ratio = geometry::crossingRatio(test_, target_, current, next);
+        if (isClearlyBehind(static_cast<double>(ratio.numerator), static_cast<double>(ratio.denominator))) {
+            return true;
+        }
+        const geometry::LineCrossing crossing = geometry::lineCrossing(ratio);
         if (!crossing.exists) return true;
         if (crossing.isParallel) return areOnOneSideOfTest(current, next);
         const double onRay = crossing.parameterA;
@@ -67,6 +71,14 @@ class RayCrossings {
     using Traits = PointTraits<Point>;
     using Coordinate = typename Traits::Coordinate;
     using A = typename Traits::Arithmetic;
+
+    /// Tells without a division that the parameter on the ray is negative by more than the tolerance: every other edge
+    /// that crosses the ray's line does so behind the test point, and which ones cannot be foreseen.
+    static bool isClearlyBehind(double numerator, double denominator) {
+        constexpr double kMoreThanTolerance = 1.5 * kMembershipTolerance;
+        return numerator * denominator < 0.0 &&
+               std::fabs(numerator) > kMoreThanTolerance * std::fabs(denominator);
+    }
 
     /// For an edge on the line of the ray.
     bool areOnOneSideOfTest(const Point& current, const Point& next) const {
@@ -151,7 +163,7 @@ int isPointInside(const Point* points, DWORD count, const Point& test) {
     // Kept: a flat outline has no inside and no outline between its vertices.
     if (!start.isFound) return kOutside;
     const DWORD target = start.index + 1 == count ? 0 : start.index + 1;
-    const EdgeFilter<Point> filter(test, points[target]);
+    const EdgeFilter<Point> filter(test, points[target], points, count);
     RayCrossings<Point> crossings(test, points[target]);
     const bool isOffOutline = visitEdges(points, start.index, count - 1, filter, crossings) &&
                               crossings.visit(points[count - 1], points[0]) &&

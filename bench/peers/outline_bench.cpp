@@ -1,10 +1,7 @@
-// Simplicity of outlines and membership of points: the library, Boost.Geometry and OpenCV on the same outlines.
+// Simplicity of outlines and membership of points. The peers' answers to the same questions stand in the files
+// outline_<peer>_bench.cpp.
 #include <benchmark/benchmark.h>
 
-#include <boost/geometry.hpp>
-#include <boost/geometry/geometries/point_xy.hpp>
-#include <boost/geometry/geometries/polygon.hpp>
-#include <opencv2/imgproc.hpp>
 #include <vector>
 
 #include "bench/peers/outline_queries.h"
@@ -13,16 +10,13 @@
 namespace {
 
 using namespace velquad::bench;
-using BoostPoint = boost::geometry::model::d2::point_xy<double>;
-/// Counter-clockwise and closed, as the outlines here are.
-using BoostPolygon = boost::geometry::model::polygon<BoostPoint, false, true>;
 
-BoostPolygon boostPolygon(const std::vector<tagPOINT>& points) {
-    BoostPolygon polygon;
+std::vector<tagPOINT2D> inDoubles(const std::vector<tagPOINT>& points) {
+    std::vector<tagPOINT2D> result;
+    result.reserve(points.size());
     for (const tagPOINT& p : points)
-        polygon.outer().emplace_back(p.x, p.y);
-    polygon.outer().push_back(polygon.outer().front());
-    return polygon;
+        result.push_back({static_cast<double>(p.x), static_cast<double>(p.y)});
+    return result;
 }
 
 void velquadIsSimple(benchmark::State& state) {
@@ -32,9 +26,11 @@ void velquadIsSimple(benchmark::State& state) {
     });
 }
 
-void boostIsValid(benchmark::State& state) {
-    const BoostPolygon polygon = boostPolygon(outline(state));
-    measureSimplicity(state, [&] { return boost::geometry::is_valid(polygon); });
+void velquadIsSimple2D(benchmark::State& state) {
+    const std::vector<tagPOINT2D> points = inDoubles(outline(state));
+    measureSimplicity(state, [&] {
+        return poly2dIsSimple(points.data(), static_cast<DWORD>(points.size()), 1, nullptr, nullptr) != 0;
+    });
 }
 
 void velquadIsPointInside(benchmark::State& state) {
@@ -44,28 +40,46 @@ void velquadIsPointInside(benchmark::State& state) {
     });
 }
 
-void boostCoveredBy(benchmark::State& state) {
-    const BoostPolygon polygon = boostPolygon(outline(state));
+void velquadIsPointInside2D(benchmark::State& state) {
+    const std::vector<tagPOINT2D> points = inDoubles(outline(state));
     measureMembership(state, [&](const tagPOINT& test) {
-        return boost::geometry::covered_by(BoostPoint(test.x, test.y), polygon);
+        const tagPOINT2D place{static_cast<double>(test.x), static_cast<double>(test.y)};
+        return poly2dIsPointInside(points.data(), static_cast<DWORD>(points.size()), &place) != 0;
     });
 }
 
-void opencvPointPolygonTest(benchmark::State& state) {
-    std::vector<cv::Point> contour;
-    for (const tagPOINT& p : outline(state))
-        contour.emplace_back(p.x, p.y);
-    measureMembership(state, [&](const tagPOINT& test) {
-        const cv::Point2f point(static_cast<float>(test.x), static_cast<float>(test.y));
-        return cv::pointPolygonTest(contour, point, false) >= 0.0;
-    });
+/// The usual short loop, in integers: an edge above, below or left of the point is passed over.
+bool scanByRows(const std::vector<tagPOINT>& points, const tagPOINT& test) {
+    bool isInside = false;
+    tagPOINT a = points.back();
+    for (const tagPOINT& b : points) {
+        const tagPOINT start = a;
+        a = b;
+        if ((start.y < test.y && b.y < test.y) || (start.y > test.y && b.y > test.y) ||
+            (start.x < test.x && b.x < test.x)) {
+            continue;
+        }
+        const std::int64_t ax = std::int64_t{start.x} - test.x;
+        const std::int64_t ay = std::int64_t{start.y} - test.y;
+        const std::int64_t bx = std::int64_t{b.x} - test.x;
+        const std::int64_t by = std::int64_t{b.y} - test.y;
+        const std::int64_t side = ax * by - ay * bx;
+        if (side == 0 && ax * bx <= 0 && ay * by <= 0) return true;
+        if ((ay > 0) != (by > 0) && (by > ay) == (side > 0)) isInside = !isInside;
+    }
+    return isInside;
+}
+
+void plainScanByRows(benchmark::State& state) {
+    const std::vector<tagPOINT> points = outline(state);
+    measureMembership(state, [&](const tagPOINT& test) { return scanByRows(points, test); });
 }
 
 BENCHMARK(velquadIsSimple)->Apply(simplicityArguments);
-BENCHMARK(boostIsValid)->Apply(simplicityArguments);
+BENCHMARK(velquadIsSimple2D)->Apply(simplicityArguments);
 
 BENCHMARK(velquadIsPointInside)->Apply(membershipArguments);
-BENCHMARK(boostCoveredBy)->Apply(membershipArguments);
-BENCHMARK(opencvPointPolygonTest)->Apply(membershipArguments);
+BENCHMARK(velquadIsPointInside2D)->Apply(membershipArguments);
+BENCHMARK(plainScanByRows)->Apply(membershipArguments);
 
 }  // namespace

@@ -14,6 +14,7 @@ using Kernel = CGAL::Exact_predicates_inexact_constructions_kernel;
 
 std::vector<Kernel::Point_2> cgalPoints(const std::vector<tagPOINT>& points) {
     std::vector<Kernel::Point_2> result;
+    result.reserve(points.size());
     for (const tagPOINT& p : points)
         result.emplace_back(p.x, p.y);
     return result;

@@ -105,7 +105,7 @@ cv::Point endOf(const Line& line) {
 /// An image that holds the lines. Its pixels are neither set nor read.
 cv::Mat makeImage(const benchmark::State& state) {
     const int side = static_cast<int>(state.range(0));
-    return {side, side, CV_8UC1};
+    return cv::Mat(side, side, CV_8UC1);
 }
 
 void storePositions(cv::LineIterator& pixel, std::vector<tagPOINT>& points) {

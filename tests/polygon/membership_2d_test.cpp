@@ -3,9 +3,11 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
 #include <string>
 #include <vector>
 
+#include "frame/kernels.h"
 #include "tests/support/polygon2d_reference.h"
 #include "tests/support/random_outline_2d.h"
 #include "velquad/polygon.h"
@@ -167,6 +169,106 @@ TEST(Membership2DTest, MatchesTheReferenceOnLongOutlines) {
             ASSERT_EQ(inside(outline, test), velquad::test::reference2d::isPointInside(outline, test));
         }
     }
+}
+
+/// Long outlines with all that keeps an edge from being passed over: steps across the line from the test point to the
+/// second vertex, vertices just beside it, edges that are vertical but for a few bits, leaps, and no numbers.
+class OutlineBesideRay {
+  public:
+    OutlineBesideRay(unsigned seed, double scale) : random_(seed), scale_(scale) {}
+
+    /// @param test  receives the test point.
+    Outline outline(tagPOINT2D& test) {
+        test = {scale_ * unit(), scale_ * unit()};
+        target_ = {scale_ * unit(), scale_ * unit()};
+        Outline result{{scale_ * unit(), scale_ * unit()}, target_};
+        const std::size_t count = 20 + random_() % 300;
+        while (result.size() < count)
+            result.push_back(next(result.back(), test));
+        return result;
+    }
+
+  private:
+    double unit() { return std::uniform_real_distribution<double>(-1.0, 1.0)(random_); }
+
+    tagPOINT2D next(const tagPOINT2D& last, const tagPOINT2D& test) {
+        const double step = scale_ / 64.0;
+        switch (random_() % 128) {
+            case 0:
+            case 1:
+            case 2:
+                return {scale_ * unit(), scale_ * unit()};
+            case 3:
+                return {8.0 * scale_ * unit(), 8.0 * scale_ * unit()};
+            case 4:
+                return random_() % 4 == 0 ? tagPOINT2D{kNaN, last.y} : last;
+            case 5:
+                return random_() % 4 == 0 ? tagPOINT2D{last.x, kInfinity} : last;
+            case 6:
+            case 7:
+            case 8:
+            case 9:
+            case 10: {
+                const double along = 2.0 * unit();
+                const double beside = std::ldexp(unit(), -10 - static_cast<int>(random_() % 44));
+                const double dx = target_.x - test.x;
+                const double dy = target_.y - test.y;
+                return {test.x + along * dx - beside * dy, test.y + along * dy + beside * dx};
+            }
+            default:
+                break;
+        }
+        if (random_() % 3 != 0) return {last.x + step * unit(), last.y + step * unit()};
+        // A width from just above the rounding of coordinates on, or none.
+        const double width = random_() % 2 == 0 ? 0.0 : std::ldexp(unit(), -static_cast<int>(random_() % 54));
+        return {last.x + scale_ * width, last.y + step * unit()};
+    }
+
+    std::mt19937 random_;
+    double scale_;
+    tagPOINT2D target_{};
+};
+
+TEST(Membership2DTest, MatchesTheReferenceForEdgesBesideTheRayAtEveryKernelLevel) {
+    const std::size_t usual = velquad::frame::kernelLevel();
+    for (std::size_t level = 0; level < velquad::frame::kernelLevelCount(); ++level) {
+        velquad::frame::selectKernelLevel(level);
+        for (const double scale : {1e-6, 1.0, 100.0, 30000.0, 1e12, 1e99, 1e150}) {
+            SCOPED_TRACE(testing::Message() << "seed 2660, level " << level << ", scale " << scale);
+            OutlineBesideRay random(2660, scale);
+            int counts[3] = {0, 0, 0};
+            for (int round = 0; round < 1500; ++round) {
+                tagPOINT2D test{};
+                const Outline outline = random.outline(test);
+                const int expected = velquad::test::reference2d::isPointInside(outline, test);
+                ++counts[expected + 1];
+                ASSERT_EQ(inside(outline, test), expected) << "round " << round;
+            }
+            EXPECT_GT(counts[1], 100);
+            EXPECT_GT(counts[2], 100);
+        }
+    }
+    velquad::frame::selectKernelLevel(usual);
+}
+
+TEST(Membership2DTest, NotchIsFoundAtEveryPlaceOfALongRun) {
+    const std::size_t usual = velquad::frame::kernelLevel();
+    for (std::size_t level = 0; level < velquad::frame::kernelLevelCount(); ++level) {
+        velquad::frame::selectKernelLevel(level);
+        for (int notch = 3; notch < 150; ++notch) {
+            SCOPED_TRACE(testing::Message() << "level " << level << ", notch " << notch);
+            Outline outline;
+            for (int k = 0; k < 160; ++k)
+                outline.push_back({10.0 * k, 100.25 + k % 2});
+            outline.push_back({1600.5, 200.5});
+            outline.push_back({-10.5, 200.5});
+            const tagPOINT2D test{10.0 * notch, 0.5};
+            EXPECT_EQ(inside(outline, test), 0);
+            outline[static_cast<std::size_t>(notch)].y = -100.0;
+            EXPECT_EQ(inside(outline, test), 1);
+        }
+    }
+    velquad::frame::selectKernelLevel(usual);
 }
 
 const Outline kOuter{{0, 0}, {20, 0}, {20, 20}, {0, 20}};

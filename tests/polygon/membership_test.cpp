@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "frame/kernels.h"
 #include "tests/support/polygon_reference.h"
 #include "velquad/polygon.h"
 
@@ -261,28 +262,82 @@ TEST(MembershipTest, MatchesTheReferenceForVerticesBesideLongRays) {
     }
 }
 
+/// Runs a check at every level of the kernels that this machine has.
+template <class Check>
+void atEveryKernelLevel(Check check) {
+    const std::size_t usual = velquad::frame::kernelLevel();
+    for (std::size_t level = 0; level < velquad::frame::kernelLevelCount(); ++level) {
+        SCOPED_TRACE(velquad::frame::kernelLevelName(level));
+        velquad::frame::selectKernelLevel(level);
+        check();
+    }
+    velquad::frame::selectKernelLevel(usual);
+}
+
 TEST(MembershipTest, MatchesTheReferenceOnLongOutlines) {
-    std::mt19937 random(31);
-    for (int round = 0; round < 400; ++round) {
-        SCOPED_TRACE(testing::Message() << "seed 31, round " << round);
-        // A walk in steps of one pixel, as traced outlines are, now and then with a leap.
-        const int reach = round % 4 == 0 ? 200000 : 300;
-        Outline outline{{0, 0}};
-        for (int k = 0; k < 300; ++k) {
-            tagPOINT p = outline.back();
-            p.x += static_cast<LONG>(random() % 3) - 1;
-            p.y += static_cast<LONG>(random() % 3) - 1;
-            if (random() % 40 == 0)
-                p.x += static_cast<LONG>(random() % static_cast<unsigned>(reach)) - reach / 2;
-            outline.push_back(p);
+    atEveryKernelLevel([] {
+        std::mt19937 random(31);
+        for (int round = 0; round < 400; ++round) {
+            SCOPED_TRACE(testing::Message() << "seed 31, round " << round);
+            // A walk in steps of one pixel, as traced outlines are, now and then with a leap.
+            const int reach = round % 4 == 0 ? 200000 : 300;
+            Outline outline{{0, 0}};
+            for (int k = 0; k < 300; ++k) {
+                tagPOINT p = outline.back();
+                p.x += static_cast<LONG>(random() % 3) - 1;
+                p.y += static_cast<LONG>(random() % 3) - 1;
+                if (random() % 40 == 0)
+                    p.x += static_cast<LONG>(random() % static_cast<unsigned>(reach)) - reach / 2;
+                outline.push_back(p);
+            }
+            for (int k = 0; k < 40; ++k) {
+                tagPOINT test = outline[random() % outline.size()];
+                test.x += static_cast<LONG>(random() % 5) - 2;
+                test.y += static_cast<LONG>(random() % 5) - 2;
+                ASSERT_EQ(inside(outline, test), velquad::test::reference::isPointInside(outline, test));
+            }
         }
-        for (int k = 0; k < 40; ++k) {
-            tagPOINT test = outline[random() % outline.size()];
-            test.x += static_cast<LONG>(random() % 5) - 2;
-            test.y += static_cast<LONG>(random() % 5) - 2;
+    });
+}
+
+TEST(MembershipTest, MatchesTheReferenceWhereLongOutlinesLeaveSixteenBits) {
+    atEveryKernelLevel([] {
+        std::mt19937 random(32);
+        for (int round = 0; round < 400; ++round) {
+            SCOPED_TRACE(testing::Message() << "seed 32, round " << round);
+            // Seen from the test point: long runs within 16 bits, with some points at their limits and just beyond.
+            const tagPOINT test{static_cast<LONG>(random() % 2000), static_cast<LONG>(random() % 2000)};
+            Outline outline;
+            for (int k = 0; k < 400; ++k) {
+                const auto offset = [&](int low, int range) {
+                    const int limits[] = {-32769, -32768, -32767, 32767, 32768};
+                    return random() % 60 == 0
+                               ? limits[random() % 5]
+                               : low + static_cast<int>(random() % static_cast<unsigned>(range));
+                };
+                const int side = k / 130 % 2 == 0 ? 100 : -30100;
+                outline.push_back({test.x + offset(-20000, 40000), test.y + offset(side, 30000)});
+            }
             ASSERT_EQ(inside(outline, test), velquad::test::reference::isPointInside(outline, test));
         }
-    }
+    });
+}
+
+TEST(MembershipTest, NotchIsFoundAtEveryPlaceOfALongRun) {
+    atEveryKernelLevel([] {
+        for (LONG notch = 3; notch < 150; ++notch) {
+            SCOPED_TRACE(notch);
+            Outline outline;
+            for (LONG k = 0; k < 160; ++k)
+                outline.push_back({10 * k, 100 + k % 2});
+            outline.push_back({1600, 200});
+            outline.push_back({-10, 200});
+            const tagPOINT test{10 * notch, 0};
+            EXPECT_EQ(inside(outline, test), 0);
+            outline[static_cast<std::size_t>(notch)].y = -100;
+            EXPECT_EQ(inside(outline, test), 1);
+        }
+    });
 }
 
 }  // namespace
