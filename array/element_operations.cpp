@@ -9,6 +9,7 @@
 #include "array/element_kernels.h"
 #include "array/prefetch.h"
 #include "array/rounding.h"
+#include "array/stream_kernels.h"
 #include "frame/convert.h"
 #include "frame/kernels.h"
 #include "velquad/array.h"
@@ -83,25 +84,55 @@ void forEachPart(const Run& row, const Run& next, Work work) {
     }
 }
 
-/// Calls `work(from, to, count)` for the rows of two arrays, in parts that suit the cache.
+/// The same for a destination that is streamed: each part is made in a buffer and copied from there.
 template <class Work>
-void forEachPart(const void* source, unsigned int sourceType, const void* destination,
+void forEachStreamedPart(const Run& row, const Run& next, Work work) {
+    alignas(64) unsigned char buffer[kPartBytes];
+    const std::size_t perPart = row.countPerPart();
+    const std::size_t head = countToCacheLine(row.to, row.toBytes, row.count);
+    if (head != 0) work(row.from, row.to, head);
+    for (std::size_t begin = head; begin < row.count; begin += perPart) {
+        const Run part = row.part(begin, perPart);
+        const std::size_t end = begin + part.count;
+        const Run following = end < row.count ? row.part(end, perPart) : next;
+        if (row.from != row.to) prefetchRange(following.from, following.count * following.fromBytes);
+        work(part.from, buffer, part.count);
+        streamKernels().copy(buffer, part.to, part.count * part.toBytes);
+    }
+}
+
+/// What an operation does with the elements that stand at its destination.
+enum class Destination { kRead, kOverwritten };
+
+/// Calls `work(from, to, count)` for the rows of two arrays, in parts that suit the cache. A destination that is only
+/// overwritten may be streamed: then `to` lies in a buffer.
+template <class Work>
+void forEachPart(Destination use, const void* source, unsigned int sourceType, const void* destination,
                  unsigned int destinationType, unsigned int width, unsigned int height, Work work) {
     const auto runAt = [&](std::size_t y) {
         return Run{rowAt(source, y), rowAt(destination, y), elementSize(sourceType),
                    elementSize(destinationType), width};
     };
+    const std::size_t bytes = std::size_t{elementSize(destinationType)} * width;
+    const bool isStreamed =
+        use == Destination::kOverwritten && height != 0 && bytes >= kStreamedBytes / height;
     for (std::size_t y = 0; y < height; ++y) {
         const Run row = runAt(y);
         const Run next = y + 1 < height ? runAt(y + 1).part(0, row.countPerPart()) : row.part(width, 0);
-        forEachPart(row, next, work);
+        if (isStreamed) {
+            forEachStreamedPart(row, next, work);
+        } else {
+            forEachPart(row, next, work);
+        }
     }
+    if (isStreamed) streamKernels().finish();
 }
 
 /// Calls `work(part, count)` for the rows of an array in place, in parts that suit the cache.
 template <class Work>
-void forEachPart(const void* rows, unsigned int width, unsigned int height, unsigned int type, Work work) {
-    forEachPart(rows, type, rows, type, width, height,
+void forEachPart(const void* rows, unsigned int width, unsigned int height, unsigned int type, Work work,
+                 Destination use = Destination::kRead) {
+    forEachPart(use, rows, type, rows, type, width, height,
                 [&](const void* /*from*/, unsigned char* to, std::size_t count) { work(to, count); });
 }
 
@@ -272,7 +303,8 @@ extern "C" int matConvertArrayToFloat2v(const void* const* source, float* const*
     const bool isPixel = type == MAT_ARRAY_BYTE3 || type == MAT_ARRAY_BYTE4;
     const auto convert = isPixel && (flags & 1) != 0 ? kernels.largestToFloat[type] : kernels.toFloat[type];
     if (convert == nullptr) return 0;
-    forEachPart(source, type, destination, MAT_ARRAY_FLOAT, width, height, convert);
+    forEachPart(Destination::kOverwritten, source, type, destination, MAT_ARRAY_FLOAT, width, height,
+                convert);
     return 1;
 }
 
@@ -284,7 +316,7 @@ extern "C" int matConvertArrayFromFloat2v(const float* const* source, void* cons
         isNormalised(type) ? normalisationOf(source, width, height, type) : Normalisation{};
     const auto convert = elementKernels().fromFloat[type];
     forEachPart(
-        source, MAT_ARRAY_FLOAT, destination, type, width, height,
+        Destination::kOverwritten, source, MAT_ARRAY_FLOAT, destination, type, width, height,
         [&](const void* from, void* to, std::size_t count) { convert(from, to, count, normalisation); });
     return 1;
 }
@@ -294,8 +326,10 @@ extern "C" int matClearArray2v(void* const* rows, unsigned int width, unsigned i
     unsigned char element[8] = {};
     if (!hasRows(rows, height) || !mapValue(value, element, type)) return 0;
     const auto fill = elementKernels().fill[type];
-    forEachPart(rows, width, height, type,
-                [&](void* part, std::size_t count) { fill(part, count, element); });
+    // Of pixels of four bytes the last one stays.
+    forEachPart(
+        rows, width, height, type, [&](void* part, std::size_t count) { fill(part, count, element); },
+        type == MAT_ARRAY_BYTE4 ? Destination::kRead : Destination::kOverwritten);
     return 1;
 }
 
