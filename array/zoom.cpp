@@ -6,11 +6,14 @@
 // order of its operations: the part along x depends on the source row and the column only, so a strip keeps it for
 // the two or four source rows in use and computes it once per source row instead of once per destination cell.
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 
 #include "array/array_2d.h"
 #include "array/element.h"
+#include "array/prefetch.h"
 #include "array/roi.h"
+#include "array/stream_kernels.h"
 #include "array/zoom_kernels.h"
 #include "frame/kernels.h"
 #include "velquad/array.h"
@@ -24,8 +27,11 @@ VELQUAD_DEFINE_KERNELS(ZoomKernels, kZoomKernels, zoomKernels)
 using velquad::array::BilinearRow;
 using velquad::array::CubicRow;
 using velquad::array::CubicWeights;
+using velquad::array::kStreamedBytes;
 using velquad::array::kZoomPiece;
+using velquad::array::prefetchRange;
 using velquad::array::rowAt;
+using velquad::array::streamKernels;
 using velquad::array::ZoomColumns;
 using velquad::array::ZoomKernels;
 using velquad::array::zoomKernels;
@@ -114,6 +120,7 @@ struct Zoom {
     std::size_t elementSize;        ///< Bytes of an element.
     unsigned int valueType;         ///< Type code of the values of an element.
     unsigned int valuesPerElement;  ///< 3 or 4 for pixels of bytes, else 1.
+    bool isStreamed;                ///< The destination is written past the caches.
 
     unsigned char* destination(unsigned int row, unsigned int column) const {
         return rowAt(destinationRows, row) + column * elementSize;
@@ -136,13 +143,26 @@ CubicWeights cubicWeights(double t) {
     return {(1 - t) * t * (1 - t), 1 - (t + t) * t + t * t * t, ((1 - t) * t + 1) * t, (1 - t) * t * t};
 }
 
-/// Calls `work(left, count)` for the strips of a rectangle.
+/// Cells of a row up to the first that begins with a cache line; 0 where none does.
+std::size_t cellsToCacheLine(const unsigned char* row, std::size_t elementSize) {
+    constexpr std::size_t kCacheLine = 64;
+    const std::size_t gap = (kCacheLine - reinterpret_cast<std::uintptr_t>(row) % kCacheLine) % kCacheLine;
+    return gap % elementSize == 0 ? gap / elementSize : 0;
+}
+
+/// Calls `work(left, count)` for the strips of a rectangle. Those of wide rectangles begin with cache lines, in all rows
+/// if a row is a whole number of them.
 template <class Work>
-void forEachStrip(const CellRect& rect, std::size_t columnsPerStrip, Work work) {
+void forEachStrip(const Zoom& zoom, const CellRect& rect, std::size_t columnsPerStrip, Work work) {
     if (rect.isEmpty()) return;
     const auto end = static_cast<std::size_t>(rect.right) + 1;
-    for (auto left = static_cast<std::size_t>(rect.left); left < end; left += columnsPerStrip)
-        work(static_cast<unsigned int>(left), end - left < columnsPerStrip ? end - left : columnsPerStrip);
+    auto left = static_cast<std::size_t>(rect.left);
+    const unsigned char* first =
+        zoom.destination(static_cast<unsigned int>(rect.top), static_cast<unsigned int>(left));
+    std::size_t count = end - left > columnsPerStrip ? cellsToCacheLine(first, zoom.elementSize) : 0;
+    if (count == 0) count = columnsPerStrip;
+    for (; left < end; left += count, count = columnsPerStrip)
+        work(static_cast<unsigned int>(left), end - left < count ? end - left : count);
 }
 
 /// The bytes of a source row that a strip of columns reads.
@@ -157,33 +177,71 @@ struct SourceSpan {
     /// Asks for a row ahead of its use. Strips are too short for the processor to see by itself where the next one
     /// begins.
     void prefetch(const void* sourceRows, unsigned int y) const {
-        constexpr std::size_t kCacheLine = 64;
-        const unsigned char* row = rowAt(sourceRows, y);
-        for (std::size_t at = begin; at < end; at += kCacheLine)
-            __builtin_prefetch(row + at);
+        prefetchRange(rowAt(sourceRows, y) + begin, end - begin);
     }
+};
+
+/// Where a strip of destination rows is written: in place, or, where the destination is larger than the caches, in a
+/// buffer that is streamed to its place.
+class StripWriter {
+  public:
+    StripWriter(const Zoom& zoom, const CellRect& rect, unsigned int left, std::size_t count)
+        : zoom_(zoom),
+          bottom_(static_cast<unsigned int>(rect.bottom)),
+          left_(left),
+          bytes_(count * zoom.elementSize) {}
+
+    /// Calls `write(to)` for the strip in row `y`.
+    template <class Write>
+    void writeRow(unsigned int y, Write write) {
+        if (zoom_.isStreamed) {
+            write(buffer_);
+            copyRow(y);
+            return;
+        }
+        if (y < bottom_) prefetchRange(zoom_.destination(y + 1, left_), bytes_);
+        write(zoom_.destination(y, left_));
+    }
+
+    /// Writes what `writeRow` has written last to row `y` as well, which lies below it.
+    void repeatRow(unsigned int y) {
+        if (zoom_.isStreamed) {
+            copyRow(y);
+        } else {
+            std::memmove(zoom_.destination(y, left_), zoom_.destination(y - 1, left_), bytes_);
+        }
+    }
+
+  private:
+    void copyRow(unsigned int y) { streamKernels().copy(buffer_, zoom_.destination(y, left_), bytes_); }
+
+    const Zoom& zoom_;
+    unsigned int bottom_;
+    unsigned int left_;
+    std::size_t bytes_;
+    alignas(64) unsigned char buffer_[kNearestStrip * sizeof(double)];
 };
 
 void zoomNearest(const Zoom& zoom, const CellRect& rect) {
     const auto copyRow = zoomKernels().nearest[zoom.elementSize];
-    forEachStrip(rect, kNearestStrip, [&](unsigned int left, std::size_t count) {
+    forEachStrip(zoom, rect, kNearestStrip, [&](unsigned int left, std::size_t count) {
         std::int32_t index[kNearestStrip] = {};
         for (std::size_t i = 0; i < count; ++i)
             index[i] = static_cast<std::int32_t>(zoom.x.nearestSample(left + static_cast<unsigned int>(i)));
         const SourceSpan span(index, count, zoom.elementSize);
-        const unsigned char* rowBefore = nullptr;
+        StripWriter writer(zoom, rect, left, count);
+        const auto top = static_cast<unsigned int>(rect.top);
         unsigned int sampleBefore = 0;
-        for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom); ++y) {
+        for (unsigned int y = top; y <= static_cast<unsigned int>(rect.bottom); ++y) {
             const unsigned int sample = zoom.y.nearestSample(y);
-            unsigned char* destination = zoom.destination(y, left);
-            if (rowBefore != nullptr && sample == sampleBefore) {
-                std::memmove(destination, rowBefore, count * zoom.elementSize);
+            if (y != top && sample == sampleBefore) {
+                writer.repeatRow(y);
             } else {
                 if (y != static_cast<unsigned int>(rect.bottom))
                     span.prefetch(zoom.sourceRows, zoom.y.nearestSample(y + 1));
-                copyRow(rowAt(zoom.sourceRows, sample), index, destination, count);
+                writer.writeRow(
+                    y, [&](unsigned char* to) { copyRow(rowAt(zoom.sourceRows, sample), index, to, count); });
             }
-            rowBefore = destination;
             sampleBefore = sample;
         }
     });
@@ -204,6 +262,12 @@ void placeColumns(const Zoom& zoom, unsigned int left, std::size_t elementCount,
             columns.rest[column] = 1 - at.fraction;
         }
     }
+}
+
+/// Cells of a strip, a whole number of cache lines.
+std::size_t cellsPerStrip(const Zoom& zoom) {
+    const std::size_t cellsOfLines = zoom.valuesPerElement == 4 ? 16 : 64;
+    return kZoomPiece / zoom.valuesPerElement / cellsOfLines * cellsOfLines;
 }
 
 SourceSpan spanOf(const Zoom& zoom, const ZoomColumns& columns) {
@@ -227,9 +291,10 @@ void zoomBilinear(const Zoom& zoom, const CellRect& rect) {
     const bool isDirect =
         kernels.bilinearDirect != nullptr && zoom.y.scale < kDirectScale && zoom.valuesPerElement <= 3;
     ZoomColumns columns;
-    forEachStrip(rect, kZoomPiece / zoom.valuesPerElement, [&](unsigned int left, std::size_t count) {
+    forEachStrip(zoom, rect, cellsPerStrip(zoom), [&](unsigned int left, std::size_t count) {
         placeColumns(zoom, left, count, columns);
         const SourceSpan span = spanOf(zoom, columns);
+        StripWriter writer(zoom, rect, left, count);
         BilinearRow rows[2];
         unsigned int held[2] = {kNoRow, kNoRow};
         const auto rowOf = [&](unsigned int y) -> const BilinearRow& {
@@ -241,14 +306,15 @@ void zoomBilinear(const Zoom& zoom, const CellRect& rect) {
             const Position at(zoom.y, y);
             if (y != static_cast<unsigned int>(rect.bottom))
                 prefetchRows(zoom, span, at, Position(zoom.y, y + 1), 1);
-            if (isDirect) {
-                kernels.bilinearDirect(rowAt(zoom.sourceRows, at.index), rowAt(zoom.sourceRows, at.index + 1),
-                                       columns, at.fraction, zoom.destination(y, left));
-                continue;
-            }
-            const BilinearRow& upper = rowOf(at.index);
-            kernels.bilinearAcross(upper, rowOf(at.index + 1), at.fraction, zoom.destination(y, left),
-                                   columns.count);
+            writer.writeRow(y, [&](unsigned char* to) {
+                if (isDirect) {
+                    kernels.bilinearDirect(rowAt(zoom.sourceRows, at.index),
+                                           rowAt(zoom.sourceRows, at.index + 1), columns, at.fraction, to);
+                    return;
+                }
+                const BilinearRow& upper = rowOf(at.index);
+                kernels.bilinearAcross(upper, rowOf(at.index + 1), at.fraction, to, columns.count);
+            });
         }
     });
 }
@@ -269,10 +335,11 @@ void zoomCubic(const Zoom& zoom, const CellRect& rect) {
     // Stands for the row before the first, which has the weight 0.
     static constexpr CubicRow kAbsentRow = {};
     ZoomColumns columns;
-    forEachStrip(rect, kZoomPiece / zoom.valuesPerElement, [&](unsigned int left, std::size_t count) {
+    forEachStrip(zoom, rect, cellsPerStrip(zoom), [&](unsigned int left, std::size_t count) {
         placeColumns(zoom, left, count, columns);
         weighColumns(columns);
         const SourceSpan span = spanOf(zoom, columns);
+        StripWriter writer(zoom, rect, left, count);
         CubicRow rows[4];
         unsigned int held[4] = {kNoRow, kNoRow, kNoRow, kNoRow};
         const auto rowOf = [&](unsigned int y) -> const CubicRow* {
@@ -286,7 +353,9 @@ void zoomCubic(const Zoom& zoom, const CellRect& rect) {
                 prefetchRows(zoom, span, at, Position(zoom.y, y + 1), 2);
             const CubicRow* const around[4] = {at.index == 0 ? &kAbsentRow : rowOf(at.index - 1),
                                                rowOf(at.index), rowOf(at.index + 1), rowOf(at.index + 2)};
-            kernels.cubicAcross(around, cubicWeights(at.fraction), zoom.destination(y, left), columns.count);
+            writer.writeRow(y, [&](unsigned char* to) {
+                kernels.cubicAcross(around, cubicWeights(at.fraction), to, columns.count);
+            });
         }
     });
 }
@@ -336,8 +405,10 @@ void zoomArray(unsigned int srcWidth, unsigned int srcHeight, const void* srcRow
                         dstRows,
                         ElementType::kBytes,
                         ElementType::kComponents == 1 ? ElementType::kType : MAT_ARRAY_UINT8,
-                        ElementType::kComponents};
+                        ElementType::kComponents,
+                        std::size_t{dstWidth} * dstHeight >= kStreamedBytes / ElementType::kBytes};
         zoomByFlags(zoom, flags);
+        if (zoom.isStreamed) streamKernels().finish();
     });
 }
 
