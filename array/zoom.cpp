@@ -262,12 +262,20 @@ void placeColumns(const Zoom& zoom, unsigned int left, std::size_t elementCount,
             columns.rest[column] = 1 - at.fraction;
         }
     }
+    columns.spanOfEight = 0;
+    for (std::size_t i = 7; i < columns.count; ++i) {
+        const std::int32_t span = columns.index[i] - columns.index[i - 7];
+        if (span > columns.spanOfEight) columns.spanOfEight = span;
+    }
 }
 
+/// Values of a strip: so few that the interpolated source rows that are in use stay in the nearest cache.
+constexpr std::size_t kValuesPerStrip = 896;
+
 /// Cells of a strip, a whole number of cache lines.
-std::size_t cellsPerStrip(const Zoom& zoom) {
+std::size_t cellsPerStrip(const Zoom& zoom, std::size_t values) {
     const std::size_t cellsOfLines = zoom.valuesPerElement == 4 ? 16 : 64;
-    return kZoomPiece / zoom.valuesPerElement / cellsOfLines * cellsOfLines;
+    return values / zoom.valuesPerElement / cellsOfLines * cellsOfLines;
 }
 
 SourceSpan spanOf(const Zoom& zoom, const ZoomColumns& columns) {
@@ -291,32 +299,37 @@ void zoomBilinear(const Zoom& zoom, const CellRect& rect) {
     const bool isDirect =
         kernels.bilinearDirect != nullptr && zoom.y.scale < kDirectScale && zoom.valuesPerElement <= 3;
     ZoomColumns columns;
-    forEachStrip(zoom, rect, cellsPerStrip(zoom), [&](unsigned int left, std::size_t count) {
-        placeColumns(zoom, left, count, columns);
-        const SourceSpan span = spanOf(zoom, columns);
-        StripWriter writer(zoom, rect, left, count);
-        BilinearRow rows[2];
-        unsigned int held[2] = {kNoRow, kNoRow};
-        const auto rowOf = [&](unsigned int y) -> const BilinearRow& {
-            if (held[y % 2] != y) kernels.bilinearAlong(rowAt(zoom.sourceRows, y), columns, rows[y % 2]);
-            held[y % 2] = y;
-            return rows[y % 2];
-        };
-        for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom); ++y) {
-            const Position at(zoom.y, y);
-            if (y != static_cast<unsigned int>(rect.bottom))
-                prefetchRows(zoom, span, at, Position(zoom.y, y + 1), 1);
-            writer.writeRow(y, [&](unsigned char* to) {
-                if (isDirect) {
-                    kernels.bilinearDirect(rowAt(zoom.sourceRows, at.index),
-                                           rowAt(zoom.sourceRows, at.index + 1), columns, at.fraction, to);
-                    return;
-                }
-                const BilinearRow& upper = rowOf(at.index);
-                kernels.bilinearAcross(upper, rowOf(at.index + 1), at.fraction, to, columns.count);
-            });
-        }
-    });
+    forEachStrip(zoom, rect, cellsPerStrip(zoom, isDirect ? kZoomPiece : kValuesPerStrip),
+                 [&](unsigned int left, std::size_t count) {
+                     placeColumns(zoom, left, count, columns);
+                     const SourceSpan span = spanOf(zoom, columns);
+                     StripWriter writer(zoom, rect, left, count);
+                     BilinearRow rows[2];
+                     unsigned int held[2] = {kNoRow, kNoRow};
+                     const auto rowOf = [&](unsigned int y) -> const BilinearRow& {
+                         if (held[y % 2] != y)
+                             kernels.bilinearAlong(rowAt(zoom.sourceRows, y), columns, rows[y % 2]);
+                         held[y % 2] = y;
+                         return rows[y % 2];
+                     };
+                     for (auto y = static_cast<unsigned int>(rect.top);
+                          y <= static_cast<unsigned int>(rect.bottom); ++y) {
+                         const Position at(zoom.y, y);
+                         if (y != static_cast<unsigned int>(rect.bottom))
+                             prefetchRows(zoom, span, at, Position(zoom.y, y + 1), 1);
+                         writer.writeRow(y, [&](unsigned char* to) {
+                             if (isDirect) {
+                                 kernels.bilinearDirect(rowAt(zoom.sourceRows, at.index),
+                                                        rowAt(zoom.sourceRows, at.index + 1), columns,
+                                                        at.fraction, to);
+                                 return;
+                             }
+                             const BilinearRow& upper = rowOf(at.index);
+                             kernels.bilinearAcross(upper, rowOf(at.index + 1), at.fraction, to,
+                                                    columns.count);
+                         });
+                     }
+                 });
 }
 
 void weighColumns(ZoomColumns& columns) {
@@ -335,7 +348,7 @@ void zoomCubic(const Zoom& zoom, const CellRect& rect) {
     // Stands for the row before the first, which has the weight 0.
     static constexpr CubicRow kAbsentRow = {};
     ZoomColumns columns;
-    forEachStrip(zoom, rect, cellsPerStrip(zoom), [&](unsigned int left, std::size_t count) {
+    forEachStrip(zoom, rect, cellsPerStrip(zoom, kValuesPerStrip), [&](unsigned int left, std::size_t count) {
         placeColumns(zoom, left, count, columns);
         weighColumns(columns);
         const SourceSpan span = spanOf(zoom, columns);

@@ -3,13 +3,9 @@
 
 #include "array/rounding.h"
 
-#if defined(__AVX512F__) && defined(__AVX512DQ__) && defined(__AVX512VL__)
+#if defined(__AVX512F__) && defined(__AVX512BW__) && defined(__AVX512DQ__) && defined(__AVX512VL__)
 #define VELQUAD_ZOOM_GATHERS 1
-#if !defined(__clang__)
-// The compiler's own header leaves the operand undefined that an unmasked conversion does not use.
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#endif
-#include <immintrin.h>
+#include "array/zoom_lanes.h"
 #else
 #define VELQUAD_ZOOM_GATHERS 0
 #endif
@@ -50,98 +46,6 @@ VELQUAD_ALWAYS_INLINE typename ElementType::Value stored(double v) {
 
 #if VELQUAD_ZOOM_GATHERS
 
-/// Eight columns at a time, with the neighbours of each gathered as one word. The operations and their order are those
-/// of the plain loops. Only for the types that measure most; `load` never reads beyond what the interpolation needs,
-/// but for bytes with the step 1, whose pairs take two more.
-template <class Value>
-struct Lanes;
-
-VELQUAD_ALWAYS_INLINE __m256i loadIndex(const std::int32_t* index) {
-    return _mm256_loadu_si256(reinterpret_cast<const __m256i_u*>(index));
-}
-
-VELQUAD_ALWAYS_INLINE __m512d byteOf(__m256i words, int shift) {
-    const __m256i bytes =
-        _mm256_and_si256(_mm256_srl_epi32(words, _mm_cvtsi32_si128(shift)), _mm256_set1_epi32(255));
-    return _mm512_cvtepi32_pd(bytes);
-}
-
-template <>
-struct Lanes<std::uint8_t> {
-    VELQUAD_ALWAYS_INLINE static void pair(const unsigned char* row, __m256i index, int step, __m512d* p) {
-        const __m256i words =
-            _mm256_i32gather_epi32(static_cast<const int*>(static_cast<const void*>(row)), index, 1);
-        p[0] = byteOf(words, 0);
-        p[1] = byteOf(words, 8 * step);
-    }
-    /// The samples before, at, behind and two behind; `index` is that of the first.
-    VELQUAD_ALWAYS_INLINE static void quad(const unsigned char* row, __m256i index, int step, __m512d* p) {
-        if (step == 1) {
-            const __m256i words =
-                _mm256_i32gather_epi32(static_cast<const int*>(static_cast<const void*>(row)), index, 1);
-            for (int i = 0; i < 4; ++i)
-                p[i] = byteOf(words, 8 * i);
-        } else {
-            pair(row, index, step, p);
-            pair(row + 2 * step, index, step, p + 2);
-        }
-    }
-};
-
-template <>
-struct Lanes<std::uint16_t> {
-    VELQUAD_ALWAYS_INLINE static void pair(const unsigned char* row, __m256i index, int /*step*/,
-                                           __m512d* p) {
-        const __m256i words =
-            _mm256_i32gather_epi32(static_cast<const int*>(static_cast<const void*>(row)), index, 2);
-        p[0] = _mm512_cvtepi32_pd(_mm256_and_si256(words, _mm256_set1_epi32(0xFFFF)));
-        p[1] = _mm512_cvtepi32_pd(_mm256_srli_epi32(words, 16));
-    }
-    VELQUAD_ALWAYS_INLINE static void quad(const unsigned char* row, __m256i index, int step, __m512d* p) {
-        pair(row, index, step, p);
-        pair(row + 4, index, step, p + 2);
-    }
-};
-
-template <>
-struct Lanes<float> {
-    VELQUAD_ALWAYS_INLINE static void pair(const unsigned char* row, __m256i index, int /*step*/,
-                                           __m512d* p) {
-        const __m512i words = _mm512_i32gather_epi64(index, row, 4);
-        p[0] = _mm512_cvtps_pd(_mm256_castsi256_ps(_mm512_cvtepi64_epi32(words)));
-        p[1] = _mm512_cvtps_pd(_mm256_castsi256_ps(_mm512_cvtepi64_epi32(_mm512_srli_epi64(words, 32))));
-    }
-    VELQUAD_ALWAYS_INLINE static void quad(const unsigned char* row, __m256i index, int step, __m512d* p) {
-        pair(row, index, step, p);
-        pair(row + 8, index, step, p + 2);
-    }
-};
-
-template <>
-struct Lanes<double> {
-    VELQUAD_ALWAYS_INLINE static void pair(const unsigned char* row, __m256i index, int /*step*/,
-                                           __m512d* p) {
-        p[0] = _mm512_i32gather_pd(index, row, 8);
-        p[1] = _mm512_i32gather_pd(index, row + 8, 8);
-    }
-    VELQUAD_ALWAYS_INLINE static void quad(const unsigned char* row, __m256i index, int step, __m512d* p) {
-        pair(row, index, step, p);
-        pair(row + 16, index, step, p + 2);
-    }
-};
-
-/// Columns that may be worked on in lanes: whole groups of eight within [begin, count), of which bytes with the step 1
-/// leave out those whose word would reach beyond the row.
-template <class Value>
-VELQUAD_ALWAYS_INLINE std::size_t endOfLanes(const ZoomColumns& columns, std::size_t begin) {
-    std::size_t end = columns.count;
-    if (sizeof(Value) == 1 && columns.step == 1) {
-        while (end > begin && columns.index[end - 1] > columns.lastIndex - 3)
-            --end;
-    }
-    return end <= begin ? begin : begin + (end - begin) / 8 * 8;
-}
-
 template <class Value>
 VELQUAD_ALWAYS_INLINE void storeLanes(void* destination, std::size_t i, __m512d v) {
     auto* to = static_cast<unsigned char*>(destination) + i * sizeof(Value);
@@ -160,57 +64,50 @@ VELQUAD_ALWAYS_INLINE void storeLanes(void* destination, std::size_t i, __m512d 
     }
 }
 
+/// Eight columns at a time. The operations and their order are those of the plain loops. @return the first column that
+/// is left.
 template <class Value>
 std::size_t bilinearLanes(const unsigned char* upper, const unsigned char* lower, const ZoomColumns& columns,
                           double fraction, void* destination) {
-    const std::size_t end = endOfLanes<Value>(columns, 0);
     const __m512d down = _mm512_set1_pd(fraction);
     const __m512d up = _mm512_set1_pd(1.0 - fraction);
-    for (std::size_t i = 0; i < end; i += 8) {
-        const __m256i index = loadIndex(columns.index + i);
+    return forEachLanes<Value>(columns, 0, [&](const auto& lanes, std::size_t i) VELQUAD_INLINE_LAMBDA {
         const __m512d right = _mm512_loadu_pd(columns.fraction + i);
         const __m512d left = _mm512_loadu_pd(columns.rest + i);
         __m512d p[2];
-        Lanes<Value>::pair(upper, index, columns.step, p);
+        lanes.pair(upper, p);
         __m512d v = _mm512_mul_pd(_mm512_mul_pd(p[0], left), up);
         v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_mul_pd(p[1], right), up));
-        Lanes<Value>::pair(lower, index, columns.step, p);
+        lanes.pair(lower, p);
         v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_mul_pd(p[0], left), down));
         v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_mul_pd(p[1], right), down));
         storeLanes<Value>(destination, i, v);
-    }
-    return end;
+    });
 }
 
-/// The part of bilinear interpolation along x. @return the columns that are done.
+/// The part of bilinear interpolation along x.
 template <class Value>
 std::size_t bilinearLanesAlong(const unsigned char* source, const ZoomColumns& columns, BilinearRow& row) {
-    const std::size_t end = endOfLanes<Value>(columns, 0);
-    for (std::size_t i = 0; i < end; i += 8) {
+    return forEachLanes<Value>(columns, 0, [&](const auto& lanes, std::size_t i) VELQUAD_INLINE_LAMBDA {
         __m512d p[2];
-        Lanes<Value>::pair(source, loadIndex(columns.index + i), columns.step, p);
+        lanes.pair(source, p);
         _mm512_storeu_pd(row.left + i, _mm512_mul_pd(p[0], _mm512_loadu_pd(columns.rest + i)));
         _mm512_storeu_pd(row.right + i, _mm512_mul_pd(p[1], _mm512_loadu_pd(columns.fraction + i)));
-    }
-    return end;
+    });
 }
 
-/// `index` counts from the sample at a position; the row is taken one sample earlier.
 template <class Value>
-std::size_t cubicLanes(const unsigned char* row, const ZoomColumns& columns, std::size_t begin,
-                       CubicRow& result) {
-    const std::size_t end = begin + (columns.count - begin) / 8 * 8;
-    const __m256i back = _mm256_set1_epi32(columns.step);
-    for (std::size_t i = begin; i < end; i += 8) {
+std::size_t cubicLanes(const unsigned char* source, const ZoomColumns& columns, std::size_t begin,
+                       CubicRow& row) {
+    return forEachLanes<Value>(columns, begin, [&](const auto& lanes, std::size_t i) VELQUAD_INLINE_LAMBDA {
         __m512d p[4];
-        Lanes<Value>::quad(row, _mm256_sub_epi32(loadIndex(columns.index + i), back), columns.step, p);
+        lanes.quad(source, p);
         __m512d v = _mm512_mul_pd(p[1], _mm512_loadu_pd(columns.weight[1] + i));
         v = _mm512_sub_pd(v, _mm512_mul_pd(p[0], _mm512_loadu_pd(columns.weight[0] + i)));
         v = _mm512_add_pd(v, _mm512_mul_pd(p[2], _mm512_loadu_pd(columns.weight[2] + i)));
         v = _mm512_sub_pd(v, _mm512_mul_pd(p[3], _mm512_loadu_pd(columns.weight[3] + i)));
-        _mm512_storeu_pd(result.value + i, v);
-    }
-    return end;
+        _mm512_storeu_pd(row.value + i, v);
+    });
 }
 
 #endif

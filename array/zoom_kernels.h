@@ -9,8 +9,8 @@
 
 namespace velquad::array {
 
-/// Values that one piece of a row holds at most.
-inline constexpr std::size_t kZoomPiece = 448;
+/// Values that one piece of a row holds at most. Long pieces of source rows come from memory faster.
+inline constexpr std::size_t kZoomPiece = 1536;
 
 /// Where the columns of a piece lie in the source. A column is one value: pixels of bytes have one for each byte.
 struct ZoomColumns {
@@ -20,6 +20,7 @@ struct ZoomColumns {
     double weight[4][kZoomPiece];    ///< Cubic: a, b, c, d.
     std::int32_t lastIndex = 0;      ///< The last value of a source row.
     std::size_t count = 0;           ///< Columns of this piece.
+    std::int32_t spanOfEight = 0;    ///< The most that eight columns in a row lie apart, counted in values.
     std::int32_t step = 1;           ///< From a value to the same one of the next pixel.
 };
 
