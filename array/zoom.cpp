@@ -11,6 +11,7 @@
 
 #include "array/array_2d.h"
 #include "array/element.h"
+#include "array/nearest_kernels.h"
 #include "array/prefetch.h"
 #include "array/roi.h"
 #include "array/stream_kernels.h"
@@ -20,6 +21,7 @@
 
 namespace velquad::array {
 
+VELQUAD_DEFINE_KERNELS(NearestKernels, kNearestKernels, nearestKernels)
 VELQUAD_DEFINE_KERNELS(ZoomKernels, kZoomKernels, zoomKernels)
 
 }  // namespace velquad::array
@@ -27,8 +29,12 @@ VELQUAD_DEFINE_KERNELS(ZoomKernels, kZoomKernels, zoomKernels)
 using velquad::array::BilinearRow;
 using velquad::array::CubicRow;
 using velquad::array::CubicWeights;
+using velquad::array::kNearestGroup;
+using velquad::array::kNearestStrip;
 using velquad::array::kStreamedBytes;
 using velquad::array::kZoomPiece;
+using velquad::array::NearestColumns;
+using velquad::array::nearestKernels;
 using velquad::array::prefetchRange;
 using velquad::array::rowAt;
 using velquad::array::streamKernels;
@@ -41,9 +47,6 @@ namespace {
 
 /// A source must have this much more than the samples that a position needs.
 constexpr double kNeighbourMargin = 1e-7;
-
-/// Columns of a strip for nearest samples, which needs no more than an index of each.
-constexpr std::size_t kNearestStrip = 2048;
 
 /// Below this scale hardly any source row serves two destination rows.
 constexpr double kDirectScale = 0.8;
@@ -222,13 +225,26 @@ class StripWriter {
     alignas(64) unsigned char buffer_[kNearestStrip * sizeof(double)];
 };
 
+/// Fills in where the columns of a strip lie.
+void placeColumns(const Zoom& zoom, unsigned int left, std::size_t count, NearestColumns& columns) {
+    columns.count = count;
+    columns.lastIndex = static_cast<std::int32_t>(zoom.x.sourceSize - 1);
+    columns.spanOfGroup = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        columns.index[i] =
+            static_cast<std::int32_t>(zoom.x.nearestSample(left + static_cast<unsigned int>(i)));
+        const std::int32_t offset = columns.index[i] - columns.index[i / kNearestGroup * kNearestGroup];
+        columns.offset[i] = static_cast<std::uint16_t>(offset);
+        if (offset > columns.spanOfGroup) columns.spanOfGroup = offset;
+    }
+}
+
 void zoomNearest(const Zoom& zoom, const CellRect& rect) {
-    const auto copyRow = zoomKernels().nearest[zoom.elementSize];
+    const auto copyRow = nearestKernels().copy[zoom.elementSize];
+    NearestColumns columns;
     forEachStrip(zoom, rect, kNearestStrip, [&](unsigned int left, std::size_t count) {
-        std::int32_t index[kNearestStrip] = {};
-        for (std::size_t i = 0; i < count; ++i)
-            index[i] = static_cast<std::int32_t>(zoom.x.nearestSample(left + static_cast<unsigned int>(i)));
-        const SourceSpan span(index, count, zoom.elementSize);
+        placeColumns(zoom, left, count, columns);
+        const SourceSpan span(columns.index, count, zoom.elementSize);
         StripWriter writer(zoom, rect, left, count);
         const auto top = static_cast<unsigned int>(rect.top);
         unsigned int sampleBefore = 0;
@@ -240,7 +256,7 @@ void zoomNearest(const Zoom& zoom, const CellRect& rect) {
                 if (y != static_cast<unsigned int>(rect.bottom))
                     span.prefetch(zoom.sourceRows, zoom.y.nearestSample(y + 1));
                 writer.writeRow(
-                    y, [&](unsigned char* to) { copyRow(rowAt(zoom.sourceRows, sample), index, to, count); });
+                    y, [&](unsigned char* to) { copyRow(rowAt(zoom.sourceRows, sample), columns, to); });
             }
             sampleBefore = sample;
         }

@@ -332,18 +332,6 @@ void bilinearDirect(const void* upperRow, const void* lowerRow, const ZoomColumn
     }
 }
 
-/// Bytes that are copied as one.
-template <std::size_t kSize>
-struct Bytes {
-    unsigned char byte[kSize];
-};
-
-template <class Value>
-void nearest(const void* sourceRow, const std::int32_t* index, void* destination, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i)
-        storeElement(destination, i, loadElement<Value>(sourceRow, static_cast<std::size_t>(index[i])));
-}
-
 template <class ElementType>
 constexpr ZoomValueKernels kernelsOf() {
     ZoomValueKernels kernels = {bilinearAlong<ElementType>, bilinearAcross<ElementType>, nullptr,
@@ -355,17 +343,14 @@ constexpr ZoomValueKernels kernelsOf() {
 }  // namespace
 
 extern const ZoomKernels kZoomKernels;
-const ZoomKernels kZoomKernels = {
-    {{},
-     kernelsOf<Int8Element>(),
-     kernelsOf<UInt8Element>(),
-     kernelsOf<Int16Element>(),
-     kernelsOf<UInt16Element>(),
-     kernelsOf<Int32Element>(),
-     kernelsOf<UInt32Element>(),
-     kernelsOf<FloatElement>(),
-     kernelsOf<DoubleElement>()},
-    {nullptr, nearest<std::uint8_t>, nearest<std::uint16_t>, nearest<Bytes<3>>, nearest<std::uint32_t>,
-     nullptr, nullptr, nullptr, nearest<std::uint64_t>}};
+const ZoomKernels kZoomKernels = {{{},
+                                   kernelsOf<Int8Element>(),
+                                   kernelsOf<UInt8Element>(),
+                                   kernelsOf<Int16Element>(),
+                                   kernelsOf<UInt16Element>(),
+                                   kernelsOf<Int32Element>(),
+                                   kernelsOf<UInt32Element>(),
+                                   kernelsOf<FloatElement>(),
+                                   kernelsOf<DoubleElement>()}};
 
 }  // namespace velquad::array::VELQUAD_KERNEL_LEVEL

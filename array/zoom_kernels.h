@@ -60,9 +60,6 @@ struct ZoomValueKernels {
 struct ZoomKernels {
     /// By the type code of a value, 1 to 8.
     ZoomValueKernels values[9];
-    /// By the bytes of an element, 1 to 4 and 8: copies the elements at `index`, which counts elements.
-    void (*nearest[9])(const void* sourceRow, const std::int32_t* index, void* destination,
-                       std::size_t count);
 };
 
 const ZoomKernels& zoomKernels();
