@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "array/array_2d.h"
+#include "array/byte_zoom_kernels.h"
 #include "array/element.h"
 #include "array/nearest_kernels.h"
 #include "array/prefetch.h"
@@ -21,14 +22,21 @@
 
 namespace velquad::array {
 
+VELQUAD_DEFINE_KERNELS(ByteZoomKernels, kByteZoomKernels, byteZoomKernels)
 VELQUAD_DEFINE_KERNELS(NearestKernels, kNearestKernels, nearestKernels)
 VELQUAD_DEFINE_KERNELS(ZoomKernels, kZoomKernels, zoomKernels)
 
 }  // namespace velquad::array
 
 using velquad::array::BilinearRow;
+using velquad::array::ByteColumns;
+using velquad::array::ByteInterpolation;
+using velquad::array::ByteLines;
+using velquad::array::byteZoomKernels;
 using velquad::array::CubicRow;
 using velquad::array::CubicWeights;
+using velquad::array::kByteGroup;
+using velquad::array::kByteWindow;
 using velquad::array::kNearestGroup;
 using velquad::array::kNearestStrip;
 using velquad::array::kStreamedBytes;
@@ -309,43 +317,150 @@ void prefetchRows(const Zoom& zoom, const SourceSpan& span, const Position& now,
         span.prefetch(zoom.sourceRows, y);
 }
 
+bool isMultiple(double value, double unit) {
+    const double quotient = value / unit;
+    return quotient == std::trunc(quotient);
+}
+
+/// Zoom of bytes in floats; see byte_zoom_kernels.h.
+class ByteStrip {
+  public:
+    /// `weights`: the arrays of weights of the columns, as many as there are taps.
+    ByteStrip(const Zoom& zoom, const ByteInterpolation& interpolation, const ZoomColumns& columns)
+        : zoom_(zoom), interpolation_(interpolation), columns_(columns) {}
+
+    /// Fills in where the columns lie. @return whether they lie close enough together.
+    bool place(const double* const weights[4]) {
+        const auto taps = static_cast<std::int32_t>(interpolation_.taps);
+        const std::int32_t before = (taps / 2 - 1) * columns_.step;
+        const std::int32_t reach = (taps - 1) * columns_.step;
+        bytes_.groups = (columns_.count + kByteGroup - 1) / kByteGroup;
+        bytes_.isShort = true;
+        for (std::size_t i = 0; i < bytes_.groups * kByteGroup; ++i) {
+            const std::size_t column = i < columns_.count ? i : columns_.count - 1;
+            std::int32_t& begin = bytes_.begin[i / kByteGroup];
+            // A group that begins within a pixel may go on with the same source pixel from its first byte.
+            if (i % kByteGroup == 0) begin = columns_.index[i] - columns_.index[i] % columns_.step - before;
+            const std::int32_t offset = columns_.index[column] - before - begin;
+            if (begin < 0 || offset + reach >= kByteWindow) return false;
+            // The lower half is a word, the upper half the one behind it.
+            bytes_.words[i] = static_cast<std::uint32_t>(offset / 2) * 0x10001U + 0x10000U;
+            bytes_.shift[i] = static_cast<std::uint32_t>(offset % 2) * 8;
+            for (std::size_t k = 0; k < interpolation_.taps; ++k) {
+                bytes_.weight[k][i] = static_cast<float>(weights[k][column]);
+                bytes_.isShort = bytes_.isShort && isMultiple(weights[k][column], interpolation_.weightUnit);
+            }
+        }
+        return true;
+    }
+
+    /// Interpolates one row of cells. `firstRow`: the first source row; `rowsAhead`: from there to that of the next
+    /// cells; `weights`: as many as there are taps.
+    void writeRow(unsigned int firstRow, unsigned int rowsAhead, const double* weights, unsigned char* to) {
+        ByteLines lines = {};
+        lines.isShort = true;
+        for (std::size_t k = 0; k < interpolation_.taps; ++k) {
+            const unsigned int y = firstRow + static_cast<unsigned int>(k);
+            lines.source[k] = rowAt(zoom_.sourceRows, y);
+            lines.along[k] = alongRow(y, rowsAhead);
+            lines.weight[k] = weights[k];
+            lines.isShort = lines.isShort && isMultiple(weights[k], interpolation_.weightUnit);
+        }
+        interpolation_.across(lines, columns_, bytes_, to);
+    }
+
+  private:
+    static constexpr unsigned int kNoRow = 0xFFFFFFFFU;
+
+    /// The interpolation of a source row along x, which is kept for the next cells.
+    const float* alongRow(unsigned int y, unsigned int rowsAhead) {
+        float* row = rows_[y % 4];
+        if (held_[y % 4] != y) {
+            const unsigned int last = zoom_.y.sourceSize - 1;
+            const unsigned int ahead = last - y < rowsAhead ? last : y + rowsAhead;
+            interpolation_.along(rowAt(zoom_.sourceRows, y), rowAt(zoom_.sourceRows, ahead), columns_, bytes_,
+                                 row);
+        }
+        held_[y % 4] = y;
+        return row;
+    }
+
+    const Zoom& zoom_;
+    const ByteInterpolation& interpolation_;
+    const ZoomColumns& columns_;
+    ByteColumns bytes_;
+    unsigned int held_[4] = {kNoRow, kNoRow, kNoRow, kNoRow};
+    float rows_[4][kZoomPiece];
+};
+
+/// Zoom of a strip of bytes in floats where that is possible. `first`: the first source row that a position needs, and
+/// the weights of the rows from there on.
+template <class RowWeights>
+bool zoomByteStrip(const Zoom& zoom, const CellRect& rect, const ByteInterpolation& interpolation,
+                   const ZoomColumns& columns, const double* const columnWeights[4], StripWriter& writer,
+                   RowWeights rowWeights) {
+    const auto top = static_cast<unsigned int>(rect.top);
+    const auto bottom = static_cast<unsigned int>(rect.bottom);
+    const auto behind = static_cast<unsigned int>(interpolation.taps / 2);
+    if (zoom.valueType != MAT_ARRAY_UINT8 || interpolation.along == nullptr) return false;
+    if (Position(zoom.y, top).index + 1 < behind) return false;
+    ByteStrip strip(zoom, interpolation, columns);
+    if (!strip.place(columnWeights)) return false;
+    for (unsigned int y = top; y <= bottom; ++y) {
+        const Position at(zoom.y, y);
+        const unsigned int rowsToNext = Position(zoom.y, y + 1).index - at.index;
+        const unsigned int rowsAhead = rowsToNext < 1 ? 1 : rowsToNext;
+        double weights[4];
+        rowWeights(at.fraction, weights);
+        writer.writeRow(
+            y, [&](unsigned char* to) { strip.writeRow(at.index + 1 - behind, rowsAhead, weights, to); });
+    }
+    return true;
+}
+
 void zoomBilinear(const Zoom& zoom, const CellRect& rect) {
     constexpr unsigned int kNoRow = 0xFFFFFFFFU;
     const ZoomValueKernels& kernels = zoomKernels().values[zoom.valueType];
     const bool isDirect =
         kernels.bilinearDirect != nullptr && zoom.y.scale < kDirectScale && zoom.valuesPerElement <= 3;
     ZoomColumns columns;
-    forEachStrip(zoom, rect, cellsPerStrip(zoom, isDirect ? kZoomPiece : kValuesPerStrip),
-                 [&](unsigned int left, std::size_t count) {
-                     placeColumns(zoom, left, count, columns);
-                     const SourceSpan span = spanOf(zoom, columns);
-                     StripWriter writer(zoom, rect, left, count);
-                     BilinearRow rows[2];
-                     unsigned int held[2] = {kNoRow, kNoRow};
-                     const auto rowOf = [&](unsigned int y) -> const BilinearRow& {
-                         if (held[y % 2] != y)
-                             kernels.bilinearAlong(rowAt(zoom.sourceRows, y), columns, rows[y % 2]);
-                         held[y % 2] = y;
-                         return rows[y % 2];
-                     };
-                     for (auto y = static_cast<unsigned int>(rect.top);
-                          y <= static_cast<unsigned int>(rect.bottom); ++y) {
-                         const Position at(zoom.y, y);
-                         if (y != static_cast<unsigned int>(rect.bottom))
-                             prefetchRows(zoom, span, at, Position(zoom.y, y + 1), 1);
-                         writer.writeRow(y, [&](unsigned char* to) {
-                             if (isDirect) {
-                                 kernels.bilinearDirect(rowAt(zoom.sourceRows, at.index),
-                                                        rowAt(zoom.sourceRows, at.index + 1), columns,
-                                                        at.fraction, to);
-                                 return;
-                             }
-                             const BilinearRow& upper = rowOf(at.index);
-                             kernels.bilinearAcross(upper, rowOf(at.index + 1), at.fraction, to,
-                                                    columns.count);
-                         });
-                     }
-                 });
+    forEachStrip(
+        zoom, rect, cellsPerStrip(zoom, isDirect ? kZoomPiece : kValuesPerStrip),
+        [&](unsigned int left, std::size_t count) {
+            placeColumns(zoom, left, count, columns);
+            const SourceSpan span = spanOf(zoom, columns);
+            StripWriter writer(zoom, rect, left, count);
+            const double* const weights[4] = {columns.rest, columns.fraction, nullptr, nullptr};
+            const auto weighRows = [](double fraction, double* result) {
+                result[0] = 1.0 - fraction;
+                result[1] = fraction;
+            };
+            if (zoomByteStrip(zoom, rect, byteZoomKernels().bilinear, columns, weights, writer, weighRows))
+                return;
+            BilinearRow rows[2];
+            unsigned int held[2] = {kNoRow, kNoRow};
+            const auto rowOf = [&](unsigned int y) -> const BilinearRow& {
+                if (held[y % 2] != y) kernels.bilinearAlong(rowAt(zoom.sourceRows, y), columns, rows[y % 2]);
+                held[y % 2] = y;
+                return rows[y % 2];
+            };
+            for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom);
+                 ++y) {
+                const Position at(zoom.y, y);
+                if (y != static_cast<unsigned int>(rect.bottom))
+                    prefetchRows(zoom, span, at, Position(zoom.y, y + 1), 1);
+                writer.writeRow(y, [&](unsigned char* to) {
+                    if (isDirect) {
+                        kernels.bilinearDirect(rowAt(zoom.sourceRows, at.index),
+                                               rowAt(zoom.sourceRows, at.index + 1), columns, at.fraction,
+                                               to);
+                        return;
+                    }
+                    const BilinearRow& upper = rowOf(at.index);
+                    kernels.bilinearAcross(upper, rowOf(at.index + 1), at.fraction, to, columns.count);
+                });
+            }
+        });
 }
 
 void weighColumns(ZoomColumns& columns) {
@@ -369,6 +484,16 @@ void zoomCubic(const Zoom& zoom, const CellRect& rect) {
         weighColumns(columns);
         const SourceSpan span = spanOf(zoom, columns);
         StripWriter writer(zoom, rect, left, count);
+        const double* const weights[4] = {columns.weight[0], columns.weight[1], columns.weight[2],
+                                          columns.weight[3]};
+        const auto weighRows = [](double fraction, double* result) {
+            const CubicWeights w = cubicWeights(fraction);
+            result[0] = w.a;
+            result[1] = w.b;
+            result[2] = w.c;
+            result[3] = w.d;
+        };
+        if (zoomByteStrip(zoom, rect, byteZoomKernels().cubic, columns, weights, writer, weighRows)) return;
         CubicRow rows[4];
         unsigned int held[4] = {kNoRow, kNoRow, kNoRow, kNoRow};
         const auto rowOf = [&](unsigned int y) -> const CubicRow* {
