@@ -49,6 +49,7 @@ using velquad::array::streamKernels;
 using velquad::array::ZoomColumns;
 using velquad::array::ZoomKernels;
 using velquad::array::zoomKernels;
+using velquad::array::ZoomSource;
 using velquad::array::ZoomValueKernels;
 
 namespace {
@@ -302,19 +303,16 @@ std::size_t cellsPerStrip(const Zoom& zoom, std::size_t values) {
     return values / zoom.valuesPerElement / cellsOfLines * cellsOfLines;
 }
 
-SourceSpan spanOf(const Zoom& zoom, const ZoomColumns& columns) {
-    return {columns.index, columns.count, zoom.elementSize / zoom.valuesPerElement};
+/// Source rows from those of a row of cells to those of the next one, at least 1.
+unsigned int rowsToNextCells(const Zoom& zoom, unsigned int y) {
+    const unsigned int rows = Position(zoom.y, y + 1).index - Position(zoom.y, y).index;
+    return rows < 1 ? 1 : rows;
 }
 
-/// Asks for the source rows that the next position needs and the current one does not. `behind`: rows behind a
-/// position that interpolation needs; before it, it needs one less.
-void prefetchRows(const Zoom& zoom, const SourceSpan& span, const Position& now, const Position& next,
-                  unsigned int behind) {
-    const unsigned int last = next.index + behind;
-    const unsigned int firstNeeded = next.index + 1 - behind;
-    const unsigned int firstNew = now.index + behind + 1;
-    for (unsigned int y = firstNew < firstNeeded ? firstNeeded : firstNew; y <= last; ++y)
-        span.prefetch(zoom.sourceRows, y);
+/// A source row, and the one `rowsAhead` behind it or the last.
+ZoomSource sourceAt(const Zoom& zoom, unsigned int y, unsigned int rowsAhead) {
+    const unsigned int rest = zoom.y.sourceSize - 1 - y;
+    return {rowAt(zoom.sourceRows, y), rowAt(zoom.sourceRows, y + (rest < rowsAhead ? rest : rowsAhead))};
 }
 
 bool isMultiple(double value, double unit) {
@@ -408,8 +406,7 @@ bool zoomByteStrip(const Zoom& zoom, const CellRect& rect, const ByteInterpolati
     if (!strip.place(columnWeights)) return false;
     for (unsigned int y = top; y <= bottom; ++y) {
         const Position at(zoom.y, y);
-        const unsigned int rowsToNext = Position(zoom.y, y + 1).index - at.index;
-        const unsigned int rowsAhead = rowsToNext < 1 ? 1 : rowsToNext;
+        const unsigned int rowsAhead = rowsToNextCells(zoom, y);
         double weights[4];
         rowWeights(at.fraction, weights);
         writer.writeRow(
@@ -428,7 +425,6 @@ void zoomBilinear(const Zoom& zoom, const CellRect& rect) {
         zoom, rect, cellsPerStrip(zoom, isDirect ? kZoomPiece : kValuesPerStrip),
         [&](unsigned int left, std::size_t count) {
             placeColumns(zoom, left, count, columns);
-            const SourceSpan span = spanOf(zoom, columns);
             StripWriter writer(zoom, rect, left, count);
             const double* const weights[4] = {columns.rest, columns.fraction, nullptr, nullptr};
             const auto weighRows = [](double fraction, double* result) {
@@ -439,25 +435,26 @@ void zoomBilinear(const Zoom& zoom, const CellRect& rect) {
                 return;
             BilinearRow rows[2];
             unsigned int held[2] = {kNoRow, kNoRow};
-            const auto rowOf = [&](unsigned int y) -> const BilinearRow& {
-                if (held[y % 2] != y) kernels.bilinearAlong(rowAt(zoom.sourceRows, y), columns, rows[y % 2]);
+            const auto rowOf = [&](unsigned int y, unsigned int rowsAhead) -> const BilinearRow& {
+                if (held[y % 2] != y)
+                    kernels.bilinearAlong(sourceAt(zoom, y, rowsAhead), columns, rows[y % 2]);
                 held[y % 2] = y;
                 return rows[y % 2];
             };
             for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom);
                  ++y) {
                 const Position at(zoom.y, y);
-                if (y != static_cast<unsigned int>(rect.bottom))
-                    prefetchRows(zoom, span, at, Position(zoom.y, y + 1), 1);
+                const unsigned int rowsAhead = rowsToNextCells(zoom, y);
                 writer.writeRow(y, [&](unsigned char* to) {
                     if (isDirect) {
-                        kernels.bilinearDirect(rowAt(zoom.sourceRows, at.index),
-                                               rowAt(zoom.sourceRows, at.index + 1), columns, at.fraction,
+                        kernels.bilinearDirect(sourceAt(zoom, at.index, rowsAhead),
+                                               sourceAt(zoom, at.index + 1, rowsAhead), columns, at.fraction,
                                                to);
                         return;
                     }
-                    const BilinearRow& upper = rowOf(at.index);
-                    kernels.bilinearAcross(upper, rowOf(at.index + 1), at.fraction, to, columns.count);
+                    const BilinearRow& upper = rowOf(at.index, rowsAhead);
+                    kernels.bilinearAcross(upper, rowOf(at.index + 1, rowsAhead), at.fraction, to,
+                                           columns.count);
                 });
             }
         });
@@ -482,7 +479,6 @@ void zoomCubic(const Zoom& zoom, const CellRect& rect) {
     forEachStrip(zoom, rect, cellsPerStrip(zoom, kValuesPerStrip), [&](unsigned int left, std::size_t count) {
         placeColumns(zoom, left, count, columns);
         weighColumns(columns);
-        const SourceSpan span = spanOf(zoom, columns);
         StripWriter writer(zoom, rect, left, count);
         const double* const weights[4] = {columns.weight[0], columns.weight[1], columns.weight[2],
                                           columns.weight[3]};
@@ -496,17 +492,17 @@ void zoomCubic(const Zoom& zoom, const CellRect& rect) {
         if (zoomByteStrip(zoom, rect, byteZoomKernels().cubic, columns, weights, writer, weighRows)) return;
         CubicRow rows[4];
         unsigned int held[4] = {kNoRow, kNoRow, kNoRow, kNoRow};
-        const auto rowOf = [&](unsigned int y) -> const CubicRow* {
-            if (held[y % 4] != y) kernels.cubicAlong(rowAt(zoom.sourceRows, y), columns, rows[y % 4]);
+        const auto rowOf = [&](unsigned int y, unsigned int rowsAhead) -> const CubicRow* {
+            if (held[y % 4] != y) kernels.cubicAlong(sourceAt(zoom, y, rowsAhead), columns, rows[y % 4]);
             held[y % 4] = y;
             return &rows[y % 4];
         };
         for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom); ++y) {
             const Position at(zoom.y, y);
-            if (y != static_cast<unsigned int>(rect.bottom))
-                prefetchRows(zoom, span, at, Position(zoom.y, y + 1), 2);
-            const CubicRow* const around[4] = {at.index == 0 ? &kAbsentRow : rowOf(at.index - 1),
-                                               rowOf(at.index), rowOf(at.index + 1), rowOf(at.index + 2)};
+            const unsigned int rowsAhead = rowsToNextCells(zoom, y);
+            const CubicRow* const around[4] = {at.index == 0 ? &kAbsentRow : rowOf(at.index - 1, rowsAhead),
+                                               rowOf(at.index, rowsAhead), rowOf(at.index + 1, rowsAhead),
+                                               rowOf(at.index + 2, rowsAhead)};
             writer.writeRow(y, [&](unsigned char* to) {
                 kernels.cubicAcross(around, cubicWeights(at.fraction), to, columns.count);
             });

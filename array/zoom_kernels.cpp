@@ -1,6 +1,7 @@
 // Inner loops of zoom. Compiled for several instruction sets; see frame/kernels.h for what may be used here.
 #include "array/zoom_kernels.h"
 
+#include "array/prefetch.h"
 #include "array/rounding.h"
 
 #if defined(__AVX512F__) && defined(__AVX512BW__) && defined(__AVX512DQ__) && defined(__AVX512VL__)
@@ -67,18 +68,20 @@ VELQUAD_ALWAYS_INLINE void storeLanes(void* destination, std::size_t i, __m512d 
 /// Eight columns at a time. The operations and their order are those of the plain loops. @return the first column that
 /// is left.
 template <class Value>
-std::size_t bilinearLanes(const unsigned char* upper, const unsigned char* lower, const ZoomColumns& columns,
+std::size_t bilinearLanes(const ZoomSource& upper, const ZoomSource& lower, const ZoomColumns& columns,
                           double fraction, void* destination) {
     const __m512d down = _mm512_set1_pd(fraction);
     const __m512d up = _mm512_set1_pd(1.0 - fraction);
     return forEachLanes<Value>(columns, 0, [&](const auto& lanes, std::size_t i) VELQUAD_INLINE_LAMBDA {
         const __m512d right = _mm512_loadu_pd(columns.fraction + i);
         const __m512d left = _mm512_loadu_pd(columns.rest + i);
+        prefetchEight<Value>(upper.ahead, columns, i);
+        prefetchEight<Value>(lower.ahead, columns, i);
         __m512d p[2];
-        lanes.pair(upper, p);
+        lanes.pair(upper.row, p);
         __m512d v = _mm512_mul_pd(_mm512_mul_pd(p[0], left), up);
         v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_mul_pd(p[1], right), up));
-        lanes.pair(lower, p);
+        lanes.pair(lower.row, p);
         v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_mul_pd(p[0], left), down));
         v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_mul_pd(p[1], right), down));
         storeLanes<Value>(destination, i, v);
@@ -87,21 +90,23 @@ std::size_t bilinearLanes(const unsigned char* upper, const unsigned char* lower
 
 /// The part of bilinear interpolation along x.
 template <class Value>
-std::size_t bilinearLanesAlong(const unsigned char* source, const ZoomColumns& columns, BilinearRow& row) {
+std::size_t bilinearLanesAlong(const ZoomSource& source, const ZoomColumns& columns, BilinearRow& row) {
     return forEachLanes<Value>(columns, 0, [&](const auto& lanes, std::size_t i) VELQUAD_INLINE_LAMBDA {
+        prefetchEight<Value>(source.ahead, columns, i);
         __m512d p[2];
-        lanes.pair(source, p);
+        lanes.pair(source.row, p);
         _mm512_storeu_pd(row.left + i, _mm512_mul_pd(p[0], _mm512_loadu_pd(columns.rest + i)));
         _mm512_storeu_pd(row.right + i, _mm512_mul_pd(p[1], _mm512_loadu_pd(columns.fraction + i)));
     });
 }
 
 template <class Value>
-std::size_t cubicLanes(const unsigned char* source, const ZoomColumns& columns, std::size_t begin,
+std::size_t cubicLanes(const ZoomSource& source, const ZoomColumns& columns, std::size_t begin,
                        CubicRow& row) {
     return forEachLanes<Value>(columns, begin, [&](const auto& lanes, std::size_t i) VELQUAD_INLINE_LAMBDA {
+        prefetchEight<Value>(source.ahead, columns, i);
         __m512d p[4];
-        lanes.quad(source, p);
+        lanes.quad(source.row, p);
         __m512d v = _mm512_mul_pd(p[1], _mm512_loadu_pd(columns.weight[1] + i));
         v = _mm512_sub_pd(v, _mm512_mul_pd(p[0], _mm512_loadu_pd(columns.weight[0] + i)));
         v = _mm512_add_pd(v, _mm512_mul_pd(p[2], _mm512_loadu_pd(columns.weight[2] + i)));
@@ -172,15 +177,23 @@ VELQUAD_ALWAYS_INLINE void bilinearPixelsAlong(const void* sourceRow, const Zoom
         row.right[i] = next[i] * columns.fraction[i];
 }
 
+/// Asks for all that the columns need of a row.
+template <class Value>
+VELQUAD_ALWAYS_INLINE void prefetchColumns(const unsigned char* row, const ZoomColumns& columns) {
+    const auto begin = static_cast<std::size_t>(columns.index[0]);
+    const auto end = static_cast<std::size_t>(columns.index[columns.count - 1]) + 1;
+    prefetchRange(row + begin * sizeof(Value), (end - begin) * sizeof(Value));
+}
+
 template <class ElementType>
-void bilinearAlong(const void* sourceRow, const ZoomColumns& columns, BilinearRow& row) {
+void bilinearAlong(const ZoomSource& source, const ZoomColumns& columns, BilinearRow& row) {
     using Value = typename ElementType::Value;
 #if VELQUAD_ZOOM_GATHERS
     if constexpr (kHasLanes<ElementType>) {
         if (columns.step <= 3) {
-            const auto* from = static_cast<const unsigned char*>(sourceRow);
+            const unsigned char* from = source.row;
             const auto step = static_cast<std::size_t>(columns.step);
-            for (std::size_t i = bilinearLanesAlong<Value>(from, columns, row); i < columns.count; ++i) {
+            for (std::size_t i = bilinearLanesAlong<Value>(source, columns, row); i < columns.count; ++i) {
                 const auto index = static_cast<std::size_t>(columns.index[i]);
                 row.left[i] = static_cast<double>(loadElement<Value>(from, index)) * columns.rest[i];
                 row.right[i] =
@@ -190,12 +203,13 @@ void bilinearAlong(const void* sourceRow, const ZoomColumns& columns, BilinearRo
         }
     }
 #endif
+    prefetchColumns<Value>(source.ahead, columns);
     if constexpr (ElementType::kType == MAT_ARRAY_UINT8) {
-        if (columns.step == 3) return bilinearPixelsAlong<3>(sourceRow, columns, row);
-        if (columns.step == 4) return bilinearPixelsAlong<4>(sourceRow, columns, row);
+        if (columns.step == 3) return bilinearPixelsAlong<3>(source.row, columns, row);
+        if (columns.step == 4) return bilinearPixelsAlong<4>(source.row, columns, row);
     }
     Neighbours<Value, 2> pairs[kZoomPiece];
-    gather(sourceRow, columns, 0, 0, pairs);
+    gather(source.row, columns, 0, 0, pairs);
     for (std::size_t i = 0; i < columns.count; ++i) {
         row.left[i] = static_cast<double>(pairs[i].value[0]) * columns.rest[i];
         row.right[i] = static_cast<double>(pairs[i].value[1]) * columns.fraction[i];
@@ -268,24 +282,25 @@ VELQUAD_ALWAYS_INLINE void cubicPixelsAlong(const void* sourceRow, const ZoomCol
 }
 
 template <class ElementType>
-void cubicAlong(const void* sourceRow, const ZoomColumns& columns, CubicRow& row) {
+void cubicAlong(const ZoomSource& source, const ZoomColumns& columns, CubicRow& row) {
     using Value = typename ElementType::Value;
-    std::size_t begin = cubicAtFirstSample<Value>(sourceRow, columns, row);
+    std::size_t begin = cubicAtFirstSample<Value>(source.row, columns, row);
 #if VELQUAD_ZOOM_GATHERS
     if constexpr (kHasLanes<ElementType>) {
         if (columns.step <= 3) {
-            begin = cubicLanes<Value>(static_cast<const unsigned char*>(sourceRow), columns, begin, row);
-            cubicOneByOne<Value>(sourceRow, columns, begin, row);
+            begin = cubicLanes<Value>(source, columns, begin, row);
+            cubicOneByOne<Value>(source.row, columns, begin, row);
             return;
         }
     }
 #endif
+    prefetchColumns<Value>(source.ahead, columns);
     if constexpr (ElementType::kType == MAT_ARRAY_UINT8) {
-        if (columns.step == 3) return cubicPixelsAlong<3>(sourceRow, columns, begin, row);
-        if (columns.step == 4) return cubicPixelsAlong<4>(sourceRow, columns, begin, row);
+        if (columns.step == 3) return cubicPixelsAlong<3>(source.row, columns, begin, row);
+        if (columns.step == 4) return cubicPixelsAlong<4>(source.row, columns, begin, row);
     }
     Neighbours<Value, 4> quads[kZoomPiece];
-    gather(sourceRow, columns, begin, 1, quads);
+    gather(source.row, columns, begin, 1, quads);
     for (std::size_t i = begin; i < columns.count; ++i) {
         const auto& q = quads[i].value;
         row.value[i] = weighed(static_cast<double>(q[0]), static_cast<double>(q[1]),
@@ -309,14 +324,13 @@ void cubicAcross(const CubicRow* const rows[4], const CubicWeights& weights, voi
 
 /// Both parts of a bilinear interpolation at once, for rows that serve one destination row only.
 template <class ElementType>
-void bilinearDirect(const void* upperRow, const void* lowerRow, const ZoomColumns& columns, double fraction,
-                    void* destination) {
+void bilinearDirect(const ZoomSource& upper, const ZoomSource& lower, const ZoomColumns& columns,
+                    double fraction, void* destination) {
     using Value = typename ElementType::Value;
     const double up = 1.0 - fraction;
     std::size_t i = 0;
 #if VELQUAD_ZOOM_GATHERS
-    i = bilinearLanes<Value>(static_cast<const unsigned char*>(upperRow),
-                             static_cast<const unsigned char*>(lowerRow), columns, fraction, destination);
+    i = bilinearLanes<Value>(upper, lower, columns, fraction, destination);
 #endif
     for (; i < columns.count; ++i) {
         const auto index = static_cast<std::size_t>(columns.index[i]);
@@ -324,10 +338,10 @@ void bilinearDirect(const void* upperRow, const void* lowerRow, const ZoomColumn
         const auto at = [](const void* row, std::size_t x) {
             return static_cast<double>(loadElement<Value>(row, x));
         };
-        const double v = at(upperRow, index) * columns.rest[i] * up +
-                         at(upperRow, next) * columns.fraction[i] * up +
-                         at(lowerRow, index) * columns.rest[i] * fraction +
-                         at(lowerRow, next) * columns.fraction[i] * fraction;
+        const double v = at(upper.row, index) * columns.rest[i] * up +
+                         at(upper.row, next) * columns.fraction[i] * up +
+                         at(lower.row, index) * columns.rest[i] * fraction +
+                         at(lower.row, next) * columns.fraction[i] * fraction;
         storeElement(destination, i, stored<ElementType, true>(v));
     }
 }

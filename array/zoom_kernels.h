@@ -43,16 +43,23 @@ struct CubicWeights {
     double d;
 };
 
+/// A source row, and the one whose columns are asked for by the way: so many lines at once would have to wait for each
+/// other.
+struct ZoomSource {
+    const unsigned char* row;
+    const unsigned char* ahead;
+};
+
 /// The functions for one type of value.
 struct ZoomValueKernels {
-    void (*bilinearAlong)(const void* sourceRow, const ZoomColumns& columns, BilinearRow& row);
+    void (*bilinearAlong)(const ZoomSource& source, const ZoomColumns& columns, BilinearRow& row);
     void (*bilinearAcross)(const BilinearRow& upper, const BilinearRow& lower, double fraction,
                            void* destination, std::size_t count);
     /// Both steps of bilinear zoom in one, for pixels of up to three values; null where it is not faster even if each
     /// source row serves one destination row only.
-    void (*bilinearDirect)(const void* upperRow, const void* lowerRow, const ZoomColumns& columns,
+    void (*bilinearDirect)(const ZoomSource& upper, const ZoomSource& lower, const ZoomColumns& columns,
                            double fraction, void* destination);
-    void (*cubicAlong)(const void* sourceRow, const ZoomColumns& columns, CubicRow& row);
+    void (*cubicAlong)(const ZoomSource& source, const ZoomColumns& columns, CubicRow& row);
     void (*cubicAcross)(const CubicRow* const rows[4], const CubicWeights& weights, void* destination,
                         std::size_t count);
 };

@@ -21,6 +21,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "array/prefetch.h"
 #include "array/zoom_kernels.h"
 #include "frame/inline.h"
 
@@ -205,6 +206,14 @@ struct WindowLanes {
         }
     }
 };
+
+/// Asks for what eight columns need of a row.
+template <class Value>
+VELQUAD_ALWAYS_INLINE void prefetchEight(const unsigned char* row, const ZoomColumns& columns,
+                                         std::size_t i) {
+    prefetchRange(row + static_cast<std::size_t>(columns.index[i]) * sizeof(Value),
+                  (static_cast<std::size_t>(columns.spanOfEight) + 1) * sizeof(Value));
+}
 
 /// The end of the whole groups of eight columns, from `begin` on, that lanes may work on.
 template <class Lanes>
