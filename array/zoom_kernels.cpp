@@ -56,11 +56,13 @@ VELQUAD_ALWAYS_INLINE void storeLanes(void* destination, std::size_t i, __m512d 
         v = _mm512_max_pd(_mm512_set1_pd(-kLargestFloat), _mm512_min_pd(_mm512_set1_pd(kLargestFloat), v));
         _mm256_storeu_ps(static_cast<float*>(static_cast<void*>(to)), _mm512_cvtpd_ps(v));
     } else {
-        const __m256i rounded = _mm512_cvttpd_epi32(_mm512_add_pd(v, _mm512_set1_pd(0.5)));
+        // What is below 0 ends there, whichever half is added.
+        const __m256i rounded = _mm256_max_epi32(_mm512_cvttpd_epi32(_mm512_add_pd(v, _mm512_set1_pd(0.5))),
+                                                 _mm256_setzero_si256());
         if constexpr (sizeof(Value) == 2) {
-            _mm_storeu_si128(reinterpret_cast<__m128i_u*>(to), _mm256_cvtepi32_epi16(rounded));
+            _mm_storeu_si128(reinterpret_cast<__m128i_u*>(to), _mm256_cvtusepi32_epi16(rounded));
         } else {
-            _mm_storel_epi64(reinterpret_cast<__m128i_u*>(to), _mm256_cvtepi32_epi8(rounded));
+            _mm_storel_epi64(reinterpret_cast<__m128i_u*>(to), _mm256_cvtusepi32_epi8(rounded));
         }
     }
 }
@@ -113,6 +115,40 @@ std::size_t cubicLanes(const ZoomSource& source, const ZoomColumns& columns, std
         v = _mm512_sub_pd(v, _mm512_mul_pd(p[3], _mm512_loadu_pd(columns.weight[3] + i)));
         _mm512_storeu_pd(row.value + i, v);
     });
+}
+
+template <class Value>
+std::size_t bilinearLanesAcross(const BilinearRow& upper, const BilinearRow& lower, double fraction,
+                                void* destination, std::size_t count) {
+    const __m512d down = _mm512_set1_pd(fraction);
+    const __m512d up = _mm512_set1_pd(1.0 - fraction);
+    std::size_t i = 0;
+    for (; i + kLaneCount <= count; i += kLaneCount) {
+        __m512d v = _mm512_mul_pd(_mm512_loadu_pd(upper.left + i), up);
+        v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_loadu_pd(upper.right + i), up));
+        v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_loadu_pd(lower.left + i), down));
+        v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_loadu_pd(lower.right + i), down));
+        storeLanes<Value>(destination, i, v);
+    }
+    return i;
+}
+
+template <class Value>
+std::size_t cubicLanesAcross(const CubicRow* const rows[4], const CubicWeights& weights, void* destination,
+                             std::size_t count) {
+    const __m512d a = _mm512_set1_pd(weights.a);
+    const __m512d b = _mm512_set1_pd(weights.b);
+    const __m512d c = _mm512_set1_pd(weights.c);
+    const __m512d d = _mm512_set1_pd(weights.d);
+    std::size_t i = 0;
+    for (; i + kLaneCount <= count; i += kLaneCount) {
+        __m512d v = _mm512_mul_pd(_mm512_loadu_pd(rows[1]->value + i), b);
+        v = _mm512_sub_pd(v, _mm512_mul_pd(_mm512_loadu_pd(rows[0]->value + i), a));
+        v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_loadu_pd(rows[2]->value + i), c));
+        v = _mm512_sub_pd(v, _mm512_mul_pd(_mm512_loadu_pd(rows[3]->value + i), d));
+        storeLanes<Value>(destination, i, v);
+    }
+    return i;
 }
 
 #endif
@@ -220,7 +256,12 @@ template <class ElementType>
 void bilinearAcross(const BilinearRow& upper, const BilinearRow& lower, double fraction, void* destination,
                     std::size_t count) {
     const double rest = 1.0 - fraction;
-    for (std::size_t i = 0; i < count; ++i) {
+    std::size_t i = 0;
+#if VELQUAD_ZOOM_GATHERS
+    if constexpr (kHasLanes<ElementType>)
+        i = bilinearLanesAcross<typename ElementType::Value>(upper, lower, fraction, destination, count);
+#endif
+    for (; i < count; ++i) {
         const double v = upper.left[i] * rest + upper.right[i] * rest + lower.left[i] * fraction +
                          lower.right[i] * fraction;
         storeElement(destination, i, stored<ElementType, true>(v));
@@ -316,7 +357,12 @@ void cubicAcross(const CubicRow* const rows[4], const CubicWeights& weights, voi
     const double* next = rows[2]->value;
     const double* last = rows[3]->value;
     const CubicWeights w = weights;
-    for (std::size_t i = 0; i < count; ++i) {
+    std::size_t i = 0;
+#if VELQUAD_ZOOM_GATHERS
+    if constexpr (kHasLanes<ElementType>)
+        i = cubicLanesAcross<typename ElementType::Value>(rows, weights, destination, count);
+#endif
+    for (; i < count; ++i) {
         const double v = here[i] * w.b - before[i] * w.a + next[i] * w.c - last[i] * w.d;
         storeElement(destination, i, stored<ElementType, false>(v));
     }

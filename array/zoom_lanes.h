@@ -162,45 +162,42 @@ inline constexpr bool kHasWindow<std::uint16_t> = true;
 template <>
 inline constexpr bool kHasWindow<float> = true;
 
-/// The window begins one sample before the first column where there is one, so that it serves both `pair` and `quad`.
 template <class Value>
 struct WindowLanes {
-    std::int32_t first;
-    /// Which samples of the window are before the columns (low half) and at them (high half).
-    __m512i before;
+    std::size_t first;
+    /// The columns (low half) and those behind them (high half), counted from the first column.
+    __m512i which;
 
     VELQUAD_ALWAYS_INLINE WindowLanes(const ZoomColumns& columns, std::size_t i)
-        : first(firstOf(columns, i)) {
-        const __m256i high = _mm256_sub_epi32(loadIndex(columns.index + i), _mm256_set1_epi32(first));
-        const __m256i low = _mm256_sub_epi32(high, _mm256_set1_epi32(1));
-        before = _mm512_inserti64x4(_mm512_castsi256_si512(low), high, 1);
+        : first(static_cast<std::size_t>(columns.index[i])) {
+        const __m512i behind = _mm512_set_epi32(1, 1, 1, 1, 1, 1, 1, 1, 0, 0, 0, 0, 0, 0, 0, 0);
+        const __m512i twice = _mm512_broadcast_i64x4(loadIndex(columns.index + i));
+        which = _mm512_add_epi32(_mm512_sub_epi32(twice, _mm512_set1_epi32(columns.index[i])), behind);
     }
     VELQUAD_ALWAYS_INLINE static bool isWithin(const ZoomColumns& columns, std::size_t i) {
-        return firstOf(columns, i) <= columns.lastIndex - (kWindow - 1);
+        return columns.index[i] <= columns.lastIndex - (kWindow - 1);
     }
     VELQUAD_ALWAYS_INLINE void pair(const unsigned char* row, __m512d* p) const {
-        twoOf(row, _mm512_add_epi32(before, _mm512_set1_epi32(1)), p);
+        twoOf(row + first * sizeof(Value), which, p);
     }
+    /// The window begins one sample earlier.
     VELQUAD_ALWAYS_INLINE void quad(const unsigned char* row, __m512d* p) const {
-        twoOf(row, before, p);
-        twoOf(row, _mm512_add_epi32(before, _mm512_set1_epi32(2)), p + 2);
+        const unsigned char* window = row + (first - 1) * sizeof(Value);
+        twoOf(window, which, p);
+        twoOf(window, _mm512_add_epi32(which, _mm512_set1_epi32(2)), p + 2);
     }
 
   private:
-    VELQUAD_ALWAYS_INLINE static std::int32_t firstOf(const ZoomColumns& columns, std::size_t i) {
-        return columns.index[i] > 0 ? columns.index[i] - 1 : 0;
-    }
-    VELQUAD_ALWAYS_INLINE void twoOf(const unsigned char* row, __m512i which, __m512d* p) const {
-        const auto* window = row + static_cast<std::size_t>(first) * sizeof(Value);
+    VELQUAD_ALWAYS_INLINE static void twoOf(const unsigned char* window, __m512i samples, __m512d* p) {
         if constexpr (sizeof(Value) == 2) {
             constexpr __mmask32 kLowWords = 0x55555555U;
             const __m512i words =
-                _mm512_maskz_permutexvar_epi16(kLowWords, which, _mm512_loadu_si512(window));
+                _mm512_maskz_permutexvar_epi16(kLowWords, samples, _mm512_loadu_si512(window));
             p[0] = _mm512_cvtepi32_pd(_mm512_castsi512_si256(words));
             p[1] = _mm512_cvtepi32_pd(_mm512_extracti64x4_epi64(words, 1));
         } else {
             const __m512 found =
-                _mm512_permutex2var_ps(_mm512_loadu_ps(window), which, _mm512_loadu_ps(window + 64));
+                _mm512_permutex2var_ps(_mm512_loadu_ps(window), samples, _mm512_loadu_ps(window + 64));
             p[0] = _mm512_cvtps_pd(_mm512_castps512_ps256(found));
             p[1] = _mm512_cvtps_pd(_mm512_extractf32x8_ps(found, 1));
         }
