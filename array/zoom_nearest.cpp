@@ -47,7 +47,7 @@ void placeColumns(const Zoom& zoom, unsigned int left, std::size_t count, Neares
 
 void zoomNearest(const Zoom& zoom, const CellRect& rect) {
     const auto copyRow = nearestKernels().copy[zoom.elementSize];
-    NearestColumns columns;
+    NearestColumns columns{};
     forEachStrip(zoom, rect, kNearestStrip, [&](unsigned int left, std::size_t count) {
         placeColumns(zoom, left, count, columns);
         const SourceSpan span(columns.index, count, zoom.elementSize);
