@@ -8,6 +8,7 @@
 #include "array/zoom_kernels.h"
 #include "array/zoom_strip.h"
 #include "frame/kernels.h"
+#include "velquad/array.h"
 
 namespace velquad::array {
 
@@ -69,44 +70,42 @@ void weighColumns(ZoomColumns& columns) {
 
 void zoomBilinear(const Zoom& zoom, const CellRect& rect) {
     const ZoomValueKernels& kernels = zoomKernels().values[zoom.valueType];
+    const bool isInFloats = zoom.valueType == MAT_ARRAY_UINT8 && byteZoomKernels().bilinear.along != nullptr;
     const bool isDirect =
         kernels.bilinearDirect != nullptr && zoom.y.scale < kDirectScale && zoom.valuesPerElement <= 3;
+    // Rows that are not kept leave the cache to longer strips, which come from memory faster.
+    const std::size_t valuesPerStrip = isDirect && !isInFloats ? kZoomPiece : kValuesPerStrip;
     ZoomColumns columns;
-    forEachStrip(
-        zoom, rect, cellsPerStrip(zoom, isDirect ? kZoomPiece : kValuesPerStrip),
-        [&](unsigned int left, std::size_t count) {
-            placeColumns(zoom, left, count, columns);
-            StripWriter writer(zoom, rect, left, count);
-            const double* const weights[4] = {columns.rest, columns.fraction, nullptr, nullptr};
-            const auto weighRows = [](double fraction, double* result) {
-                result[0] = 1.0 - fraction;
-                result[1] = fraction;
-            };
-            if (zoomByteStrip(zoom, rect, byteZoomKernels().bilinear, columns, weights, writer, weighRows))
-                return;
-            HeldRows<BilinearRow, 2> rows;
-            const auto rowOf = [&](unsigned int y, unsigned int rowsAhead) -> const BilinearRow& {
-                return rows.get(y, [&](BilinearRow& row) {
-                    kernels.bilinearAlong(sourceAt(zoom, y, rowsAhead), columns, row);
-                });
-            };
-            for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom);
-                 ++y) {
-                const Position at(zoom.y, y);
-                const unsigned int rowsAhead = rowsToNextCells(zoom, y);
-                writer.writeRow(y, [&](unsigned char* to) {
-                    if (isDirect) {
-                        kernels.bilinearDirect(sourceAt(zoom, at.index, rowsAhead),
-                                               sourceAt(zoom, at.index + 1, rowsAhead), columns, at.fraction,
-                                               to);
-                        return;
-                    }
-                    const BilinearRow& upper = rowOf(at.index, rowsAhead);
-                    kernels.bilinearAcross(upper, rowOf(at.index + 1, rowsAhead), at.fraction, to,
-                                           columns.count);
-                });
-            }
-        });
+    forEachStrip(zoom, rect, cellsPerStrip(zoom, valuesPerStrip), [&](unsigned int left, std::size_t count) {
+        placeColumns(zoom, left, count, columns);
+        StripWriter writer(zoom, rect, left, count);
+        const double* const weights[4] = {columns.rest, columns.fraction, nullptr, nullptr};
+        const auto weighRows = [](double fraction, double* result) {
+            result[0] = 1.0 - fraction;
+            result[1] = fraction;
+        };
+        if (zoomByteStrip(zoom, rect, byteZoomKernels().bilinear, columns, weights, writer, weighRows))
+            return;
+        HeldRows<BilinearRow, 2> rows;
+        const auto rowOf = [&](unsigned int y, unsigned int rowsAhead) -> const BilinearRow& {
+            return rows.get(y, [&](BilinearRow& row) {
+                kernels.bilinearAlong(sourceAt(zoom, y, rowsAhead), columns, row);
+            });
+        };
+        for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom); ++y) {
+            const Position at(zoom.y, y);
+            const unsigned int rowsAhead = rowsToNextCells(zoom, y);
+            writer.writeRow(y, [&](unsigned char* to) {
+                if (isDirect) {
+                    kernels.bilinearDirect(sourceAt(zoom, at.index, rowsAhead),
+                                           sourceAt(zoom, at.index + 1, rowsAhead), columns, at.fraction, to);
+                    return;
+                }
+                const BilinearRow& upper = rowOf(at.index, rowsAhead);
+                kernels.bilinearAcross(upper, rowOf(at.index + 1, rowsAhead), at.fraction, to, columns.count);
+            });
+        }
+    });
 }
 
 void zoomCubic(const Zoom& zoom, const CellRect& rect) {
