@@ -7,7 +7,9 @@
 #include "array/array_2d.h"
 #include "array/element.h"
 #include "array/element_kernels.h"
+#include "array/prefetch.h"
 #include "array/rounding.h"
+#include "array/stream_kernels.h"
 #include "frame/convert.h"
 #include "frame/kernels.h"
 #include "velquad/array.h"
@@ -34,12 +36,8 @@ constexpr double kSmallestUInt32 = 1e-7;
 /// Results of a linear map within this need no look at their range when they are rounded.
 constexpr double kNarrowLimit = 2147483000.0;
 
-/// Calls `work(row)` for all rows of an array.
-template <class Work>
-void forEachRow(const void* rows, unsigned int height, Work work) {
-    for (std::size_t y = 0; y < height; ++y)
-        work(rowAt(rows, y));
-}
+/// Bytes of a part of a row, which is asked for as a whole while the part before it is worked on.
+constexpr std::size_t kPartBytes = 4096;
 
 /// The elements to work on first so that what follows begins with a cache line; vectors that lie across two lines
 /// take twice as long to store.
@@ -50,30 +48,92 @@ std::size_t countToCacheLine(const void* row, std::size_t elementBytes, std::siz
     return count < kWorthwhile || gap % elementBytes != 0 ? 0 : gap / elementBytes;
 }
 
-/// Calls `work(part, count)` for the rows of an array in place, in parts that suit the cache.
+/// Elements of one or two rows that are worked on in step. In place, `from` is `to`.
+struct Run {
+    const unsigned char* from;
+    unsigned char* to;
+    std::size_t fromBytes;  ///< Bytes of an element.
+    std::size_t toBytes;
+    std::size_t count;
+
+    std::size_t countPerPart() const { return kPartBytes / (fromBytes > toBytes ? fromBytes : toBytes); }
+
+    Run part(std::size_t begin, std::size_t most) const {
+        const std::size_t rest = count - begin;
+        return {from + begin * fromBytes, to + begin * toBytes, fromBytes, toBytes,
+                rest < most ? rest : most};
+    }
+
+    void prefetch() const {
+        prefetchRange(to, count * toBytes);
+        if (from != to) prefetchRange(from, count * fromBytes);
+    }
+};
+
+/// Calls `work(from, to, count)` for the parts of a row. `next` is what will be worked on behind it.
 template <class Work>
-void forEachPart(const void* rows, unsigned int width, unsigned int height, unsigned int type, Work work) {
-    const std::size_t bytes = elementSize(type);
-    forEachRow(rows, height, [&](unsigned char* row) {
-        const std::size_t head = countToCacheLine(row, bytes, width);
-        if (head != 0) work(row, head);
-        work(row + head * bytes, width - head);
-    });
+void forEachPart(const Run& row, const Run& next, Work work) {
+    const std::size_t perPart = row.countPerPart();
+    const std::size_t head = countToCacheLine(row.to, row.toBytes, row.count);
+    if (head != 0) work(row.from, row.to, head);
+    for (std::size_t begin = head; begin < row.count; begin += perPart) {
+        const Run part = row.part(begin, perPart);
+        const std::size_t end = begin + part.count;
+        (end < row.count ? row.part(end, perPart) : next).prefetch();
+        work(part.from, part.to, part.count);
+    }
 }
 
-/// Calls `work(from, to, count)` for the rows of two arrays, in parts that suit the cache.
+/// The same for a destination that is streamed: each part is made in a buffer and copied from there.
 template <class Work>
-void forEachPart(const void* source, unsigned int sourceType, const void* destination,
-                 unsigned int destinationType, unsigned int width, unsigned int height, Work work) {
-    const std::size_t sourceBytes = elementSize(sourceType);
-    const std::size_t bytes = elementSize(destinationType);
-    for (std::size_t y = 0; y < height; ++y) {
-        const unsigned char* from = rowAt(source, y);
-        unsigned char* to = rowAt(destination, y);
-        const std::size_t head = countToCacheLine(to, bytes, width);
-        if (head != 0) work(from, to, head);
-        work(from + head * sourceBytes, to + head * bytes, width - head);
+void forEachStreamedPart(const Run& row, const Run& next, Work work) {
+    alignas(64) unsigned char buffer[kPartBytes];
+    const std::size_t perPart = row.countPerPart();
+    const std::size_t head = countToCacheLine(row.to, row.toBytes, row.count);
+    if (head != 0) work(row.from, row.to, head);
+    for (std::size_t begin = head; begin < row.count; begin += perPart) {
+        const Run part = row.part(begin, perPart);
+        const std::size_t end = begin + part.count;
+        const Run following = end < row.count ? row.part(end, perPart) : next;
+        if (row.from != row.to) prefetchRange(following.from, following.count * following.fromBytes);
+        work(part.from, buffer, part.count);
+        streamKernels().copy(buffer, part.to, part.count * part.toBytes);
     }
+}
+
+/// What an operation does with the elements that stand at its destination.
+enum class Destination { kRead, kOverwritten };
+
+/// Calls `work(from, to, count)` for the rows of two arrays, in parts that suit the cache. A destination that is only
+/// overwritten may be streamed: then `to` lies in a buffer.
+template <class Work>
+void forEachPart(Destination use, const void* source, unsigned int sourceType, const void* destination,
+                 unsigned int destinationType, unsigned int width, unsigned int height, Work work) {
+    const auto runAt = [&](std::size_t y) {
+        return Run{rowAt(source, y), rowAt(destination, y), elementSize(sourceType),
+                   elementSize(destinationType), width};
+    };
+    const std::size_t bytes = std::size_t{elementSize(destinationType)} * width;
+    const bool isStreamed =
+        use == Destination::kOverwritten && height != 0 && bytes >= kStreamedBytes / height;
+    for (std::size_t y = 0; y < height; ++y) {
+        const Run row = runAt(y);
+        const Run next = y + 1 < height ? runAt(y + 1).part(0, row.countPerPart()) : row.part(width, 0);
+        if (isStreamed) {
+            forEachStreamedPart(row, next, work);
+        } else {
+            forEachPart(row, next, work);
+        }
+    }
+    if (isStreamed) streamKernels().finish();
+}
+
+/// Calls `work(part, count)` for the rows of an array in place, in parts that suit the cache.
+template <class Work>
+void forEachPart(const void* rows, unsigned int width, unsigned int height, unsigned int type, Work work,
+                 Destination use = Destination::kRead) {
+    forEachPart(use, rows, type, rows, type, width, height,
+                [&](const void* /*from*/, unsigned char* to, std::size_t count) { work(to, count); });
 }
 
 bool isType(unsigned int type) {
@@ -106,9 +166,24 @@ void rangeOfFloats(const void* rows, unsigned int width, unsigned int height, do
     float least = kInfinity;
     float greatest = -kInfinity;
     const auto floatRange = elementKernels().floatRange;
-    forEachRow(rows, height, [&](const void* row) { floatRange(row, width, least, greatest); });
+    forEachPart(rows, width, height, MAT_ARRAY_FLOAT,
+                [&](const void* part, std::size_t count) { floatRange(part, count, least, greatest); });
     min = least == kInfinity ? velquad::kNoValue : static_cast<double>(least);
     max = greatest == -kInfinity ? -velquad::kNoValue : static_cast<double>(greatest);
+}
+
+/// Floats become floats and doubles as they are.
+bool isNormalised(unsigned int type) {
+    return type != MAT_ARRAY_FLOAT && type != MAT_ARRAY_DOUBLE;
+}
+
+Normalisation normalisationOf(const void* rows, unsigned int width, unsigned int height, unsigned int type) {
+    double min = 0.0;
+    double max = 0.0;
+    rangeOfFloats(rows, width, height, min, max);
+    const double extent = max - min;
+    const double scale = kFlatRange > std::fabs(extent) ? 0.0 : 1.0 / extent;
+    return {min, scale * spanOf(type)};
 }
 
 void storePackedPixel(double value, void* out, std::size_t bytes) {
@@ -228,7 +303,8 @@ extern "C" int matConvertArrayToFloat2v(const void* const* source, float* const*
     const bool isPixel = type == MAT_ARRAY_BYTE3 || type == MAT_ARRAY_BYTE4;
     const auto convert = isPixel && (flags & 1) != 0 ? kernels.largestToFloat[type] : kernels.toFloat[type];
     if (convert == nullptr) return 0;
-    forEachPart(source, type, destination, MAT_ARRAY_FLOAT, width, height, convert);
+    forEachPart(Destination::kOverwritten, source, type, destination, MAT_ARRAY_FLOAT, width, height,
+                convert);
     return 1;
 }
 
@@ -236,15 +312,11 @@ extern "C" int matConvertArrayFromFloat2v(const float* const* source, void* cons
                                           unsigned int width, unsigned int height, unsigned int type) {
     if (source == nullptr || destination == nullptr) return 0;
     if (width == 0 || height == 0 || !isType(type)) return 0;
-    double min = 0.0;
-    double max = 0.0;
-    rangeOfFloats(source, width, height, min, max);
-    const double extent = max - min;
-    const double scale = kFlatRange > std::fabs(extent) ? 0.0 : 1.0 / extent;
-    const Normalisation normalisation{min, scale * spanOf(type)};
+    const Normalisation normalisation =
+        isNormalised(type) ? normalisationOf(source, width, height, type) : Normalisation{};
     const auto convert = elementKernels().fromFloat[type];
     forEachPart(
-        source, MAT_ARRAY_FLOAT, destination, type, width, height,
+        Destination::kOverwritten, source, MAT_ARRAY_FLOAT, destination, type, width, height,
         [&](const void* from, void* to, std::size_t count) { convert(from, to, count, normalisation); });
     return 1;
 }
@@ -254,8 +326,10 @@ extern "C" int matClearArray2v(void* const* rows, unsigned int width, unsigned i
     unsigned char element[8] = {};
     if (!hasRows(rows, height) || !mapValue(value, element, type)) return 0;
     const auto fill = elementKernels().fill[type];
-    forEachPart(rows, width, height, type,
-                [&](void* part, std::size_t count) { fill(part, count, element); });
+    // Of pixels of four bytes the last one stays.
+    forEachPart(
+        rows, width, height, type, [&](void* part, std::size_t count) { fill(part, count, element); },
+        type == MAT_ARRAY_BYTE4 ? Destination::kRead : Destination::kOverwritten);
     return 1;
 }
 

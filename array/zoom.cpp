@@ -1,124 +1,29 @@
 // Zoom by nearest, bilinear and cubic interpolation.
 //
-// The destination is cut into rectangles by how much of a position's neighbourhood the source has. Each rectangle is
-// worked on in strips of a few hundred columns, so that what belongs to the columns (source index, weights) is
-// computed once, stands on the stack, and stays in the nearest cache. Interpolation is separable in exactly the
-// order of its operations: the part along x depends on the source row and the column only, so a strip keeps it for
-// the two or four source rows in use and computes it once per source row instead of once per destination cell.
-#include <cmath>
-#include <cstring>
+// The destination is cut into rectangles by how much of a position's neighbourhood the source has, and each rectangle is
+// filled by the best interpolation that needs no sample outside.
+#include <cstdint>
 
 #include "array/array_2d.h"
 #include "array/element.h"
 #include "array/roi.h"
-#include "array/zoom_kernels.h"
-#include "frame/kernels.h"
+#include "array/stream_kernels.h"
+#include "array/zoom_job.h"
 #include "velquad/array.h"
 
-namespace velquad::array {
-
-VELQUAD_DEFINE_KERNELS(ZoomKernels, kZoomKernels, zoomKernels)
-
-}  // namespace velquad::array
-
-using velquad::array::BilinearRow;
-using velquad::array::CubicRow;
-using velquad::array::CubicWeights;
-using velquad::array::kZoomPiece;
-using velquad::array::rowAt;
-using velquad::array::ZoomColumns;
-using velquad::array::ZoomKernels;
-using velquad::array::zoomKernels;
-using velquad::array::ZoomValueKernels;
+using velquad::array::Axis;
+using velquad::array::CellRect;
+using velquad::array::kStreamedBytes;
+using velquad::array::streamKernels;
+using velquad::array::Zoom;
+using velquad::array::zoomBilinear;
+using velquad::array::zoomCubic;
+using velquad::array::zoomNearest;
 
 namespace {
 
-/// A source must have this much more than the samples that a position needs.
-constexpr double kNeighbourMargin = 1e-7;
-
-/// Columns of a strip for nearest samples, which needs no more than an index of each.
-constexpr std::size_t kNearestStrip = 2048;
-
-/// Below this scale hardly any source row serves two destination rows.
-constexpr double kDirectScale = 0.8;
-
 constexpr unsigned int kBilinearFlag = 2;
 constexpr unsigned int kCubicFlag = 4;
-
-/// Inclusive on all sides; empty when right < left or bottom < top.
-struct CellRect {
-    int left = 0;
-    int top = 0;
-    int right = -1;
-    int bottom = -1;
-
-    bool isEmpty() const { return right < left || bottom < top; }
-};
-
-/// One axis of a zoom.
-struct Axis {
-    unsigned int sourceSize;
-    unsigned int destinationSize;
-    double scale;
-
-    Axis(unsigned int source, unsigned int destination)
-        : sourceSize(source),
-          destinationSize(destination),
-          scale(static_cast<double>(destination) / static_cast<double>(source)) {}
-
-    double position(unsigned int cell) const { return static_cast<double>(cell) / scale; }
-
-    /// The first cell that has a sample before its position; 0 when there is none.
-    int firstWithSampleBefore() const {
-        for (unsigned int cell = 0; cell < destinationSize; ++cell) {
-            if (std::trunc(position(cell)) > 0.0) return static_cast<int>(cell);
-        }
-        return 0;
-    }
-
-    /// The last cell that has `needed` samples behind its position; -1 when there is none.
-    int lastWithSamplesBehind(double needed) const {
-        for (unsigned int cell = destinationSize; cell-- > 0;) {
-            if (sourceSize > std::trunc(position(cell)) + needed + kNeighbourMargin)
-                return static_cast<int>(cell);
-        }
-        return -1;
-    }
-
-    int lastCell() const { return static_cast<int>(destinationSize - 1); }
-
-    /// The sample nearest to a cell's position.
-    unsigned int nearestSample(unsigned int cell) const {
-        const double sample = std::trunc(position(cell) + 0.5);
-        return sample < sourceSize - 1 ? static_cast<unsigned int>(sample) : sourceSize - 1;
-    }
-};
-
-/// A whole number and the way to the next one.
-struct Position {
-    unsigned int index;
-    double fraction;
-
-    Position(const Axis& axis, unsigned int cell) {
-        const double position = axis.position(cell);
-        index = static_cast<unsigned int>(position);
-        fraction = position - index;
-    }
-};
-
-struct Zoom {
-    Axis x;
-    Axis y;
-    const void* sourceRows;
-    const void* destinationRows;
-    std::size_t elementSize;        ///< Bytes of an element.
-    unsigned int valueType;         ///< Type code of the values of an element.
-    unsigned int valuesPerElement;  ///< 3 or 4 for pixels of bytes, else 1.
-
-    unsigned char* destination(unsigned int row, unsigned int column) const {
-        return rowAt(destinationRows, row) + column * elementSize;
-    }
-};
 
 /// The cells that have all samples for bilinear interpolation.
 CellRect bilinearRect(const Zoom& zoom) {
@@ -129,166 +34,6 @@ CellRect bilinearRect(const Zoom& zoom) {
 CellRect cubicRect(const Zoom& zoom) {
     return {zoom.x.firstWithSampleBefore(), zoom.y.firstWithSampleBefore(), zoom.x.lastWithSamplesBehind(2.0),
             zoom.y.lastWithSamplesBehind(2.0)};
-}
-
-/// Convolution weights with the parameter -1, all of them kept positive.
-CubicWeights cubicWeights(double t) {
-    return {(1 - t) * t * (1 - t), 1 - (t + t) * t + t * t * t, ((1 - t) * t + 1) * t, (1 - t) * t * t};
-}
-
-/// Calls `work(left, count)` for the strips of a rectangle.
-template <class Work>
-void forEachStrip(const CellRect& rect, std::size_t columnsPerStrip, Work work) {
-    if (rect.isEmpty()) return;
-    const auto end = static_cast<std::size_t>(rect.right) + 1;
-    for (auto left = static_cast<std::size_t>(rect.left); left < end; left += columnsPerStrip)
-        work(static_cast<unsigned int>(left), end - left < columnsPerStrip ? end - left : columnsPerStrip);
-}
-
-/// The bytes of a source row that a strip of columns reads.
-struct SourceSpan {
-    std::size_t begin;
-    std::size_t end;
-
-    SourceSpan(const std::int32_t* index, std::size_t count, std::size_t indexedBytes)
-        : begin(static_cast<std::size_t>(index[0]) * indexedBytes),
-          end((static_cast<std::size_t>(index[count - 1]) + 1) * indexedBytes) {}
-
-    /// Asks for a row ahead of its use. Strips are too short for the processor to see by itself where the next one
-    /// begins.
-    void prefetch(const void* sourceRows, unsigned int y) const {
-        constexpr std::size_t kCacheLine = 64;
-        const unsigned char* row = rowAt(sourceRows, y);
-        for (std::size_t at = begin; at < end; at += kCacheLine)
-            __builtin_prefetch(row + at);
-    }
-};
-
-void zoomNearest(const Zoom& zoom, const CellRect& rect) {
-    const auto copyRow = zoomKernels().nearest[zoom.elementSize];
-    forEachStrip(rect, kNearestStrip, [&](unsigned int left, std::size_t count) {
-        std::int32_t index[kNearestStrip] = {};
-        for (std::size_t i = 0; i < count; ++i)
-            index[i] = static_cast<std::int32_t>(zoom.x.nearestSample(left + static_cast<unsigned int>(i)));
-        const SourceSpan span(index, count, zoom.elementSize);
-        const unsigned char* rowBefore = nullptr;
-        unsigned int sampleBefore = 0;
-        for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom); ++y) {
-            const unsigned int sample = zoom.y.nearestSample(y);
-            unsigned char* destination = zoom.destination(y, left);
-            if (rowBefore != nullptr && sample == sampleBefore) {
-                std::memmove(destination, rowBefore, count * zoom.elementSize);
-            } else {
-                if (y != static_cast<unsigned int>(rect.bottom))
-                    span.prefetch(zoom.sourceRows, zoom.y.nearestSample(y + 1));
-                copyRow(rowAt(zoom.sourceRows, sample), index, destination, count);
-            }
-            rowBefore = destination;
-            sampleBefore = sample;
-        }
-    });
-}
-
-/// Fills in where the columns of a strip lie.
-void placeColumns(const Zoom& zoom, unsigned int left, std::size_t elementCount, ZoomColumns& columns) {
-    const unsigned int parts = zoom.valuesPerElement;
-    columns.count = elementCount * parts;
-    columns.step = static_cast<std::int32_t>(parts);
-    columns.lastIndex = static_cast<std::int32_t>(zoom.x.sourceSize * parts - 1);
-    for (std::size_t i = 0; i < elementCount; ++i) {
-        const Position at(zoom.x, left + static_cast<unsigned int>(i));
-        for (std::size_t part = 0; part < parts; ++part) {
-            const std::size_t column = i * parts + part;
-            columns.index[column] = static_cast<std::int32_t>(at.index * parts + part);
-            columns.fraction[column] = at.fraction;
-            columns.rest[column] = 1 - at.fraction;
-        }
-    }
-}
-
-SourceSpan spanOf(const Zoom& zoom, const ZoomColumns& columns) {
-    return {columns.index, columns.count, zoom.elementSize / zoom.valuesPerElement};
-}
-
-/// Asks for the source rows that the next position needs and the current one does not. `behind`: rows behind a
-/// position that interpolation needs; before it, it needs one less.
-void prefetchRows(const Zoom& zoom, const SourceSpan& span, const Position& now, const Position& next,
-                  unsigned int behind) {
-    const unsigned int last = next.index + behind;
-    const unsigned int firstNeeded = next.index + 1 - behind;
-    const unsigned int firstNew = now.index + behind + 1;
-    for (unsigned int y = firstNew < firstNeeded ? firstNeeded : firstNew; y <= last; ++y)
-        span.prefetch(zoom.sourceRows, y);
-}
-
-void zoomBilinear(const Zoom& zoom, const CellRect& rect) {
-    constexpr unsigned int kNoRow = 0xFFFFFFFFU;
-    const ZoomValueKernels& kernels = zoomKernels().values[zoom.valueType];
-    const bool isDirect =
-        kernels.bilinearDirect != nullptr && zoom.y.scale < kDirectScale && zoom.valuesPerElement <= 3;
-    ZoomColumns columns;
-    forEachStrip(rect, kZoomPiece / zoom.valuesPerElement, [&](unsigned int left, std::size_t count) {
-        placeColumns(zoom, left, count, columns);
-        const SourceSpan span = spanOf(zoom, columns);
-        BilinearRow rows[2];
-        unsigned int held[2] = {kNoRow, kNoRow};
-        const auto rowOf = [&](unsigned int y) -> const BilinearRow& {
-            if (held[y % 2] != y) kernels.bilinearAlong(rowAt(zoom.sourceRows, y), columns, rows[y % 2]);
-            held[y % 2] = y;
-            return rows[y % 2];
-        };
-        for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom); ++y) {
-            const Position at(zoom.y, y);
-            if (y != static_cast<unsigned int>(rect.bottom))
-                prefetchRows(zoom, span, at, Position(zoom.y, y + 1), 1);
-            if (isDirect) {
-                kernels.bilinearDirect(rowAt(zoom.sourceRows, at.index), rowAt(zoom.sourceRows, at.index + 1),
-                                       columns, at.fraction, zoom.destination(y, left));
-                continue;
-            }
-            const BilinearRow& upper = rowOf(at.index);
-            kernels.bilinearAcross(upper, rowOf(at.index + 1), at.fraction, zoom.destination(y, left),
-                                   columns.count);
-        }
-    });
-}
-
-void weighColumns(ZoomColumns& columns) {
-    for (std::size_t i = 0; i < columns.count; ++i) {
-        const CubicWeights weights = cubicWeights(columns.fraction[i]);
-        columns.weight[0][i] = weights.a;
-        columns.weight[1][i] = weights.b;
-        columns.weight[2][i] = weights.c;
-        columns.weight[3][i] = weights.d;
-    }
-}
-
-void zoomCubic(const Zoom& zoom, const CellRect& rect) {
-    constexpr unsigned int kNoRow = 0xFFFFFFFFU;
-    const ZoomValueKernels& kernels = zoomKernels().values[zoom.valueType];
-    // Stands for the row before the first, which has the weight 0.
-    static constexpr CubicRow kAbsentRow = {};
-    ZoomColumns columns;
-    forEachStrip(rect, kZoomPiece / zoom.valuesPerElement, [&](unsigned int left, std::size_t count) {
-        placeColumns(zoom, left, count, columns);
-        weighColumns(columns);
-        const SourceSpan span = spanOf(zoom, columns);
-        CubicRow rows[4];
-        unsigned int held[4] = {kNoRow, kNoRow, kNoRow, kNoRow};
-        const auto rowOf = [&](unsigned int y) -> const CubicRow* {
-            if (held[y % 4] != y) kernels.cubicAlong(rowAt(zoom.sourceRows, y), columns, rows[y % 4]);
-            held[y % 4] = y;
-            return &rows[y % 4];
-        };
-        for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom); ++y) {
-            const Position at(zoom.y, y);
-            if (y != static_cast<unsigned int>(rect.bottom))
-                prefetchRows(zoom, span, at, Position(zoom.y, y + 1), 2);
-            const CubicRow* const around[4] = {at.index == 0 ? &kAbsentRow : rowOf(at.index - 1),
-                                               rowOf(at.index), rowOf(at.index + 1), rowOf(at.index + 2)};
-            kernels.cubicAcross(around, cubicWeights(at.fraction), zoom.destination(y, left), columns.count);
-        }
-    });
 }
 
 /// Nearest samples where the source ends right of or below a bilinear rectangle.
@@ -336,8 +81,10 @@ void zoomArray(unsigned int srcWidth, unsigned int srcHeight, const void* srcRow
                         dstRows,
                         ElementType::kBytes,
                         ElementType::kComponents == 1 ? ElementType::kType : MAT_ARRAY_UINT8,
-                        ElementType::kComponents};
+                        ElementType::kComponents,
+                        std::size_t{dstWidth} * dstHeight >= kStreamedBytes / ElementType::kBytes};
         zoomByFlags(zoom, flags);
+        if (zoom.isStreamed) streamKernels().finish();
     });
 }
 

@@ -1,15 +1,12 @@
 // Inner loops of zoom. Compiled for several instruction sets; see frame/kernels.h for what may be used here.
 #include "array/zoom_kernels.h"
 
+#include "array/prefetch.h"
 #include "array/rounding.h"
 
-#if defined(__AVX512F__) && defined(__AVX512DQ__) && defined(__AVX512VL__)
+#if defined(__AVX512F__) && defined(__AVX512BW__) && defined(__AVX512DQ__) && defined(__AVX512VL__)
 #define VELQUAD_ZOOM_GATHERS 1
-#if !defined(__clang__)
-// The compiler's own header leaves the operand undefined that an unmasked conversion does not use.
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#endif
-#include <immintrin.h>
+#include "array/zoom_lanes.h"
 #else
 #define VELQUAD_ZOOM_GATHERS 0
 #endif
@@ -50,98 +47,6 @@ VELQUAD_ALWAYS_INLINE typename ElementType::Value stored(double v) {
 
 #if VELQUAD_ZOOM_GATHERS
 
-/// Eight columns at a time, with the neighbours of each gathered as one word. The operations and their order are those
-/// of the plain loops. Only for the types that measure most; `load` never reads beyond what the interpolation needs,
-/// but for bytes with the step 1, whose pairs take two more.
-template <class Value>
-struct Lanes;
-
-VELQUAD_ALWAYS_INLINE __m256i loadIndex(const std::int32_t* index) {
-    return _mm256_loadu_si256(reinterpret_cast<const __m256i_u*>(index));
-}
-
-VELQUAD_ALWAYS_INLINE __m512d byteOf(__m256i words, int shift) {
-    const __m256i bytes =
-        _mm256_and_si256(_mm256_srl_epi32(words, _mm_cvtsi32_si128(shift)), _mm256_set1_epi32(255));
-    return _mm512_cvtepi32_pd(bytes);
-}
-
-template <>
-struct Lanes<std::uint8_t> {
-    VELQUAD_ALWAYS_INLINE static void pair(const unsigned char* row, __m256i index, int step, __m512d* p) {
-        const __m256i words =
-            _mm256_i32gather_epi32(static_cast<const int*>(static_cast<const void*>(row)), index, 1);
-        p[0] = byteOf(words, 0);
-        p[1] = byteOf(words, 8 * step);
-    }
-    /// The samples before, at, behind and two behind; `index` is that of the first.
-    VELQUAD_ALWAYS_INLINE static void quad(const unsigned char* row, __m256i index, int step, __m512d* p) {
-        if (step == 1) {
-            const __m256i words =
-                _mm256_i32gather_epi32(static_cast<const int*>(static_cast<const void*>(row)), index, 1);
-            for (int i = 0; i < 4; ++i)
-                p[i] = byteOf(words, 8 * i);
-        } else {
-            pair(row, index, step, p);
-            pair(row + 2 * step, index, step, p + 2);
-        }
-    }
-};
-
-template <>
-struct Lanes<std::uint16_t> {
-    VELQUAD_ALWAYS_INLINE static void pair(const unsigned char* row, __m256i index, int /*step*/,
-                                           __m512d* p) {
-        const __m256i words =
-            _mm256_i32gather_epi32(static_cast<const int*>(static_cast<const void*>(row)), index, 2);
-        p[0] = _mm512_cvtepi32_pd(_mm256_and_si256(words, _mm256_set1_epi32(0xFFFF)));
-        p[1] = _mm512_cvtepi32_pd(_mm256_srli_epi32(words, 16));
-    }
-    VELQUAD_ALWAYS_INLINE static void quad(const unsigned char* row, __m256i index, int step, __m512d* p) {
-        pair(row, index, step, p);
-        pair(row + 4, index, step, p + 2);
-    }
-};
-
-template <>
-struct Lanes<float> {
-    VELQUAD_ALWAYS_INLINE static void pair(const unsigned char* row, __m256i index, int /*step*/,
-                                           __m512d* p) {
-        const __m512i words = _mm512_i32gather_epi64(index, row, 4);
-        p[0] = _mm512_cvtps_pd(_mm256_castsi256_ps(_mm512_cvtepi64_epi32(words)));
-        p[1] = _mm512_cvtps_pd(_mm256_castsi256_ps(_mm512_cvtepi64_epi32(_mm512_srli_epi64(words, 32))));
-    }
-    VELQUAD_ALWAYS_INLINE static void quad(const unsigned char* row, __m256i index, int step, __m512d* p) {
-        pair(row, index, step, p);
-        pair(row + 8, index, step, p + 2);
-    }
-};
-
-template <>
-struct Lanes<double> {
-    VELQUAD_ALWAYS_INLINE static void pair(const unsigned char* row, __m256i index, int /*step*/,
-                                           __m512d* p) {
-        p[0] = _mm512_i32gather_pd(index, row, 8);
-        p[1] = _mm512_i32gather_pd(index, row + 8, 8);
-    }
-    VELQUAD_ALWAYS_INLINE static void quad(const unsigned char* row, __m256i index, int step, __m512d* p) {
-        pair(row, index, step, p);
-        pair(row + 16, index, step, p + 2);
-    }
-};
-
-/// Columns that may be worked on in lanes: whole groups of eight within [begin, count), of which bytes with the step 1
-/// leave out those whose word would reach beyond the row.
-template <class Value>
-VELQUAD_ALWAYS_INLINE std::size_t endOfLanes(const ZoomColumns& columns, std::size_t begin) {
-    std::size_t end = columns.count;
-    if (sizeof(Value) == 1 && columns.step == 1) {
-        while (end > begin && columns.index[end - 1] > columns.lastIndex - 3)
-            --end;
-    }
-    return end <= begin ? begin : begin + (end - begin) / 8 * 8;
-}
-
 template <class Value>
 VELQUAD_ALWAYS_INLINE void storeLanes(void* destination, std::size_t i, __m512d v) {
     auto* to = static_cast<unsigned char*>(destination) + i * sizeof(Value);
@@ -151,66 +56,99 @@ VELQUAD_ALWAYS_INLINE void storeLanes(void* destination, std::size_t i, __m512d 
         v = _mm512_max_pd(_mm512_set1_pd(-kLargestFloat), _mm512_min_pd(_mm512_set1_pd(kLargestFloat), v));
         _mm256_storeu_ps(static_cast<float*>(static_cast<void*>(to)), _mm512_cvtpd_ps(v));
     } else {
-        const __m256i rounded = _mm512_cvttpd_epi32(_mm512_add_pd(v, _mm512_set1_pd(0.5)));
+        // What is below 0 ends there, whichever half is added.
+        const __m256i rounded = _mm256_max_epi32(_mm512_cvttpd_epi32(_mm512_add_pd(v, _mm512_set1_pd(0.5))),
+                                                 _mm256_setzero_si256());
         if constexpr (sizeof(Value) == 2) {
-            _mm_storeu_si128(reinterpret_cast<__m128i_u*>(to), _mm256_cvtepi32_epi16(rounded));
+            _mm_storeu_si128(reinterpret_cast<__m128i_u*>(to), _mm256_cvtusepi32_epi16(rounded));
         } else {
-            _mm_storel_epi64(reinterpret_cast<__m128i_u*>(to), _mm256_cvtepi32_epi8(rounded));
+            _mm_storel_epi64(reinterpret_cast<__m128i_u*>(to), _mm256_cvtusepi32_epi8(rounded));
         }
     }
 }
 
+/// Eight columns at a time. The operations and their order are those of the plain loops. @return the first column that
+/// is left.
 template <class Value>
-std::size_t bilinearLanes(const unsigned char* upper, const unsigned char* lower, const ZoomColumns& columns,
+std::size_t bilinearLanes(const ZoomSource& upper, const ZoomSource& lower, const ZoomColumns& columns,
                           double fraction, void* destination) {
-    const std::size_t end = endOfLanes<Value>(columns, 0);
     const __m512d down = _mm512_set1_pd(fraction);
     const __m512d up = _mm512_set1_pd(1.0 - fraction);
-    for (std::size_t i = 0; i < end; i += 8) {
-        const __m256i index = loadIndex(columns.index + i);
+    return forEachLanes<Value>(columns, 0, [&](const auto& lanes, std::size_t i) VELQUAD_INLINE_LAMBDA {
         const __m512d right = _mm512_loadu_pd(columns.fraction + i);
         const __m512d left = _mm512_loadu_pd(columns.rest + i);
+        prefetchEight<Value>(upper.ahead, columns, i);
+        prefetchEight<Value>(lower.ahead, columns, i);
         __m512d p[2];
-        Lanes<Value>::pair(upper, index, columns.step, p);
+        lanes.pair(upper.row, p);
         __m512d v = _mm512_mul_pd(_mm512_mul_pd(p[0], left), up);
         v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_mul_pd(p[1], right), up));
-        Lanes<Value>::pair(lower, index, columns.step, p);
+        lanes.pair(lower.row, p);
         v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_mul_pd(p[0], left), down));
         v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_mul_pd(p[1], right), down));
         storeLanes<Value>(destination, i, v);
-    }
-    return end;
+    });
 }
 
-/// The part of bilinear interpolation along x. @return the columns that are done.
+/// The part of bilinear interpolation along x.
 template <class Value>
-std::size_t bilinearLanesAlong(const unsigned char* source, const ZoomColumns& columns, BilinearRow& row) {
-    const std::size_t end = endOfLanes<Value>(columns, 0);
-    for (std::size_t i = 0; i < end; i += 8) {
+std::size_t bilinearLanesAlong(const ZoomSource& source, const ZoomColumns& columns, BilinearRow& row) {
+    return forEachLanes<Value>(columns, 0, [&](const auto& lanes, std::size_t i) VELQUAD_INLINE_LAMBDA {
+        prefetchEight<Value>(source.ahead, columns, i);
         __m512d p[2];
-        Lanes<Value>::pair(source, loadIndex(columns.index + i), columns.step, p);
+        lanes.pair(source.row, p);
         _mm512_storeu_pd(row.left + i, _mm512_mul_pd(p[0], _mm512_loadu_pd(columns.rest + i)));
         _mm512_storeu_pd(row.right + i, _mm512_mul_pd(p[1], _mm512_loadu_pd(columns.fraction + i)));
-    }
-    return end;
+    });
 }
 
-/// `index` counts from the sample at a position; the row is taken one sample earlier.
 template <class Value>
-std::size_t cubicLanes(const unsigned char* row, const ZoomColumns& columns, std::size_t begin,
-                       CubicRow& result) {
-    const std::size_t end = begin + (columns.count - begin) / 8 * 8;
-    const __m256i back = _mm256_set1_epi32(columns.step);
-    for (std::size_t i = begin; i < end; i += 8) {
+std::size_t cubicLanes(const ZoomSource& source, const ZoomColumns& columns, std::size_t begin,
+                       CubicRow& row) {
+    return forEachLanes<Value>(columns, begin, [&](const auto& lanes, std::size_t i) VELQUAD_INLINE_LAMBDA {
+        prefetchEight<Value>(source.ahead, columns, i);
         __m512d p[4];
-        Lanes<Value>::quad(row, _mm256_sub_epi32(loadIndex(columns.index + i), back), columns.step, p);
+        lanes.quad(source.row, p);
         __m512d v = _mm512_mul_pd(p[1], _mm512_loadu_pd(columns.weight[1] + i));
         v = _mm512_sub_pd(v, _mm512_mul_pd(p[0], _mm512_loadu_pd(columns.weight[0] + i)));
         v = _mm512_add_pd(v, _mm512_mul_pd(p[2], _mm512_loadu_pd(columns.weight[2] + i)));
         v = _mm512_sub_pd(v, _mm512_mul_pd(p[3], _mm512_loadu_pd(columns.weight[3] + i)));
-        _mm512_storeu_pd(result.value + i, v);
+        _mm512_storeu_pd(row.value + i, v);
+    });
+}
+
+template <class Value>
+std::size_t bilinearLanesAcross(const BilinearRow& upper, const BilinearRow& lower, double fraction,
+                                void* destination, std::size_t count) {
+    const __m512d down = _mm512_set1_pd(fraction);
+    const __m512d up = _mm512_set1_pd(1.0 - fraction);
+    std::size_t i = 0;
+    for (; i + kLaneCount <= count; i += kLaneCount) {
+        __m512d v = _mm512_mul_pd(_mm512_loadu_pd(upper.left + i), up);
+        v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_loadu_pd(upper.right + i), up));
+        v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_loadu_pd(lower.left + i), down));
+        v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_loadu_pd(lower.right + i), down));
+        storeLanes<Value>(destination, i, v);
     }
-    return end;
+    return i;
+}
+
+template <class Value>
+std::size_t cubicLanesAcross(const CubicRow* const rows[4], const CubicWeights& weights, void* destination,
+                             std::size_t count) {
+    const __m512d a = _mm512_set1_pd(weights.a);
+    const __m512d b = _mm512_set1_pd(weights.b);
+    const __m512d c = _mm512_set1_pd(weights.c);
+    const __m512d d = _mm512_set1_pd(weights.d);
+    std::size_t i = 0;
+    for (; i + kLaneCount <= count; i += kLaneCount) {
+        __m512d v = _mm512_mul_pd(_mm512_loadu_pd(rows[1]->value + i), b);
+        v = _mm512_sub_pd(v, _mm512_mul_pd(_mm512_loadu_pd(rows[0]->value + i), a));
+        v = _mm512_add_pd(v, _mm512_mul_pd(_mm512_loadu_pd(rows[2]->value + i), c));
+        v = _mm512_sub_pd(v, _mm512_mul_pd(_mm512_loadu_pd(rows[3]->value + i), d));
+        storeLanes<Value>(destination, i, v);
+    }
+    return i;
 }
 
 #endif
@@ -275,15 +213,23 @@ VELQUAD_ALWAYS_INLINE void bilinearPixelsAlong(const void* sourceRow, const Zoom
         row.right[i] = next[i] * columns.fraction[i];
 }
 
+/// Asks for all that the columns need of a row.
+template <class Value>
+VELQUAD_ALWAYS_INLINE void prefetchColumns(const unsigned char* row, const ZoomColumns& columns) {
+    const auto begin = static_cast<std::size_t>(columns.index[0]);
+    const auto end = static_cast<std::size_t>(columns.index[columns.count - 1]) + 1;
+    prefetchRange(row + begin * sizeof(Value), (end - begin) * sizeof(Value));
+}
+
 template <class ElementType>
-void bilinearAlong(const void* sourceRow, const ZoomColumns& columns, BilinearRow& row) {
+void bilinearAlong(const ZoomSource& source, const ZoomColumns& columns, BilinearRow& row) {
     using Value = typename ElementType::Value;
 #if VELQUAD_ZOOM_GATHERS
     if constexpr (kHasLanes<ElementType>) {
         if (columns.step <= 3) {
-            const auto* from = static_cast<const unsigned char*>(sourceRow);
+            const unsigned char* from = source.row;
             const auto step = static_cast<std::size_t>(columns.step);
-            for (std::size_t i = bilinearLanesAlong<Value>(from, columns, row); i < columns.count; ++i) {
+            for (std::size_t i = bilinearLanesAlong<Value>(source, columns, row); i < columns.count; ++i) {
                 const auto index = static_cast<std::size_t>(columns.index[i]);
                 row.left[i] = static_cast<double>(loadElement<Value>(from, index)) * columns.rest[i];
                 row.right[i] =
@@ -293,12 +239,13 @@ void bilinearAlong(const void* sourceRow, const ZoomColumns& columns, BilinearRo
         }
     }
 #endif
+    prefetchColumns<Value>(source.ahead, columns);
     if constexpr (ElementType::kType == MAT_ARRAY_UINT8) {
-        if (columns.step == 3) return bilinearPixelsAlong<3>(sourceRow, columns, row);
-        if (columns.step == 4) return bilinearPixelsAlong<4>(sourceRow, columns, row);
+        if (columns.step == 3) return bilinearPixelsAlong<3>(source.row, columns, row);
+        if (columns.step == 4) return bilinearPixelsAlong<4>(source.row, columns, row);
     }
     Neighbours<Value, 2> pairs[kZoomPiece];
-    gather(sourceRow, columns, 0, 0, pairs);
+    gather(source.row, columns, 0, 0, pairs);
     for (std::size_t i = 0; i < columns.count; ++i) {
         row.left[i] = static_cast<double>(pairs[i].value[0]) * columns.rest[i];
         row.right[i] = static_cast<double>(pairs[i].value[1]) * columns.fraction[i];
@@ -309,7 +256,12 @@ template <class ElementType>
 void bilinearAcross(const BilinearRow& upper, const BilinearRow& lower, double fraction, void* destination,
                     std::size_t count) {
     const double rest = 1.0 - fraction;
-    for (std::size_t i = 0; i < count; ++i) {
+    std::size_t i = 0;
+#if VELQUAD_ZOOM_GATHERS
+    if constexpr (kHasLanes<ElementType>)
+        i = bilinearLanesAcross<typename ElementType::Value>(upper, lower, fraction, destination, count);
+#endif
+    for (; i < count; ++i) {
         const double v = upper.left[i] * rest + upper.right[i] * rest + lower.left[i] * fraction +
                          lower.right[i] * fraction;
         storeElement(destination, i, stored<ElementType, true>(v));
@@ -371,24 +323,25 @@ VELQUAD_ALWAYS_INLINE void cubicPixelsAlong(const void* sourceRow, const ZoomCol
 }
 
 template <class ElementType>
-void cubicAlong(const void* sourceRow, const ZoomColumns& columns, CubicRow& row) {
+void cubicAlong(const ZoomSource& source, const ZoomColumns& columns, CubicRow& row) {
     using Value = typename ElementType::Value;
-    std::size_t begin = cubicAtFirstSample<Value>(sourceRow, columns, row);
+    std::size_t begin = cubicAtFirstSample<Value>(source.row, columns, row);
 #if VELQUAD_ZOOM_GATHERS
     if constexpr (kHasLanes<ElementType>) {
         if (columns.step <= 3) {
-            begin = cubicLanes<Value>(static_cast<const unsigned char*>(sourceRow), columns, begin, row);
-            cubicOneByOne<Value>(sourceRow, columns, begin, row);
+            begin = cubicLanes<Value>(source, columns, begin, row);
+            cubicOneByOne<Value>(source.row, columns, begin, row);
             return;
         }
     }
 #endif
+    prefetchColumns<Value>(source.ahead, columns);
     if constexpr (ElementType::kType == MAT_ARRAY_UINT8) {
-        if (columns.step == 3) return cubicPixelsAlong<3>(sourceRow, columns, begin, row);
-        if (columns.step == 4) return cubicPixelsAlong<4>(sourceRow, columns, begin, row);
+        if (columns.step == 3) return cubicPixelsAlong<3>(source.row, columns, begin, row);
+        if (columns.step == 4) return cubicPixelsAlong<4>(source.row, columns, begin, row);
     }
     Neighbours<Value, 4> quads[kZoomPiece];
-    gather(sourceRow, columns, begin, 1, quads);
+    gather(source.row, columns, begin, 1, quads);
     for (std::size_t i = begin; i < columns.count; ++i) {
         const auto& q = quads[i].value;
         row.value[i] = weighed(static_cast<double>(q[0]), static_cast<double>(q[1]),
@@ -404,7 +357,12 @@ void cubicAcross(const CubicRow* const rows[4], const CubicWeights& weights, voi
     const double* next = rows[2]->value;
     const double* last = rows[3]->value;
     const CubicWeights w = weights;
-    for (std::size_t i = 0; i < count; ++i) {
+    std::size_t i = 0;
+#if VELQUAD_ZOOM_GATHERS
+    if constexpr (kHasLanes<ElementType>)
+        i = cubicLanesAcross<typename ElementType::Value>(rows, weights, destination, count);
+#endif
+    for (; i < count; ++i) {
         const double v = here[i] * w.b - before[i] * w.a + next[i] * w.c - last[i] * w.d;
         storeElement(destination, i, stored<ElementType, false>(v));
     }
@@ -412,14 +370,13 @@ void cubicAcross(const CubicRow* const rows[4], const CubicWeights& weights, voi
 
 /// Both parts of a bilinear interpolation at once, for rows that serve one destination row only.
 template <class ElementType>
-void bilinearDirect(const void* upperRow, const void* lowerRow, const ZoomColumns& columns, double fraction,
-                    void* destination) {
+void bilinearDirect(const ZoomSource& upper, const ZoomSource& lower, const ZoomColumns& columns,
+                    double fraction, void* destination) {
     using Value = typename ElementType::Value;
     const double up = 1.0 - fraction;
     std::size_t i = 0;
 #if VELQUAD_ZOOM_GATHERS
-    i = bilinearLanes<Value>(static_cast<const unsigned char*>(upperRow),
-                             static_cast<const unsigned char*>(lowerRow), columns, fraction, destination);
+    i = bilinearLanes<Value>(upper, lower, columns, fraction, destination);
 #endif
     for (; i < columns.count; ++i) {
         const auto index = static_cast<std::size_t>(columns.index[i]);
@@ -427,24 +384,12 @@ void bilinearDirect(const void* upperRow, const void* lowerRow, const ZoomColumn
         const auto at = [](const void* row, std::size_t x) {
             return static_cast<double>(loadElement<Value>(row, x));
         };
-        const double v = at(upperRow, index) * columns.rest[i] * up +
-                         at(upperRow, next) * columns.fraction[i] * up +
-                         at(lowerRow, index) * columns.rest[i] * fraction +
-                         at(lowerRow, next) * columns.fraction[i] * fraction;
+        const double v = at(upper.row, index) * columns.rest[i] * up +
+                         at(upper.row, next) * columns.fraction[i] * up +
+                         at(lower.row, index) * columns.rest[i] * fraction +
+                         at(lower.row, next) * columns.fraction[i] * fraction;
         storeElement(destination, i, stored<ElementType, true>(v));
     }
-}
-
-/// Bytes that are copied as one.
-template <std::size_t kSize>
-struct Bytes {
-    unsigned char byte[kSize];
-};
-
-template <class Value>
-void nearest(const void* sourceRow, const std::int32_t* index, void* destination, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i)
-        storeElement(destination, i, loadElement<Value>(sourceRow, static_cast<std::size_t>(index[i])));
 }
 
 template <class ElementType>
@@ -458,17 +403,14 @@ constexpr ZoomValueKernels kernelsOf() {
 }  // namespace
 
 extern const ZoomKernels kZoomKernels;
-const ZoomKernels kZoomKernels = {
-    {{},
-     kernelsOf<Int8Element>(),
-     kernelsOf<UInt8Element>(),
-     kernelsOf<Int16Element>(),
-     kernelsOf<UInt16Element>(),
-     kernelsOf<Int32Element>(),
-     kernelsOf<UInt32Element>(),
-     kernelsOf<FloatElement>(),
-     kernelsOf<DoubleElement>()},
-    {nullptr, nearest<std::uint8_t>, nearest<std::uint16_t>, nearest<Bytes<3>>, nearest<std::uint32_t>,
-     nullptr, nullptr, nullptr, nearest<std::uint64_t>}};
+const ZoomKernels kZoomKernels = {{{},
+                                   kernelsOf<Int8Element>(),
+                                   kernelsOf<UInt8Element>(),
+                                   kernelsOf<Int16Element>(),
+                                   kernelsOf<UInt16Element>(),
+                                   kernelsOf<Int32Element>(),
+                                   kernelsOf<UInt32Element>(),
+                                   kernelsOf<FloatElement>(),
+                                   kernelsOf<DoubleElement>()}};
 
 }  // namespace velquad::array::VELQUAD_KERNEL_LEVEL

@@ -9,8 +9,8 @@
 
 namespace velquad::array {
 
-/// Values that one piece of a row holds at most.
-inline constexpr std::size_t kZoomPiece = 448;
+/// Values that one piece of a row holds at most. Long pieces of source rows come from memory faster.
+inline constexpr std::size_t kZoomPiece = 1536;
 
 /// Where the columns of a piece lie in the source. A column is one value: pixels of bytes have one for each byte.
 struct ZoomColumns {
@@ -20,6 +20,7 @@ struct ZoomColumns {
     double weight[4][kZoomPiece];    ///< Cubic: a, b, c, d.
     std::int32_t lastIndex = 0;      ///< The last value of a source row.
     std::size_t count = 0;           ///< Columns of this piece.
+    std::int32_t spanOfEight = 0;    ///< The most that eight columns in a row lie apart, counted in values.
     std::int32_t step = 1;           ///< From a value to the same one of the next pixel.
 };
 
@@ -42,16 +43,23 @@ struct CubicWeights {
     double d;
 };
 
+/// A source row, and the one whose columns are asked for by the way: so many lines at once would have to wait for each
+/// other.
+struct ZoomSource {
+    const unsigned char* row;
+    const unsigned char* ahead;
+};
+
 /// The functions for one type of value.
 struct ZoomValueKernels {
-    void (*bilinearAlong)(const void* sourceRow, const ZoomColumns& columns, BilinearRow& row);
+    void (*bilinearAlong)(const ZoomSource& source, const ZoomColumns& columns, BilinearRow& row);
     void (*bilinearAcross)(const BilinearRow& upper, const BilinearRow& lower, double fraction,
                            void* destination, std::size_t count);
     /// Both steps of bilinear zoom in one, for pixels of up to three values; null where it is not faster even if each
     /// source row serves one destination row only.
-    void (*bilinearDirect)(const void* upperRow, const void* lowerRow, const ZoomColumns& columns,
+    void (*bilinearDirect)(const ZoomSource& upper, const ZoomSource& lower, const ZoomColumns& columns,
                            double fraction, void* destination);
-    void (*cubicAlong)(const void* sourceRow, const ZoomColumns& columns, CubicRow& row);
+    void (*cubicAlong)(const ZoomSource& source, const ZoomColumns& columns, CubicRow& row);
     void (*cubicAcross)(const CubicRow* const rows[4], const CubicWeights& weights, void* destination,
                         std::size_t count);
 };
@@ -59,9 +67,6 @@ struct ZoomValueKernels {
 struct ZoomKernels {
     /// By the type code of a value, 1 to 8.
     ZoomValueKernels values[9];
-    /// By the bytes of an element, 1 to 4 and 8: copies the elements at `index`, which counts elements.
-    void (*nearest[9])(const void* sourceRow, const std::int32_t* index, void* destination,
-                       std::size_t count);
 };
 
 const ZoomKernels& zoomKernels();

@@ -418,7 +418,8 @@ std::vector<unsigned char> comparable(LooseArray& array, std::size_t width, std:
 
 class AgainstDefinition : public testing::TestWithParam<unsigned int> {
   protected:
-    static constexpr unsigned int kSizes[][2] = {{0, 0}, {0, 3}, {3, 0}, {1, 1}, {2, 5}, {67, 3}, {700, 2}};
+    static constexpr unsigned int kSizes[][2] = {{0, 0}, {0, 3},  {3, 0},   {1, 1},
+                                                 {2, 5}, {67, 3}, {700, 2}, {5000, 2}};
 
     /// Calls `check(width, height, array)` with random arrays of the type.
     template <class Check>
@@ -568,6 +569,44 @@ TEST_P(AgainstDefinition, Transforms) {
                 });
         }
     });
+}
+
+// Arrays beyond the caches, which are written past them.
+
+constexpr unsigned int kLargeWidth = 4099;
+constexpr unsigned int kLargeHeight = 2801;
+
+TEST(LargeArrays, AreConvertedAsSmallOnes) {
+    std::mt19937 random(20261121);
+    LooseArray bytes(kLargeWidth, kLargeHeight, 2);
+    fillRandom(bytes, kLargeWidth, kLargeHeight, 2, random);
+    LooseArray floats(kLargeWidth, kLargeHeight, 7);
+    reference::convertToFloat(bytes.rows(), floats.rows(), kLargeWidth, kLargeHeight, 2, 0);
+    LooseArray doubles(kLargeWidth, kLargeHeight, 8);
+    reference::convertFromFloat(floats.rows(), doubles.rows(), kLargeWidth, kLargeHeight, 8);
+    forEachKernelLevel([&] {
+        LooseArray gotFloats(kLargeWidth, kLargeHeight, 7);
+        EXPECT_EQ(1, matConvertArrayToFloat2v(bytes.rows(), gotFloats.rows<float**>(), kLargeWidth,
+                                              kLargeHeight, 2, 0));
+        EXPECT_TRUE(floats.bytes() == gotFloats.bytes());
+        LooseArray gotDoubles(kLargeWidth, kLargeHeight, 8);
+        EXPECT_EQ(1, matConvertArrayFromFloat2v(floats.rows<float**>(), gotDoubles.rows(), kLargeWidth,
+                                                kLargeHeight, 8));
+        EXPECT_TRUE(doubles.bytes() == gotDoubles.bytes());
+    });
+}
+
+TEST(LargeArrays, AreFilledAsSmallOnes) {
+    for (const unsigned int type : {7U, 9U, 10U}) {
+        SCOPED_TRACE(type);
+        LooseArray wanted(kLargeWidth, kLargeHeight, type);
+        reference::clear(wanted.rows(), kLargeWidth, kLargeHeight, type, 1193046.0);
+        forEachKernelLevel([&] {
+            LooseArray got(kLargeWidth, kLargeHeight, type);
+            EXPECT_EQ(1, matClearArray2v(got.rows(), kLargeWidth, kLargeHeight, type, 1193046.0));
+            EXPECT_TRUE(wanted.bytes() == got.bytes());
+        });
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(AllTypes, AgainstDefinition, testing::Range(1U, 11U));

@@ -306,6 +306,47 @@ TEST(Zoom, EqualsItsDefinitionForRandomSizes) {
     }
 }
 
+TEST(Zoom, DecidesBytesRightBetweenTwoIntegers) {
+    // Fractions that are short in binary and those that are not; both meet values right between two integers, as the
+    // sources hold few different bytes.
+    constexpr std::uint32_t kSizes[][2] = {{64, 128}, {64, 256},  {150, 75}, {96, 144},  {40, 240}, {50, 300},
+                                           {60, 85},  {300, 110}, {70, 70},  {128, 129}, {200, 60}, {9, 500}};
+    std::mt19937 random(20261122);
+    for (const unsigned int type : {2U, 9U, 10U}) {
+        for (const unsigned int flags : {kBilinear, kCubic}) {
+            for (const auto& size : kSizes) {
+                for (const unsigned int steps : {1U, 2U, 255U}) {
+                    SCOPED_TRACE(testing::Message()
+                                 << "type " << type << " flags " << flags << " from " << size[0] << " to "
+                                 << size[1] << " with " << steps << " steps");
+                    LooseArray source(size[0], size[0], type);
+                    for (std::size_t y = 0; y < size[0]; ++y) {
+                        for (std::size_t x = 0; x < source.rowBytes(); ++x)
+                            source.row(y)[x] =
+                                static_cast<unsigned char>(random() % (steps + 1) * (255 / steps));
+                    }
+                    LooseArray expected(size[1], size[1], type);
+                    zoomArray({size[0], size[0], source.rows(), size[1], size[1], expected.rows()}, type,
+                              flags);
+                    forEachKernelLevel([&] {
+                        LooseArray actual(size[1], size[1], type);
+                        matZoomArray2v(size[0], size[0], source.rows(), size[1], size[1], actual.rows(), type,
+                                       flags);
+                        EXPECT_TRUE(expected.bytes() == actual.bytes());
+                    });
+                }
+            }
+        }
+    }
+}
+
+TEST(Zoom, EqualsItsDefinitionBeyondTheCaches) {
+    // Destinations of more than 32 MB, wider than any strip.
+    for (const unsigned int flags : {kNearest, kBilinear, kCubic})
+        expectSameAsDefinition(8, flags, 1301, 211, 2111, 2003, 21 + flags, false);
+    expectSameAsDefinition(9, kNearest, 301, 211, 5003, 2251, 22, false);
+}
+
 TEST(Zoom, CarriesInfinitiesAndNotANumbers) {
     std::mt19937 random(20240615);
     for (const unsigned int type : {7U, 8U}) {

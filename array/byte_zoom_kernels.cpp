@@ -1,0 +1,183 @@
+// Inner loops of bilinear and cubic zoom of bytes. Compiled for several instruction sets; see frame/kernels.h for what
+// may be used here.
+#include "array/byte_zoom_kernels.h"
+
+#include "array/element.h"
+#include "array/rounding.h"
+
+#if defined(__AVX512F__) && defined(__AVX512BW__) && defined(__AVX512DQ__) && defined(__AVX512VL__)
+#define VELQUAD_BYTE_ZOOM 1
+#if !defined(__clang__)
+// The compiler's own header leaves operands undefined that an instruction does not use.
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
+#include <immintrin.h>
+#else
+#define VELQUAD_BYTE_ZOOM 0
+#endif
+
+namespace velquad::array::VELQUAD_KERNEL_LEVEL {
+
+namespace {
+
+/// Multiples of 2^-8 and bytes make products of 24 bits at most in both directions; those of 2^-6 leave room for what
+/// cubic weights overshoot.
+constexpr double kBilinearUnit = 1.0 / 256;
+constexpr double kCubicUnit = 1.0 / 64;
+
+#if VELQUAD_BYTE_ZOOM
+
+/// No bilinear value in floats is further from that in doubles. Below 256 a rounding errs by 2^-17 at most. Along a row
+/// weights, product and sum make less than 4 of them, across as many again: in all less than 2^-14.
+constexpr float kBilinearError = 0x1p-13F;
+
+/// The same for cubic values, which stay below 512, where a rounding errs by 2^-16. Along a row there are less than 6 of
+/// them; across, where the weights add up to 1.5 at most, one and a half times as much and 6 more: less than 2^-12.
+constexpr float kCubicError = 0x1p-11F;
+
+VELQUAD_ALWAYS_INLINE double sampleAt(const void* row, std::int32_t index) {
+    return static_cast<double>(loadElement<std::uint8_t>(row, static_cast<std::size_t>(index)));
+}
+
+/// A result as a byte: what is below 0 ends there, whichever half is added.
+VELQUAD_ALWAYS_INLINE std::uint8_t roundedByte(double v) {
+    return static_cast<std::uint8_t>(limited(static_cast<int>(v + 0.5), 0, 255));
+}
+
+/// How values are interpolated: in floats with whatever order is fast, and one cell as it is defined.
+struct Bilinear {
+    static constexpr std::size_t kTaps = 2;
+    static constexpr float kError = kBilinearError;
+
+    VELQUAD_ALWAYS_INLINE static __m512 combined(const __m512* p, const __m512* w, __m512 start) {
+        return _mm512_fmadd_ps(p[1], w[1], _mm512_fmadd_ps(p[0], w[0], start));
+    }
+    VELQUAD_ALWAYS_INLINE static double cell(const ByteLines& lines, const ZoomColumns& columns,
+                                             std::size_t i) {
+        const std::int32_t index = columns.index[i];
+        const std::int32_t next = index + columns.step;
+        const double rest = columns.rest[i];
+        const double fraction = columns.fraction[i];
+        return sampleAt(lines.source[0], index) * rest * lines.weight[0] +
+               sampleAt(lines.source[0], next) * fraction * lines.weight[0] +
+               sampleAt(lines.source[1], index) * rest * lines.weight[1] +
+               sampleAt(lines.source[1], next) * fraction * lines.weight[1];
+    }
+};
+
+struct Cubic {
+    static constexpr std::size_t kTaps = 4;
+    static constexpr float kError = kCubicError;
+
+    VELQUAD_ALWAYS_INLINE static __m512 combined(const __m512* p, const __m512* w, __m512 start) {
+        const __m512 inner = _mm512_fmadd_ps(p[2], w[2], _mm512_fmadd_ps(p[1], w[1], start));
+        return _mm512_fnmadd_ps(p[3], w[3], _mm512_fnmadd_ps(p[0], w[0], inner));
+    }
+    VELQUAD_ALWAYS_INLINE static double cell(const ByteLines& lines, const ZoomColumns& columns,
+                                             std::size_t i) {
+        double line[4];
+        for (std::size_t k = 0; k < 4; ++k) {
+            const auto at = [&](std::int32_t x) {
+                return sampleAt(lines.source[k], columns.index[i] + x * columns.step);
+            };
+            line[k] = at(0) * columns.weight[1][i] - at(-1) * columns.weight[0][i] +
+                      at(1) * columns.weight[2][i] - at(2) * columns.weight[3][i];
+        }
+        return line[1] * lines.weight[1] - line[0] * lines.weight[0] + line[2] * lines.weight[2] -
+               line[3] * lines.weight[3];
+    }
+};
+
+/// The bytes of a source row from `begin` on, zeros behind its end.
+VELQUAD_ALWAYS_INLINE __m512i loadWindow(const void* sourceRow, std::int32_t begin, std::int32_t lastIndex) {
+    const auto* from = static_cast<const unsigned char*>(sourceRow) + begin;
+    const std::int32_t rest = lastIndex - begin + 1;
+    if (rest >= kByteWindow) return _mm512_loadu_si512(from);
+    return _mm512_maskz_loadu_epi8((std::uint64_t{1} << rest) - 1, from);
+}
+
+/// The samples `distance` values behind the first one of each column.
+VELQUAD_ALWAYS_INLINE __m512 samplesAt(__m512i window, __m512i words, __m512i shift, int distance) {
+    // Another word for every two bytes; an odd distance leaves the second byte.
+    const __m512i which = _mm512_add_epi32(words, _mm512_set1_epi32(distance / 2 * 0x10001));
+    __m512i found = _mm512_srlv_epi32(_mm512_permutexvar_epi16(which, window), shift);
+    if (distance % 2 != 0) found = _mm512_srli_epi32(found, 8);
+    return _mm512_cvtepi32_ps(_mm512_and_si512(found, _mm512_set1_epi32(255)));
+}
+
+template <class Kind, int kStep>
+void alongWithStep(const void* sourceRow, const void* ahead, const ZoomColumns& columns,
+                   const ByteColumns& bytes, float* result) {
+    for (std::size_t group = 0; group < bytes.groups; ++group) {
+        const std::size_t i = group * kByteGroup;
+        __builtin_prefetch(static_cast<const unsigned char*>(ahead) + bytes.begin[group]);
+        const __m512i window = loadWindow(sourceRow, bytes.begin[group], columns.lastIndex);
+        const __m512i words = _mm512_loadu_si512(bytes.words + i);
+        const __m512i shift = _mm512_loadu_si512(bytes.shift + i);
+        __m512 p[Kind::kTaps];
+        __m512 w[Kind::kTaps];
+        for (std::size_t k = 0; k < Kind::kTaps; ++k) {
+            p[k] = samplesAt(window, words, shift, static_cast<int>(k) * kStep);
+            w[k] = _mm512_loadu_ps(bytes.weight[k] + i);
+        }
+        _mm512_storeu_ps(result + i, Kind::combined(p, w, _mm512_setzero_ps()));
+    }
+}
+
+template <class Kind>
+void along(const void* sourceRow, const void* ahead, const ZoomColumns& columns, const ByteColumns& bytes,
+           float* result) {
+    if (columns.step == 1) return alongWithStep<Kind, 1>(sourceRow, ahead, columns, bytes, result);
+    if (columns.step == 3) return alongWithStep<Kind, 3>(sourceRow, ahead, columns, bytes, result);
+    alongWithStep<Kind, 4>(sourceRow, ahead, columns, bytes, result);
+}
+
+/// Computes the cells of a group that `mask` tells as they are defined.
+template <class Kind>
+void decideCells(std::uint32_t mask, const ByteLines& lines, const ZoomColumns& columns, std::size_t i,
+                 unsigned char* to) {
+    for (; mask != 0; mask &= mask - 1) {
+        const std::size_t column = i + static_cast<std::size_t>(__builtin_ctz(mask));
+        to[column] = roundedByte(Kind::cell(lines, columns, column));
+    }
+}
+
+template <class Kind>
+void across(const ByteLines& lines, const ZoomColumns& columns, const ByteColumns& bytes, void* destination) {
+    auto* to = static_cast<unsigned char*>(destination);
+    __m512 w[Kind::kTaps];
+    for (std::size_t k = 0; k < Kind::kTaps; ++k)
+        w[k] = _mm512_set1_ps(static_cast<float>(lines.weight[k]));
+    const __m512 error = _mm512_set1_ps(lines.isShort && bytes.isShort ? 0.0F : Kind::kError);
+    for (std::size_t i = 0; i < columns.count; i += kByteGroup) {
+        __m512 p[Kind::kTaps];
+        for (std::size_t k = 0; k < Kind::kTaps; ++k)
+            p[k] = _mm512_loadu_ps(lines.along[k] + i);
+        const __m512 raised = Kind::combined(p, w, _mm512_set1_ps(0.5F));
+        const std::size_t rest = columns.count - i;
+        const auto valid = static_cast<__mmask16>(rest >= kByteGroup ? 0xFFFFU : (1U << rest) - 1);
+        const __m512i rounded = _mm512_max_epi32(_mm512_cvttps_epi32(raised), _mm512_setzero_si512());
+        _mm_mask_storeu_epi8(to + i, valid, _mm512_cvtusepi32_epi8(rounded));
+        // The way to the nearest integer, where the byte changes.
+        const __m512 way = _mm512_abs_ps(_mm512_reduce_ps(raised, 0));
+        const __mmask16 isOpen = _mm512_mask_cmp_ps_mask(valid, way, error, _CMP_LT_OQ);
+        if (isOpen != 0) decideCells<Kind>(isOpen, lines, columns, i, to);
+    }
+}
+
+constexpr ByteInterpolation kBilinear = {2, kBilinearUnit, along<Bilinear>, across<Bilinear>};
+constexpr ByteInterpolation kCubic = {4, kCubicUnit, along<Cubic>, across<Cubic>};
+
+#else
+
+constexpr ByteInterpolation kBilinear = {2, kBilinearUnit, nullptr, nullptr};
+constexpr ByteInterpolation kCubic = {4, kCubicUnit, nullptr, nullptr};
+
+#endif
+
+}  // namespace
+
+extern const ByteZoomKernels kByteZoomKernels;
+const ByteZoomKernels kByteZoomKernels = {kBilinear, kCubic};
+
+}  // namespace velquad::array::VELQUAD_KERNEL_LEVEL

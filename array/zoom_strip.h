@@ -1,0 +1,114 @@
+// Strips of columns, in which a rectangle is worked on: how it is cut, which source rows come next, and where rows of
+// cells are written.
+#ifndef VELQUAD_ARRAY_ZOOM_STRIP_H
+#define VELQUAD_ARRAY_ZOOM_STRIP_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "array/array_2d.h"
+#include "array/nearest_kernels.h"
+#include "array/prefetch.h"
+#include "array/stream_kernels.h"
+#include "array/zoom_job.h"
+#include "array/zoom_kernels.h"
+
+namespace velquad::array {
+
+/// Cells of a row up to the first that begins with a cache line; 0 where none does.
+inline std::size_t cellsToCacheLine(const unsigned char* row, std::size_t elementSize) {
+    constexpr std::size_t kCacheLine = 64;
+    const std::size_t gap = (kCacheLine - reinterpret_cast<std::uintptr_t>(row) % kCacheLine) % kCacheLine;
+    return gap % elementSize == 0 ? gap / elementSize : 0;
+}
+
+/// Calls `work(left, count)` for the strips of a rectangle. Those of wide rectangles begin with cache lines, in all rows
+/// if a row is a whole number of them.
+template <class Work>
+void forEachStrip(const Zoom& zoom, const CellRect& rect, std::size_t columnsPerStrip, Work work) {
+    if (rect.isEmpty()) return;
+    const auto end = static_cast<std::size_t>(rect.right) + 1;
+    auto left = static_cast<std::size_t>(rect.left);
+    const unsigned char* first =
+        zoom.destination(static_cast<unsigned int>(rect.top), static_cast<unsigned int>(left));
+    std::size_t count = end - left > columnsPerStrip ? cellsToCacheLine(first, zoom.elementSize) : 0;
+    if (count == 0) count = columnsPerStrip;
+    for (; left < end; left += count, count = columnsPerStrip)
+        work(static_cast<unsigned int>(left), end - left < count ? end - left : count);
+}
+
+/// Source rows from those of a row of cells to those of the next one, at least 1.
+inline unsigned int rowsToNextCells(const Zoom& zoom, unsigned int y) {
+    const unsigned int rows = Position(zoom.y, y + 1).index - Position(zoom.y, y).index;
+    return rows < 1 ? 1 : rows;
+}
+
+/// A source row, and the one `rowsAhead` behind it or the last.
+inline ZoomSource sourceAt(const Zoom& zoom, unsigned int y, unsigned int rowsAhead) {
+    const unsigned int rest = zoom.y.sourceSize - 1 - y;
+    return {rowAt(zoom.sourceRows, y), rowAt(zoom.sourceRows, y + (rest < rowsAhead ? rest : rowsAhead))};
+}
+
+/// Source rows that were interpolated along x, kept while cells need them.
+template <class Row, unsigned int kCount>
+class HeldRows {
+  public:
+    /// The row `y`, after `make(row)` if it is not at hand.
+    template <class Make>
+    const Row& get(unsigned int y, Make make) {
+        Row& row = rows_[y % kCount];
+        if (held_[y % kCount] != y + 1) make(row);
+        held_[y % kCount] = y + 1;
+        return row;
+    }
+
+  private:
+    unsigned int held_[kCount] = {};  ///< The number of the row and 1, or 0.
+    Row rows_[kCount];
+};
+
+/// Where a strip of destination rows is written: in place, or, where the destination is larger than the caches, in a
+/// buffer that is streamed to its place.
+class StripWriter {
+  public:
+    StripWriter(const Zoom& zoom, const CellRect& rect, unsigned int left, std::size_t count)
+        : zoom_(zoom),
+          bottom_(static_cast<unsigned int>(rect.bottom)),
+          left_(left),
+          bytes_(count * zoom.elementSize) {}
+
+    /// Calls `write(to)` for the strip in row `y`.
+    template <class Write>
+    void writeRow(unsigned int y, Write write) {
+        if (zoom_.isStreamed) {
+            write(buffer_);
+            copyRow(y);
+            return;
+        }
+        if (y < bottom_) prefetchRange(zoom_.destination(y + 1, left_), bytes_);
+        write(zoom_.destination(y, left_));
+    }
+
+    /// Writes what `writeRow` has written last to row `y` as well, which lies below it.
+    void repeatRow(unsigned int y) {
+        if (zoom_.isStreamed) {
+            copyRow(y);
+        } else {
+            std::memmove(zoom_.destination(y, left_), zoom_.destination(y - 1, left_), bytes_);
+        }
+    }
+
+  private:
+    void copyRow(unsigned int y) { streamKernels().copy(buffer_, zoom_.destination(y, left_), bytes_); }
+
+    const Zoom& zoom_;
+    unsigned int bottom_;
+    unsigned int left_;
+    std::size_t bytes_;
+    alignas(64) unsigned char buffer_[kNearestStrip * sizeof(double)];
+};
+
+}  // namespace velquad::array
+
+#endif  // VELQUAD_ARRAY_ZOOM_STRIP_H
