@@ -28,8 +28,8 @@ using Values = std::vector<double>;
 constexpr double kUntouched = -77.5;
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
-// Lets each of the first allocations of a call fail, those before the decomposition begins. `call` returns whether
-// it saw the failure.
+// Lets each of the first allocations of a call fail, up to the one that makes sure of the decomposition's memory.
+// `call` returns whether it saw the failure.
 template <typename Call>
 void failFirstAllocations(std::size_t most, const Call& call) {
     EXPECT_FALSE(call());
@@ -199,7 +199,7 @@ TEST(PolyFit, KeepsItsMemoryFromFitToFit) {
 TEST(PolyFit, StoresNothingWhenMemoryIsLackingAndCanBeUsedAgain) {
     const Values x = countUp(8);
     const Values y = peakAt(3.0, 8);
-    failFirstAllocations(10, [&x, &y] {
+    failFirstAllocations(11, [&x, &y] {
         CSVDPolyFit poly(2);
         double a = kUntouched;
         double b = kUntouched;

@@ -25,8 +25,8 @@ using Values = std::vector<double>;
 constexpr double kUntouched = -77.5;
 constexpr int kMostInt = std::numeric_limits<int>::max();
 
-// Lets each of the first allocations of a call fail, those before the decomposition begins. `call` returns whether
-// it saw the failure.
+// Lets each of the first allocations of a call fail, up to the one that makes sure of the decomposition's memory.
+// `call` returns whether it saw the failure.
 template <typename Call>
 void failFirstAllocations(std::size_t most, const Call& call) {
     EXPECT_FALSE(call());
@@ -217,7 +217,7 @@ TEST(SvdSolve, StoresNothingWhenMemoryIsLacking) {
     OneBasedMatrix a(3, 2, Values{2, 0, 0, 4, 0, 1});
     Values b{0, 2, 8, 3};
     double** const table = a.table();
-    failFirstAllocations(3, [&b, table] {
+    failFirstAllocations(4, [&b, table] {
         double x[3] = {kUntouched, kUntouched, kUntouched};
         double residual = kUntouched;
         try {
@@ -312,7 +312,7 @@ TEST(SvdHomogeneousFit, KeepsSilentWhenMemoryIsLacking) {
     OneBasedMatrix transform(3, 3, 0.0);
     double** const table = points.table();
     double** const rows = transform.table();
-    failFirstAllocations(7, [&transform, table, rows] {
+    failFirstAllocations(8, [&transform, table, rows] {
         for (int i = 1; i <= 9; ++i)
             transform.at(1 + (i - 1) / 3, 1 + (i - 1) % 3) = kUntouched;
         double residual = kUntouched;
