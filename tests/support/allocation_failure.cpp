@@ -58,7 +58,11 @@ void __wrap_free(void* block) {
 
 void* operator new(std::size_t size) {
     void* block = std::malloc(size == 0 ? 1 : size);
-    if (block == nullptr) throw std::bad_alloc();
+    if (block == nullptr) {
+        // A handler of the test's may throw what it likes.
+        if (const std::new_handler handler = std::get_new_handler()) handler();
+        throw std::bad_alloc();
+    }
     return block;
 }
 void* operator new[](std::size_t size) {
