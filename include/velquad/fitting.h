@@ -162,8 +162,8 @@ class CDVector {
 
   private:
     double* data;
-    int nl;
-    int nh;
+    [[maybe_unused]] int nl;
+    [[maybe_unused]] int nh;
 };
 
 /// A matrix of doubles with indices of the caller's choice and a table of its rows, which can be handed on as
