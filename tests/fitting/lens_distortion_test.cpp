@@ -26,6 +26,7 @@ using Params = CSVDFitPoly2d::LensDistortionParams;
 using Values = std::vector<double>;
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInf = std::numeric_limits<double>::infinity();
 
 struct Point {
     double x;
@@ -448,8 +449,8 @@ TEST(LensDistortion, PredictsWithItsOwnModel) {
     lens.Allocate(0, PolyModelId(3), 4, 2);
     Params params;
     params.modelId = 5;
-    params.xCoefficients = {0, 0, 0, 0, 0, 1, 100, 100, 100, 100};
-    params.yCoefficients = {0, 0, 0, 0, 0, 2, 100, 100, 100, 100};
+    params.xCoefficients = {0, 0, 0, 0, 0, 1, kInf, kInf, kInf, kInf};
+    params.yCoefficients = {0, 0, 0, 0, 0, 2, kInf, kInf, kInf, kInf};
     const Point point = predict(lens, params, 5.0, 5.0);  // r^3 = 125
     EXPECT_EQ(point.x, 127.0);
     EXPECT_EQ(point.y, 251.0);
@@ -499,7 +500,7 @@ TEST(LensDistortion, GivesNotANumberForAnImageWithoutHeight) {
 }
 
 TEST(LensDistortion, GivesNotANumberForDotsThatAreNotFinite) {
-    for (const double bad : {kNan, std::numeric_limits<double>::infinity()}) {
+    for (const double bad : {kNan, kInf}) {
         CSVDFitPoly2d lens;
         lens.Allocate(6, PolyModelId(2), 100, 100);
         for (int dot = 0; dot < 5; ++dot)

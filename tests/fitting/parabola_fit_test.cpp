@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstring>
@@ -579,6 +580,40 @@ TEST(ParabolaFit, WantsTheVertexInsideTheWindow) {
         EXPECT_EQ(atEnd.fit.left, 0);
         EXPECT_EQ(atEnd.fit.isPeak, vertex < 0.0);
     }
+}
+
+TEST(ParabolaFit, RefusesAVertexExactlyAtAnEndOfTheWindow) {
+    // Rounding decides where exactly the vertex comes out; those that hit the end are what is looked for.
+    int startHits = 0;
+    int endHits = 0;
+    for (int count = 4; count < 10; ++count) {
+        for (int step = 1; step < 60; ++step) {
+            Values y;
+            for (int i = 0; i < count; ++i)
+                y.push_back(4.0 - 0.25 * step * i * i);
+            const ParaFit atStart = outcomeOf(countUp(count), y, 0, 100.0, 0.0, 3.0, 0.0).fit;
+            startHits += atStart.vertexX == 0.0 ? 1 : 0;
+            EXPECT_EQ(atStart.isPeak, atStart.vertexX > 0.0) << count << ' ' << step;
+            std::reverse(y.begin(), y.end());
+            const ParaFit atEnd = outcomeOf(countUp(count), y, count - 1, 100.0, 0.0, 3.0, 0.0).fit;
+            endHits += atEnd.vertexX == count - 1 ? 1 : 0;
+            EXPECT_EQ(atEnd.isPeak, atEnd.vertexX < count - 1) << count << ' ' << step;
+        }
+    }
+    EXPECT_GT(startHits, 10);
+    EXPECT_GT(endHits, 10);
+}
+
+TEST(ParabolaFit, RefusesAValleyWhateverTheNoise) {
+    // A negative factor lets every height pass.
+    const Values y{9.1, 5.6, 5.6, 5.6, 9.1};
+    const Outcome outcome = outcomeOf(countUp(5), y, 2, 6.0, 0.001, 3.0, -1000.0);
+    ASSERT_TRUE(outcome.result);
+    EXPECT_GT(outcome.fit.curvature, 0.5);
+    EXPECT_GT(outcome.fit.residual, 0.5);
+    EXPECT_NEAR(outcome.fit.vertexX, 2.0, 1e-13);
+    EXPECT_GT(outcome.fit.vertexY, 1.0);
+    EXPECT_FALSE(outcome.fit.isPeak);
 }
 
 TEST(ParabolaFit, StopsAPlateauAtNotANumber) {

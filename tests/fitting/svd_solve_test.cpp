@@ -166,6 +166,14 @@ TEST(SvdMatrix, KnowsItsRanges) {
     EXPECT_EQ(empty.nrl + empty.nrh + empty.ncl + empty.nch, 0);
 }
 
+TEST(SvdMatrix, SetsRowZeroWhenItIsInUse) {
+    for (const int lowest : {0, -2}) {
+        svd::CDMatrix matrix(lowest, 2, 0, 1);
+        EXPECT_EQ(matrix[0], layoutOf<MatrixLayout>(matrix).data);
+        EXPECT_EQ(matrix[2], matrix[0] + 4);
+    }
+}
+
 TEST(SvdMatrix, HandsItsMemoryOnWhenMovedFrom) {
     svd::CDMatrix source(1, 2, 1, 2);
     source[2][2] = 4.0;
