@@ -805,11 +805,31 @@ void digestAlignments(Digest& digest, Random& random) {
     }
 }
 
-// Small systems only: how large ones are cut into blocks depends on the processor's caches.
+// Large enough for Eigen to work in blocks.
+void digestMosaic(Digest& digest, Random& random) {
+    constexpr int kSide = 14;
+    svd::CSVDGlobAln alignment;
+    alignment.Allocate(2 * kSide * kSide, kSide * kSide);
+    for (int tile = 0; tile < kSide * kSide; ++tile) {
+        const tagPOINT2D right = random.point();
+        const tagPOINT2D below = random.point();
+        if (tile % kSide != 0) alignment.PutPair(tile - 1, tile, 400.0 + right.x * 0.01, right.y * 0.01, 1.0);
+        if (tile >= kSide) alignment.PutPair(tile - kSide, tile, below.x * 0.01, 300.0 + below.y * 0.01, 1.0);
+    }
+    digest.add(alignment.GlobalAlign());
+    for (int i = 0; i < alignment.GetColumns(); ++i) {
+        int id = 0;
+        tagPOINT2D place{};
+        digest.add(alignment.GetPos(i, id, place.x, place.y));
+        digest.add(place);
+    }
+}
+
 void digestFits(Digest& digest, Random& random) {
     digestCurveFits(digest, random);
     digestLenses(digest, random);
     digestAlignments(digest, random);
+    digestMosaic(digest, random);
 }
 
 void print(const char* family, std::uint64_t seed, void (*run)(Digest&, Random&)) {
