@@ -77,6 +77,8 @@ inline void storeQuinticTerms(LensTerms& out, double x, double y) {
 inline void evaluateLensTerms(unsigned int model, double x, double y, double r, LensTerms& out) {
     const double x2 = x * x;
     const double y2 = y * y;
+    const double x3 = x2 * x;
+    const double y3 = y2 * y;
     const double r2 = r * r;
     switch (model) {
         case 2:
@@ -86,14 +88,13 @@ inline void evaluateLensTerms(unsigned int model, double x, double y, double r, 
         case 4:
             return storeTerms(out, 1.0, x, y, r, r2, r2 * r, r2 * r * r);
         case 5:
-            return storeTerms(out, 1.0, x, y, x2, y2, x2 * y, x * y2, x2 * x, y2 * y, r);
+            return storeTerms(out, 1.0, x, y, x2, y2, x2 * y, x * y2, x3, y3, r);
         case 6:
-            return storeTerms(out, 1.0, x, y, x2, y2, x2 * y, x * y2, x2 * x, y2 * y);
+            return storeTerms(out, 1.0, x, y, x2, y2, x2 * y, x * y2, x3, y3);
         case 7:
             // Kept: three products stand twice. A fit gives each of the two half of the weight.
-            return storeTerms(out, 1.0, x, y, x2, y2, x2 * y, x * y2, x2 * x, y2 * y,  //
-                              x2 * x * y, x2 * y2, x2 * x * x, x * y2 * y,             //
-                              x2 * y2, x * y2 * y, x2 * x * y, y2 * y * y);
+            return storeTerms(out, 1.0, x, y, x2, y2, x2 * y, x * y2, x3, y3,  //
+                              x3 * y, x2 * y2, x3 * x, x * y3, x2 * y2, x * y3, x3 * y, y3 * y);
         case 8:
             return storeAberrationTerms(out, x, y);
         case 9:

@@ -1,6 +1,5 @@
 // Polynomial maps of the plane for the correction of lens distortion: one linear least-squares problem for each
 // output coordinate, solved through the singular values of the matrix of terms, which both share.
-#include <Eigen/SVD>
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -11,47 +10,12 @@
 #include <vector>
 
 #include "fitting/lens_basis.h"
-#include "fitting/working_memory.h"
+#include "fitting/svd_solve.h"
 #include "velquad/fitting.h"
 
-namespace {
-
 using velquad::fitting::evaluateLensTerms;
-using velquad::fitting::kMaxLensTerms;
 using velquad::fitting::lensTermCount;
 using velquad::fitting::LensTerms;
-
-using RowMajorMatrix = Eigen::Matrix<double, Eigen::Dynamic, Eigen::Dynamic, Eigen::RowMajor>;
-
-bool isFinite(const std::vector<double>& values) {
-    return std::all_of(values.begin(), values.end(), [](double value) { return std::isfinite(value); });
-}
-
-// The minimum-norm least-squares solutions for two right-hand sides. A decomposition is undefined for a matrix
-// that is empty or not finite.
-std::array<std::vector<double>, 2> solveBoth(const std::vector<double>& design, std::size_t columns,
-                                             const std::vector<double>& first,
-                                             const std::vector<double>& second) {
-    const std::size_t rows = first.size();
-    if (rows == 0 || columns == 0) return {std::vector<double>(columns), std::vector<double>(columns)};
-    std::array<std::vector<double>, 2> solutions;
-    solutions.fill(std::vector<double>(columns, std::numeric_limits<double>::quiet_NaN()));
-    if (!isFinite(design)) return solutions;
-    const Eigen::MatrixXd matrix = Eigen::Map<const RowMajorMatrix>(
-        design.data(), static_cast<Eigen::Index>(rows), static_cast<Eigen::Index>(columns));
-    velquad::fitting::requireMemoryForDecomposition(rows, columns);
-    const Eigen::JacobiSVD<Eigen::MatrixXd> decomposition(matrix, Eigen::ComputeThinU | Eigen::ComputeThinV);
-    const std::array<const std::vector<double>*, 2> targets = {&first, &second};
-    for (std::size_t axis = 0; axis < targets.size(); ++axis) {
-        const Eigen::Map<const Eigen::VectorXd> target(targets[axis]->data(),
-                                                       static_cast<Eigen::Index>(rows));
-        Eigen::Map<Eigen::VectorXd>(solutions[axis].data(), static_cast<Eigen::Index>(columns)) =
-            decomposition.solve(target);
-    }
-    return solutions;
-}
-
-}  // namespace
 
 namespace svd {
 
@@ -119,11 +83,14 @@ void CSVDFitPoly2d::PutCalibDot(double x, double y, double targetX, double targe
 
 bool CSVDFitPoly2d::Fit(LensDistortionParams& params) {
     if (record == nullptr) return false;
-    std::array<std::vector<double>, 2> solutions =
-        solveBoth(record->design, record->termCount, record->targetX, record->targetY);
+    std::vector<double> xCoefficients(record->termCount);
+    std::vector<double> yCoefficients(record->termCount);
+    velquad::fitting::solveLeastSquares(
+        record->design.data(), record->maxDots, record->termCount,
+        {{record->targetX.data(), xCoefficients.data()}, {record->targetY.data(), yCoefficients.data()}});
     params.modelId = record->modelId;
-    params.xCoefficients = std::move(solutions[0]);
-    params.yCoefficients = std::move(solutions[1]);
+    params.xCoefficients = std::move(xCoefficients);
+    params.yCoefficients = std::move(yCoefficients);
     return true;
 }
 

@@ -6,13 +6,15 @@
 #include <Eigen/SVD>
 #include <algorithm>
 #include <limits>
-#include <new>
 
+#include "fitting/working_memory.h"
 #include "velquad/fitting.h"
 
 namespace velquad::fitting {
 
 namespace {
+
+using RowMajorMatrix = Eigen::Matrix<double, Eigen::Dynamic, Eigen::Dynamic, Eigen::RowMajor>;
 
 // Tables count from 1, matrices from 0.
 Eigen::MatrixXd matrixOf(double** a, int rows, int columns) {
@@ -24,36 +26,30 @@ Eigen::MatrixXd matrixOf(double** a, int rows, int columns) {
     return matrix;
 }
 
-using Decomposition = Eigen::JacobiSVD<Eigen::MatrixXd>;
-
-// A decomposition that is not destroyed when it fails for lack of memory. It destroys its QR part before it makes a
-// new one in its place, so that a failure in between would release memory twice. Some memory is lost instead.
-class GuardedDecomposition {
+// The decomposition of a matrix that is not empty.
+class ShortestSolver {
   public:
-    explicit GuardedDecomposition(const Eigen::MatrixXd& matrix)
-        : decomposition_(new (storage_) Decomposition) {
-        decomposition_->compute(matrix, Eigen::ComputeThinU | Eigen::ComputeThinV);
-    }
-    GuardedDecomposition(const GuardedDecomposition&) = delete;
-    GuardedDecomposition& operator=(const GuardedDecomposition&) = delete;
-    ~GuardedDecomposition() { decomposition_->~Decomposition(); }
+    explicit ShortestSolver(const Eigen::MatrixXd& matrix) : decomposition_(decompose(matrix)) {}
 
-    const Decomposition* operator->() const { return decomposition_; }
+    Eigen::VectorXd solve(const Eigen::VectorXd& side) const {
+        // A matrix that is not finite is left undecomposed, with whatever its memory held.
+        if (decomposition_.info() == Eigen::InvalidInput) {
+            return Eigen::VectorXd::Constant(decomposition_.cols(), std::numeric_limits<double>::quiet_NaN());
+        }
+        return decomposition_.solve(side);
+    }
 
   private:
-    alignas(Decomposition) unsigned char storage_[sizeof(Decomposition)];
-    Decomposition* decomposition_;
-};
+    using Decomposition = Eigen::JacobiSVD<Eigen::MatrixXd>;
 
-// Neither the matrix nor the side is empty.
-Eigen::VectorXd shortestSolution(const Eigen::MatrixXd& matrix, const Eigen::VectorXd& side) {
-    const GuardedDecomposition decomposition(matrix);
-    // A matrix that is not finite is left undecomposed, with whatever its memory held.
-    if (decomposition->info() == Eigen::InvalidInput) {
-        return Eigen::VectorXd::Constant(matrix.cols(), std::numeric_limits<double>::quiet_NaN());
+    static Decomposition decompose(const Eigen::MatrixXd& matrix) {
+        requireMemoryForDecomposition(static_cast<std::size_t>(matrix.rows()),
+                                      static_cast<std::size_t>(matrix.cols()));
+        return Decomposition(matrix, Eigen::ComputeThinU | Eigen::ComputeThinV);
     }
-    return decomposition->solve(side);
-}
+
+    Decomposition decomposition_;
+};
 
 }  // namespace
 
@@ -66,7 +62,7 @@ void solveLeastSquares(double** a, const double* b, int rows, double* x, int col
         const Eigen::VectorXd side = Eigen::Map<const Eigen::VectorXd>(b + 1, rows);
         if (columns > 0) {
             const Eigen::MatrixXd matrix = matrixOf(a, rows, columns);
-            solution = shortestSolution(matrix, side);
+            solution = ShortestSolver(matrix).solve(side);
             if (residual != nullptr) squaredError = (matrix * solution - side).squaredNorm();
         } else {
             squaredError = side.squaredNorm();
@@ -75,6 +71,22 @@ void solveLeastSquares(double** a, const double* b, int rows, double* x, int col
     for (int column = 0; column < columns; ++column)
         x[column + 1] = solution(column);
     if (residual != nullptr) *residual = squaredError;
+}
+
+void solveLeastSquares(const double* matrix, std::size_t rows, std::size_t columns,
+                       std::initializer_list<LeastSquaresSide> sides) {
+    if (rows == 0 || columns == 0) {
+        for (const LeastSquaresSide& side : sides)
+            std::fill_n(side.solution, columns, 0.0);
+        return;
+    }
+    const auto rowCount = static_cast<Eigen::Index>(rows);
+    const auto columnCount = static_cast<Eigen::Index>(columns);
+    const ShortestSolver solver(Eigen::Map<const RowMajorMatrix>(matrix, rowCount, columnCount));
+    for (const LeastSquaresSide& side : sides) {
+        Eigen::Map<Eigen::VectorXd>(side.solution, columnCount) =
+            solver.solve(Eigen::Map<const Eigen::VectorXd>(side.side, rowCount));
+    }
 }
 
 }  // namespace velquad::fitting

@@ -219,7 +219,7 @@ class CDMatrix {
 /// @param b         `b[1..rows]`, only read.
 /// @param x         `x[1..columns]`.
 /// @param residual  may be null: the sum of the squares of A x - b, no root taken. 0 without rows.
-/// @throws std::bad_alloc  with nothing stored. Some working memory may be lost then.
+/// @throws std::bad_alloc  with nothing stored.
 /// @par Cost    Of the order of rows columns^2 operations for few columns, and working memory for a few copies
 ///              of A.
 /// @par Source  G. H. Golub, C. F. Van Loan, Matrix Computations, 1983; what is not square is reduced by QR with

@@ -787,6 +787,124 @@ void digestResampling(Digest& digest, Random& random) {
     }
 }
 
+void digestCurveFits(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds / 40; ++round) {
+        const int count = 4 + random.below(20);
+        std::vector<double> x;
+        std::vector<double> y;
+        double position = random.real();
+        for (int i = 0; i < count; ++i) {
+            position += 0.25 + 0.125 * random.below(8);
+            x.push_back(position);
+            y.push_back(random.real() - (i - 5) * (i - 5));
+        }
+        math::CSVDPolyFit poly(2);
+        double slope = 0.0, intercept = 0.0, residual = 0.0;
+        digest.add(poly.FitRangeLine(x, y, 0, count - 1, slope, intercept, &residual));
+        digest.add(slope, intercept, residual);
+        math::ParaFit fit;
+        const int index = random.below(count);
+        digest.add(math::FitParabola(x, y, index, random.below(8), fit, poly, false, 0.01, 0.5, 1.0));
+        digest.add(fit.vertexX, fit.vertexY, fit.curvature, fit.residual, fit.plateauLeftX,
+                   fit.plateauRightX);
+        digest.add(fit.left, fit.right);
+        digest.add(fit.isPeak);
+
+        const int points = 1 + random.below(8);
+        svd::CDMatrix source(1, points, 1, 2), target(1, points, 1, 2), map(1, 3, 1, 3);
+        for (int i = 1; i <= points; ++i) {
+            for (int axis = 1; axis <= 2; ++axis) {
+                source[i][axis] = random.real();
+                target[i][axis] = random.real();
+            }
+        }
+        digest.add(svdhomfit(target.get(), source.get(), points, map.get(), &residual));
+        for (int row = 1; row <= 3; ++row) {
+            for (int column = 1; column <= 3; ++column)
+                digest.add(map[row][column]);
+        }
+        digest.add(residual);
+    }
+}
+
+void digestLenses(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds / 80; ++round) {
+        svd::CSVDFitPoly2d lens;
+        const int dots = 1 + random.below(40);
+        lens.Allocate(static_cast<unsigned int>(dots),
+                      svd::PolyModelId(static_cast<unsigned int>(2 + round % 8)), 640, 480);
+        for (int dot = 0; dot < dots; ++dot) {
+            const tagPOINT2D measured = random.point();
+            const tagPOINT2D error = random.point();
+            lens.PutCalibDot(measured.x + 300.0, measured.y + 200.0, measured.x + error.x * 0.01 + 300.0,
+                             measured.y + error.y * 0.01 + 200.0);
+        }
+        svd::CSVDFitPoly2d::LensDistortionParams params;
+        digest.add(lens.Fit(params));
+        for (const double coefficient : params.xCoefficients)
+            digest.add(coefficient);
+        for (const double coefficient : params.yCoefficients)
+            digest.add(coefficient);
+        for (int i = 0; i < 20; ++i) {
+            const tagPOINT2D point = random.point();
+            tagPOINT2D result{};
+            lens.Predict(params, point.x + 300.0, point.y + 200.0, result.x, result.y);
+            digest.add(result);
+        }
+    }
+}
+
+void digestAlignments(Digest& digest, Random& random) {
+    for (int round = 0; round < kRounds / 80; ++round) {
+        const int items = 1 + random.below(24);
+        const int statements = random.below(2 * items + 1);
+        svd::CSVDGlobAln alignment;
+        alignment.Allocate(static_cast<unsigned int>(statements), static_cast<unsigned int>(items));
+        for (int i = 0; i < statements; ++i) {
+            const int first = random.below(items);
+            const int second = random.below(items);
+            const tagPOINT2D shift = random.point();
+            digest.add(first == second ? alignment.PutExpected(first, shift.x, shift.y)
+                                       : alignment.PutPair(first, second, shift.x, shift.y, 1.0 + i % 3));
+        }
+        digest.add(alignment.GlobalAlign());
+        for (int i = 0; i < alignment.GetColumns(); ++i) {
+            int id = 0;
+            tagPOINT2D place{};
+            digest.add(alignment.GetPos(i, id, place.x, place.y));
+            digest.add(id);
+            digest.add(place);
+        }
+    }
+}
+
+// Large enough for Eigen to work in blocks.
+void digestMosaic(Digest& digest, Random& random) {
+    constexpr int kSide = 14;
+    svd::CSVDGlobAln alignment;
+    alignment.Allocate(2 * kSide * kSide, kSide * kSide);
+    for (int tile = 0; tile < kSide * kSide; ++tile) {
+        const tagPOINT2D right = random.point();
+        const tagPOINT2D below = random.point();
+        if (tile % kSide != 0) alignment.PutPair(tile - 1, tile, 400.0 + right.x * 0.01, right.y * 0.01, 1.0);
+        if (tile >= kSide) alignment.PutPair(tile - kSide, tile, below.x * 0.01, 300.0 + below.y * 0.01, 1.0);
+    }
+    digest.add(alignment.GlobalAlign());
+    for (int i = 0; i < alignment.GetColumns(); ++i) {
+        int id = 0;
+        tagPOINT2D place{};
+        digest.add(alignment.GetPos(i, id, place.x, place.y));
+        digest.add(place);
+    }
+}
+
+void digestFits(Digest& digest, Random& random) {
+    digestCurveFits(digest, random);
+    digestLenses(digest, random);
+    digestAlignments(digest, random);
+    digestMosaic(digest, random);
+}
+
 void print(const char* family, std::uint64_t seed, void (*run)(Digest&, Random&)) {
     Digest digest;
     Random random(seed);
@@ -816,5 +934,6 @@ int main() {
     print("curve-tools", 11, digestCurveTools);
     print("smoothing", 13, digestSmoothing);
     print("resampling", 14, digestResampling);
+    print("fits", 103, digestFits);
     return 0;
 }

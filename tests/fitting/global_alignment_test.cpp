@@ -103,6 +103,43 @@ TEST(GlobalAlignment, WeighsContradictions) {
     expectPosition(alignment, 0, 1, 9.0, 18.0);
 }
 
+TEST(GlobalAlignment, BalancesPairsAndPlacesByTheirWeights) {
+    // By the normal equations in rational numbers.
+    CSVDGlobAln alignment;
+    alignment.Allocate(3, 3);
+    EXPECT_TRUE(alignment.PutPair(5, 3, 10.0, 1.0, 1.0));
+    EXPECT_TRUE(alignment.PutPair(3, 9, 4.0, 7.0, 2.0));
+    EXPECT_TRUE(alignment.PutPair(5, 9, 17.0, 5.0, 0.5));
+    EXPECT_TRUE(alignment.PutFixed(5, 90.0, 60.0, 10.0, -10.0, 1.0));
+    EXPECT_TRUE(alignment.PutConstraintWeightFactor(3.0));
+    EXPECT_TRUE(alignment.PutExpected(9, 110.0, 60.0));
+    EXPECT_NEAR(alignment.GlobalAlign(), 12.484615384615385 + 5.2846153846153845, 1e-10);
+    expectPosition(alignment, 0, 5, 97.71538461538462, 51.315384615384616, 1e-11);
+    expectPosition(alignment, 1, 3, 106.54615384615384, 52.746153846153845, 1e-11);
+    expectPosition(alignment, 2, 9, 110.25384615384615, 59.853846153846156, 1e-11);
+}
+
+TEST(GlobalAlignment, TakesAWeightNextToNothingForNone) {
+    // The singular values are near sqrt(2) and weight / sqrt(2); the smaller one counts from 2^-52 times twice the
+    // number of items that room was made for.
+    struct Case {
+        unsigned int itemRoom;
+        double weight;
+        double firstX;
+    };
+    for (const Case& test : {Case{2, 2.2e-15, 100.0}, Case{2, 1.4e-15, -5.0}, Case{20, 1.4e-14, -5.0},
+                             Case{20, 2.2e-14, 100.0}}) {
+        SCOPED_TRACE(test.weight);
+        CSVDGlobAln alignment;
+        alignment.Allocate(0, test.itemRoom);
+        EXPECT_TRUE(alignment.PutPair(1, 2, 10.0, 0.0, 1.0));
+        EXPECT_TRUE(alignment.PutFixed(1, 100.0, 0.0, 0.0, 0.0, test.weight));
+        alignment.GlobalAlign();
+        // So small a weight leaves few digits.
+        expectPosition(alignment, 0, 1, test.firstX, 0.0, 30.0);
+    }
+}
+
 TEST(GlobalAlignment, IgnoresTheSignOfAWeight) {
     CSVDGlobAln alignment;
     alignment.Allocate(1, 2);
@@ -312,6 +349,22 @@ TEST(GlobalAlignment, GivesNotANumberForWeightsThatAreNotFinite) {
         double y = 0.0;
         EXPECT_TRUE(alignment.GetPos(1, id, x, y));
         EXPECT_EQ(id, 2);
+        EXPECT_TRUE(std::isnan(x));
+        EXPECT_TRUE(std::isnan(y));
+    }
+}
+
+TEST(GlobalAlignment, GivesNotANumberForShiftsThatAreNotFinite) {
+    for (const double bad : {kNan, std::numeric_limits<double>::infinity()}) {
+        CSVDGlobAln alignment;
+        alignment.Allocate(2, 2);
+        EXPECT_TRUE(alignment.PutPair(1, 2, 10.0, 5.0, 1.0));
+        EXPECT_TRUE(alignment.PutFixed(1, 0.0, bad, 0.0, 0.0, 1.0));
+        EXPECT_TRUE(std::isnan(alignment.GlobalAlign()));
+        int id = 0;
+        double x = 0.0;
+        double y = 0.0;
+        EXPECT_TRUE(alignment.GetPos(0, id, x, y));
         EXPECT_TRUE(std::isnan(x));
         EXPECT_TRUE(std::isnan(y));
     }

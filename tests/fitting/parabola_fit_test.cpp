@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 #include <limits>
 #include <new>
 #include <random>
@@ -28,8 +30,8 @@ using Values = std::vector<double>;
 constexpr double kUntouched = -77.5;
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
-// Lets each of the first allocations of a call fail, those before the decomposition begins. `call` returns whether
-// it saw the failure.
+// Lets each of the first allocations of a call fail, up to the one that makes sure of the decomposition's memory.
+// `call` returns whether it saw the failure.
 template <typename Call>
 void failFirstAllocations(std::size_t most, const Call& call) {
     EXPECT_FALSE(call());
@@ -44,6 +46,38 @@ void failFirstAllocations(std::size_t most, const Call& call) {
         EXPECT_TRUE(reported);
         EXPECT_EQ(liveAllocations(), before);
     }
+}
+
+// The fields in the order that callers of older builds rely on.
+static_assert(offsetof(ParaFit, vertexX) == 0 && offsetof(ParaFit, vertexY) == 8);
+static_assert(offsetof(ParaFit, curvature) == 16 && offsetof(ParaFit, reserved) == 24);
+static_assert(offsetof(ParaFit, residual) == 32 && offsetof(ParaFit, left) == 40);
+static_assert(offsetof(ParaFit, right) == 44 && offsetof(ParaFit, plateauLeftX) == 48);
+static_assert(offsetof(ParaFit, plateauRightX) == 56 && offsetof(ParaFit, isPeak) == 64);
+static_assert(sizeof(ParaFit) == 72);
+
+struct PolyFitLayout {
+    svd::CDMatrix* design;
+    svd::CDVector* rhs;
+    svd::CDVector* coefficients;
+    int capacity;
+    int maxCoefficients;
+    double xMean;
+    double yMean;
+};
+
+struct StatisticsLayout {
+    unsigned int count;
+    double sum;
+    double sumOfSquares;
+};
+
+template <typename Layout, typename Object>
+Layout layoutOf(const Object& object) {
+    static_assert(sizeof(Layout) == sizeof(Object));
+    Layout layout{};
+    std::memcpy(static_cast<void*>(&layout), static_cast<const void*>(&object), sizeof layout);
+    return layout;
 }
 
 Values countUp(int count) {
@@ -102,6 +136,19 @@ TEST(SampleStatistics, HasNoDeviationWhereRoundingLeavesNone) {
     statistics.Sample(kNan);
     EXPECT_TRUE(std::isnan(statistics.Mean()));
     EXPECT_EQ(statistics.StdDev(), 0.0);
+}
+
+TEST(SampleStatistics, KeepsTwoSums) {
+    CSampleStatistics statistics;
+    for (const double value : {1.0, 2.0, 4.0, 8.5})
+        statistics.Sample(value);
+    const auto layout = layoutOf<StatisticsLayout>(statistics);
+    EXPECT_EQ(layout.count, 4U);
+    EXPECT_EQ(layout.sum, 15.5);
+    EXPECT_EQ(layout.sumOfSquares, 93.25);
+    EXPECT_EQ(statistics.Mean(), 3.875);
+    // Squares of the distances from the mean sum to 33.1875; a third of that is 11.0625.
+    EXPECT_NEAR(statistics.StdDev(), 3.3260336739125158, 1e-14);
 }
 
 TEST(SampleStatistics, WrapsTheProductOfTheCounts) {
@@ -181,6 +228,104 @@ TEST(PolyFit, RefusesWhatItCannotFit) {
     EXPECT_EQ(residual, kUntouched);
 }
 
+TEST(PolyFit, FitsNoisySamples) {
+    // By the normal equations in rational numbers.
+    const Values x{1, 2, 4, 5, 7, 11};
+    const Values y{3, 7, 4, 8, 1, -9};
+    CSVDPolyFit poly(2);
+    double a = 0.0;
+    double b = 0.0;
+    double c = 0.0;
+    double residual = 0.0;
+    ASSERT_TRUE(poly.FitRangeParabola(x, y, 0, 5, a, b, c, &residual));
+    EXPECT_NEAR(a, -0.27424242424242423, 1e-14);
+    EXPECT_NEAR(b, 1.9424242424242424, 1e-13);
+    EXPECT_NEAR(c, 2.493939393939394, 1e-13);
+    EXPECT_NEAR(residual, 17.68030303030303, 1e-12);
+    ASSERT_TRUE(poly.FitRangeLine(x, y, 0, 5, a, b, &residual));
+    EXPECT_NEAR(a, -1.3484848484848484, 1e-14);
+    EXPECT_NEAR(b, 9.075757575757576, 1e-13);
+    EXPECT_NEAR(residual, 67.31818181818181, 1e-12);
+}
+
+TEST(PolyFit, KeepsItsDigitsFarFromTheOrigin) {
+    // y = 3e6 - 2 (x - 1000004)^2
+    Values x;
+    Values y;
+    for (int i = 0; i < 11; ++i) {
+        x.push_back(1e6 + i);
+        y.push_back(3e6 - 2.0 * (i - 4) * (i - 4));
+    }
+    CSVDPolyFit poly(2);
+    double a = 0.0;
+    double b = 0.0;
+    double c = 0.0;
+    double residual = 1.0;
+    ASSERT_TRUE(poly.FitRangeParabola(x, y, 0, 10, a, b, c, &residual));
+    EXPECT_NEAR(a, -2.0, 1e-13);
+    EXPECT_NEAR(-b / (2.0 * a), 1000004.0, 1e-8);
+    EXPECT_NEAR(residual, 0.0, 1e-20);
+    const auto layout = layoutOf<PolyFitLayout>(poly);
+    EXPECT_EQ(layout.xMean, 1000005.0);
+    EXPECT_EQ(layout.yMean, 2999978.0);
+}
+
+TEST(PolyFit, GrowsButNeverShrinks) {
+    const Values x = countUp(9);
+    const Values y = peakAt(3.0, 9);
+    double slope = 0.0;
+    double intercept = 0.0;
+    CSVDPolyFit poly(4);
+    const auto fresh = layoutOf<PolyFitLayout>(poly);
+    EXPECT_EQ(fresh.design, nullptr);
+    EXPECT_EQ(fresh.rhs, nullptr);
+    EXPECT_EQ(fresh.coefficients, nullptr);
+    EXPECT_EQ(fresh.capacity, 0);
+    EXPECT_EQ(fresh.maxCoefficients, 5);
+    ASSERT_TRUE(poly.FitRangeLine(x, y, 2, 6, slope, intercept, nullptr));
+    const auto grown = layoutOf<PolyFitLayout>(poly);
+    EXPECT_EQ(grown.capacity, 5);
+    EXPECT_EQ(grown.xMean, 4.0);
+    // The powers of the largest fit have their room: row 1 ends five elements behind row 0.
+    EXPECT_EQ((*grown.design)[2] - (*grown.design)[1], 6);
+    ASSERT_TRUE(poly.FitRangeLine(x, y, 3, 7, slope, intercept, nullptr));
+    ASSERT_TRUE(poly.FitRangeLine(x, y, 0, 1, slope, intercept, nullptr));
+    const auto kept = layoutOf<PolyFitLayout>(poly);
+    EXPECT_EQ(kept.design, grown.design);
+    EXPECT_EQ(kept.rhs, grown.rhs);
+    EXPECT_EQ(kept.coefficients, grown.coefficients);
+    EXPECT_EQ(kept.capacity, 5);
+    EXPECT_EQ(kept.xMean, 0.5);
+    ASSERT_TRUE(poly.FitRangeLine(x, y, 0, 5, slope, intercept, nullptr));
+    EXPECT_EQ(layoutOf<PolyFitLayout>(poly).capacity, 6);
+}
+
+TEST(PolyFit, KeepsItsCapacityWhenItCannotGrow) {
+    const Values x = countUp(9);
+    const Values y = peakAt(3.0, 9);
+    double slope = kUntouched;
+    double intercept = kUntouched;
+    for (std::size_t number = 1; number <= 7; ++number) {
+        SCOPED_TRACE(number);
+        CSVDPolyFit poly(1);
+        ASSERT_TRUE(poly.FitRangeLine(x, y, 0, 2, slope, intercept, nullptr));
+        const auto before = layoutOf<PolyFitLayout>(poly);
+        slope = kUntouched;
+        failAllocation(number);
+        EXPECT_FALSE(poly.FitRangeLine(x, y, 0, 8, slope, intercept, nullptr));
+        failAllocation(0);
+        EXPECT_EQ(slope, kUntouched);
+        const auto after = layoutOf<PolyFitLayout>(poly);
+        EXPECT_EQ(after.capacity, 3);
+        EXPECT_EQ(after.xMean, before.xMean);
+        // Three allocations make the design, two each of the vectors.
+        EXPECT_EQ(after.design == before.design, number <= 3);
+        EXPECT_EQ(after.rhs == before.rhs, number <= 5);
+        EXPECT_EQ(after.coefficients, before.coefficients);
+        EXPECT_TRUE(poly.FitRangeLine(x, y, 0, 2, slope, intercept, nullptr));
+    }
+}
+
 TEST(PolyFit, KeepsItsMemoryFromFitToFit) {
     CSVDPolyFit poly(2);
     const Values x = countUp(20);
@@ -199,7 +344,7 @@ TEST(PolyFit, KeepsItsMemoryFromFitToFit) {
 TEST(PolyFit, StoresNothingWhenMemoryIsLackingAndCanBeUsedAgain) {
     const Values x = countUp(8);
     const Values y = peakAt(3.0, 8);
-    failFirstAllocations(10, [&x, &y] {
+    failFirstAllocations(11, [&x, &y] {
         CSVDPolyFit poly(2);
         double a = kUntouched;
         double b = kUntouched;
@@ -350,6 +495,140 @@ TEST(ParabolaFit, ComparesThePeakWithTheNoise) {
     EXPECT_NEAR(outcome.fit.residual, 0.7, 1e-13);
     EXPECT_TRUE(outcome.fit.isPeak);
     EXPECT_FALSE(outcomeOf(countUp(5), y, 2, 6.0, 0.001, 3.0, 4.79).fit.isPeak);
+}
+
+TEST(ParabolaFit, TakesAPeakThatStandsExactlyAsHighAsTheNoise) {
+    // The vertex stands 4.5 above the ends, and the noise is 2.3: products with factors below 2 reach every number
+    // there.
+    Values y = peakAt(2.0, 5);
+    const double errors[] = {0.275, -1.1, 1.65, -1.1, 0.275};
+    for (std::size_t i = 0; i < 5; ++i)
+        y[i] = 1.125 * y[i] + errors[i];
+    const ParaFit fit = outcomeOf(countUp(5), y, 2, 6.0).fit;
+    CSVDPolyFit poly(2);
+    double a = 0.0;
+    double b = 0.0;
+    double c = 0.0;
+    ASSERT_TRUE(poly.FitRangeParabola(countUp(5), y, 0, 4, a, b, c, nullptr));
+    const double leftY = c;
+    const double rightY = (4.0 * a) * 4.0 + 4.0 * b + c;
+    const double height = fit.vertexY - (leftY > rightY ? rightY : leftY);
+    const double noise = std::sqrt(fit.residual);
+    double factor = height / noise;
+    while (noise * factor < height)
+        factor = std::nextafter(factor, 10.0);
+    while (noise * factor > height)
+        factor = std::nextafter(factor, 0.0);
+    ASSERT_EQ(noise * factor, height);
+    EXPECT_TRUE(outcomeOf(countUp(5), y, 2, 6.0, 0.001, 3.0, factor).fit.isPeak);
+    while (noise * factor == height)
+        factor = std::nextafter(factor, 10.0);
+    EXPECT_FALSE(outcomeOf(countUp(5), y, 2, 6.0, 0.001, 3.0, factor).fit.isPeak);
+}
+
+TEST(ParabolaFit, RefusesAPeakThatStandsExactlyAsHighAsTheBackground) {
+    Values y = peakOver(0.0);
+    CSampleStatistics background;
+    for (std::size_t i = 0; i < y.size(); ++i) {
+        if (i >= 8 && i <= 12) continue;
+        y[i] = i % 2 == 0 ? 4.0 : 0.0;
+        background.Sample(y[i]);
+    }
+    const double height = outcomeOf(countUp(21), y, 10, 6.0).fit.vertexY;
+    const double deviation = background.StdDev();
+    const double mean = background.Mean();
+    double factor = (height - mean) / deviation;
+    while (deviation * factor + mean < height)
+        factor = std::nextafter(factor, 10.0);
+    while (deviation * factor + mean > height)
+        factor = std::nextafter(factor, 0.0);
+    ASSERT_EQ(deviation * factor + mean, height);
+    EXPECT_FALSE(outcomeOf(countUp(21), y, 10, 6.0, 0.001, factor).fit.isPeak);
+    while (deviation * factor + mean == height)
+        factor = std::nextafter(factor, 0.0);
+    EXPECT_TRUE(outcomeOf(countUp(21), y, 10, 6.0, 0.001, factor).fit.isPeak);
+}
+
+TEST(ParabolaFit, TakesZeroForTheBackgroundWithoutSamples) {
+    Values y = peakAt(2.0, 5);
+    EXPECT_TRUE(outcomeOf(countUp(5), y, 2, 6.0).fit.isPeak);
+    for (double& value : y)
+        value -= 5.0;
+    const Outcome outcome = outcomeOf(countUp(5), y, 2, 6.0);
+    ASSERT_TRUE(outcome.result);
+    EXPECT_NEAR(outcome.fit.vertexY, -1.0, 1e-13);
+    EXPECT_FALSE(outcome.fit.isPeak);
+    // Below the window's ends of -5 all samples are flanks. Once some are not, the mean of -14.67 counts.
+    y.insert(y.begin(), {-20.0, -20.0, -20.0, -20.0});
+    y.insert(y.end(), {-20.0, -20.0});
+    EXPECT_FALSE(outcomeOf(countUp(11), y, 6, 6.0, 0.001, 0.0).fit.isPeak);
+    y[3] = y[9] = -4.0;
+    EXPECT_TRUE(outcomeOf(countUp(11), y, 6, 6.0, 0.001, 0.0).fit.isPeak);
+}
+
+TEST(ParabolaFit, WantsTheVertexInsideTheWindow) {
+    // The window is 0 to 3, and the vertex moves from one side of 0 to the other.
+    for (const double vertex : {-0.01, 0.01}) {
+        Values y = peakAt(vertex, 4);
+        const Outcome atStart = outcomeOf(countUp(4), y, 0, 8.0, 0.0, 3.0, 0.0);
+        ASSERT_TRUE(atStart.result);
+        EXPECT_NEAR(atStart.fit.vertexX, vertex, 1e-12);
+        EXPECT_EQ(atStart.fit.isPeak, vertex > 0.0);
+        y = peakAt(3.0 + vertex, 4);
+        const Outcome atEnd = outcomeOf(countUp(4), y, 3, 8.0, 0.0, 3.0, 0.0);
+        ASSERT_TRUE(atEnd.result);
+        EXPECT_EQ(atEnd.fit.left, 0);
+        EXPECT_EQ(atEnd.fit.isPeak, vertex < 0.0);
+    }
+}
+
+TEST(ParabolaFit, RefusesAVertexExactlyAtAnEndOfTheWindow) {
+    // Rounding decides where exactly the vertex comes out; those that hit the end are what is looked for.
+    int startHits = 0;
+    int endHits = 0;
+    for (int count = 4; count < 10; ++count) {
+        for (int step = 1; step < 60; ++step) {
+            Values y;
+            for (int i = 0; i < count; ++i)
+                y.push_back(4.0 - 0.25 * step * i * i);
+            const ParaFit atStart = outcomeOf(countUp(count), y, 0, 100.0, 0.0, 3.0, 0.0).fit;
+            startHits += atStart.vertexX == 0.0 ? 1 : 0;
+            EXPECT_EQ(atStart.isPeak, atStart.vertexX > 0.0) << count << ' ' << step;
+            std::reverse(y.begin(), y.end());
+            const ParaFit atEnd = outcomeOf(countUp(count), y, count - 1, 100.0, 0.0, 3.0, 0.0).fit;
+            endHits += atEnd.vertexX == count - 1 ? 1 : 0;
+            EXPECT_EQ(atEnd.isPeak, atEnd.vertexX < count - 1) << count << ' ' << step;
+        }
+    }
+    EXPECT_GT(startHits, 10);
+    EXPECT_GT(endHits, 10);
+}
+
+TEST(ParabolaFit, RefusesAValleyWhateverTheNoise) {
+    // A negative factor lets every height pass.
+    const Values y{9.1, 5.6, 5.6, 5.6, 9.1};
+    const Outcome outcome = outcomeOf(countUp(5), y, 2, 6.0, 0.001, 3.0, -1000.0);
+    ASSERT_TRUE(outcome.result);
+    EXPECT_GT(outcome.fit.curvature, 0.5);
+    EXPECT_GT(outcome.fit.residual, 0.5);
+    EXPECT_NEAR(outcome.fit.vertexX, 2.0, 1e-13);
+    EXPECT_GT(outcome.fit.vertexY, 1.0);
+    EXPECT_FALSE(outcome.fit.isPeak);
+}
+
+TEST(ParabolaFit, StopsAPlateauAtNotANumber) {
+    Values y = peakAt(5.0, 11);
+    y[0] = kNan;
+    const Outcome outside = outcomeOf(countUp(11), y, 4, 0.0);
+    ASSERT_TRUE(outside.result);
+    EXPECT_EQ(outside.fit.plateauLeftX, 3.0);
+    y = {7.0, kNan, 3.0, 3.0, 4.0, 5.0, 3.0, 3.0, 3.0, 3.0, kNan, 3.0};
+    const Outcome among = outcomeOf(countUp(12), y, 6, 0.0, 0.0);
+    ASSERT_TRUE(among.result);
+    EXPECT_EQ(among.fit.left, 4);
+    EXPECT_EQ(among.fit.right, 8);
+    EXPECT_EQ(among.fit.plateauLeftX, 5.0);
+    EXPECT_EQ(among.fit.plateauRightX, 10.0);
 }
 
 TEST(ParabolaFit, FollowsPlateausToTheirEnds) {

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 #include <limits>
 #include <new>
 #include <random>
@@ -11,6 +12,7 @@
 #include "tests/support/allocation_failure.h"
 #include "tests/support/solver_reference.h"
 #include "velquad/fitting.h"
+#include "velquad/framework.h"
 
 namespace {
 
@@ -25,8 +27,8 @@ using Values = std::vector<double>;
 constexpr double kUntouched = -77.5;
 constexpr int kMostInt = std::numeric_limits<int>::max();
 
-// Lets each of the first allocations of a call fail, those before the decomposition begins. `call` returns whether
-// it saw the failure.
+// Lets each of the first allocations of a call fail, up to the one that makes sure of the decomposition's memory.
+// `call` returns whether it saw the failure.
 template <typename Call>
 void failFirstAllocations(std::size_t most, const Call& call) {
     EXPECT_FALSE(call());
@@ -41,6 +43,30 @@ void failFirstAllocations(std::size_t most, const Call& call) {
         EXPECT_TRUE(reported);
         EXPECT_EQ(liveAllocations(), before);
     }
+}
+
+// The fields in the order that callers of older builds rely on.
+struct VectorLayout {
+    double* data;
+    int nl;
+    int nh;
+};
+
+struct MatrixLayout {
+    double** rows;
+    double* data;
+    int nrl;
+    int nrh;
+    int ncl;
+    int nch;
+};
+
+template <typename Layout, typename Object>
+Layout layoutOf(const Object& object) {
+    static_assert(sizeof(Layout) == sizeof(Object));
+    Layout layout{};
+    std::memcpy(static_cast<void*>(&layout), static_cast<const void*>(&object), sizeof layout);
+    return layout;
 }
 
 struct Solution {
@@ -79,6 +105,21 @@ TEST(SvdVector, KeepsItsBlockWhenMovedFrom) {
     EXPECT_EQ(source[1], 4.0);  // NOLINT(bugprone-use-after-move): this is what is promised
 }
 
+TEST(SvdVector, KnowsItsRange) {
+    svd::CDVector vector(2, 7);
+    const auto layout = layoutOf<VectorLayout>(vector);
+    EXPECT_EQ(layout.data, vector.get());
+    EXPECT_EQ(layout.nl, 2);
+    EXPECT_EQ(layout.nh, 7);
+    const auto empty = layoutOf<VectorLayout>(svd::CDVector());
+    EXPECT_EQ(empty.data, nullptr);
+    EXPECT_EQ(empty.nl, 0);
+    EXPECT_EQ(empty.nh, 0);
+    const auto moved = layoutOf<VectorLayout>(svd::CDVector(std::move(vector)));
+    EXPECT_EQ(moved.nl, 0);
+    EXPECT_EQ(moved.nh, 0);
+}
+
 TEST(SvdVector, RefusesCountsThatDoNotFit) {
     EXPECT_THROW((svd::CDVector{1, -2}), std::bad_alloc);
     EXPECT_THROW((svd::CDVector{1, kMostInt}), std::bad_alloc);
@@ -95,6 +136,42 @@ TEST(SvdMatrix, SetsItsRowsFromTheLowestOn) {
     EXPECT_EQ(m[3] - m[2], 4);
     EXPECT_EQ(svd::CDMatrix().get(), nullptr);
     EXPECT_NE(svd::CDMatrix(1, 0, 1, 6).get(), nullptr);
+}
+
+TEST(SvdMatrix, KnowsItsRanges) {
+    svd::CDMatrix matrix(2, 4, 3, 6);
+    const auto layout = layoutOf<MatrixLayout>(matrix);
+    EXPECT_EQ(layout.rows, matrix.get());
+    EXPECT_EQ(layout.nrl, 2);
+    EXPECT_EQ(layout.nrh, 4);
+    EXPECT_EQ(layout.ncl, 3);
+    EXPECT_EQ(layout.nch, 6);
+    // Row i begins i rows of seven elements into the block, whatever the lowest row and column.
+    EXPECT_EQ(matrix[2], layout.data + 14);
+    EXPECT_EQ(matrix[4], layout.data + 28);
+    const svd::CDMatrix moved(std::move(matrix));
+    const auto taken = layoutOf<MatrixLayout>(moved);
+    EXPECT_EQ(taken.data, layout.data);
+    EXPECT_EQ(taken.nrl, 2);
+    EXPECT_EQ(taken.nrh, 4);
+    EXPECT_EQ(taken.ncl, 3);
+    EXPECT_EQ(taken.nch, 6);
+    const auto left = layoutOf<MatrixLayout>(matrix);  // NOLINT(bugprone-use-after-move): bounds stay
+    EXPECT_EQ(left.data, nullptr);
+    EXPECT_EQ(left.nrh, 4);
+    EXPECT_EQ(left.nch, 6);
+    const auto empty = layoutOf<MatrixLayout>(svd::CDMatrix());
+    EXPECT_EQ(empty.rows, nullptr);
+    EXPECT_EQ(empty.data, nullptr);
+    EXPECT_EQ(empty.nrl + empty.nrh + empty.ncl + empty.nch, 0);
+}
+
+TEST(SvdMatrix, SetsRowZeroWhenItIsInUse) {
+    for (const int lowest : {0, -2}) {
+        svd::CDMatrix matrix(lowest, 2, 0, 1);
+        EXPECT_EQ(matrix[0], layoutOf<MatrixLayout>(matrix).data);
+        EXPECT_EQ(matrix[2], matrix[0] + 4);
+    }
 }
 
 TEST(SvdMatrix, HandsItsMemoryOnWhenMovedFrom) {
@@ -147,6 +224,39 @@ TEST(SvdSolve, FindsTheShortestOfManySolutions) {
     const Solution nothing = solutionOf(2, 2, {0, 0, 0, 0}, {3, 4});
     EXPECT_EQ(nothing.x, (Values{0, 0}));
     EXPECT_EQ(nothing.residual, 25.0);
+}
+
+TEST(SvdSolve, CountsSingularValuesFromItsToleranceOn) {
+    // The tolerance is the smaller of the two sizes times 2^-52, here 2^-51; 2^-51 itself counts.
+    constexpr double kBound = 0x1p-51;
+    EXPECT_EQ(solutionOf(2, 2, {1, 0, 0, kBound}, {3, kBound}).x, (Values{3, 1}));
+    EXPECT_EQ(solutionOf(2, 2, {1, 0, 0, std::nextafter(kBound, 0.0)}, {3, kBound}).x, (Values{3, 0}));
+    EXPECT_EQ(solutionOf(2, 2, {8, 0, 0, 8 * kBound}, {8, 8 * kBound}).x, (Values{1, 1}));
+    EXPECT_EQ(solutionOf(2, 2, {8, 0, 0, 4 * kBound}, {8, 8 * kBound}).x, (Values{1, 0}));
+    // Three columns in two rows have the same tolerance.
+    EXPECT_NEAR(solutionOf(2, 3, {1, 0, 0, 0, 1.25 * kBound, 0}, {3, 5 * kBound}).x[1], 4.0, 1e-12);
+    EXPECT_EQ(solutionOf(2, 3, {1, 0, 0, 0, 0.75 * kBound, 0}, {3, 6 * kBound}).x[1], 0.0);
+}
+
+TEST(SvdSolve, ReadsOnlyWhatItIsTold) {
+    // The row and the column 0, as those behind the last ones, hold what would spoil the result.
+    Values elements(16, std::numeric_limits<double>::quiet_NaN());
+    Values side(4, std::numeric_limits<double>::quiet_NaN());
+    Values x(4, kUntouched);
+    double* table[4] = {nullptr, elements.data() + 4, elements.data() + 8, nullptr};
+    table[1][1] = 2.0;
+    table[1][2] = 1.0;
+    table[2][1] = 1.0;
+    table[2][2] = 3.0;
+    side[1] = 5.0;
+    side[2] = 10.0;
+    double residual = kUntouched;
+    svdsolve(table, side.data(), 2, x.data(), 2, &residual);
+    EXPECT_EQ(x[0], kUntouched);
+    EXPECT_NEAR(x[1], 1.0, 1e-14);
+    EXPECT_NEAR(x[2], 3.0, 1e-14);
+    EXPECT_EQ(x[3], kUntouched);
+    EXPECT_NEAR(residual, 0.0, 1e-27);
 }
 
 TEST(SvdSolve, TakesEmptySystems) {
@@ -217,7 +327,7 @@ TEST(SvdSolve, StoresNothingWhenMemoryIsLacking) {
     OneBasedMatrix a(3, 2, Values{2, 0, 0, 4, 0, 1});
     Values b{0, 2, 8, 3};
     double** const table = a.table();
-    failFirstAllocations(3, [&b, table] {
+    failFirstAllocations(4, [&b, table] {
         double x[3] = {kUntouched, kUntouched, kUntouched};
         double residual = kUntouched;
         try {
@@ -271,6 +381,15 @@ TEST(SvdHomogeneousFit, LeavesTheErrorsThatNoMapExplains) {
     EXPECT_NEAR(fit.residual, 5.0, 1e-13);
 }
 
+TEST(SvdHomogeneousFit, FindsTheLeastSquaresMapOfNoisyPoints) {
+    // By the normal equations in rational numbers.
+    const AffineFit fit =
+        affineFitOf({0, 0, 10, 1, 2, 8, 9, 11, 5, 4}, {3, -2, 24, 5, 9, 21, 26, 30, 13, 9}, 5);
+    expectTransform(fit, {2.136672911941623, 0.3552904052854748, 2.183906912533281, 0.347204417710285,
+                          2.645005423528252, -1.9014890050290898});
+    EXPECT_NEAR(fit.residual, 6.707819741642836, 1e-12);
+}
+
 TEST(SvdHomogeneousFit, TakesTheSmallestMapOfPointsOnALine) {
     expectTransform(affineFitOf({1, 1, 2, 2, 3, 3}, {4, 0, 8, 0, 12, 0}, 3), {2, 2, 0, 0, 0, 0});
     expectTransform(affineFitOf({1, 0, 2, 0, 3, 0}, {2, 10, 4, 10, 6, 10}, 3), {2, 0, 0, 0, 0, 10});
@@ -307,12 +426,40 @@ TEST(SvdHomogeneousFit, ComputesNothingForCountsWithoutMemory) {
     }
 }
 
+void throwNumber() {
+    throw 5;
+}
+
+void throwFrameworkException() {
+    AfxThrowInvalidArgException();
+}
+
+TEST(SvdHomogeneousFit, ReportsExceptionsThatAreNotOfLackingMemory) {
+    OneBasedMatrix points(3, 2, Values{0, 0, 1, 0, 0, 1});
+    OneBasedMatrix transform(3, 3, kUntouched);
+    double** const table = points.table();
+    double** const rows = transform.table();
+    for (const std::new_handler handler : {throwNumber, throwFrameworkException}) {
+        const std::ptrdiff_t before = liveAllocations();
+        double residual = kUntouched;
+        const std::new_handler previous = std::set_new_handler(handler);
+        failAllocation(1);
+        const bool result = svdhomfit(table, table, 3, rows, &residual);
+        failAllocation(0);
+        std::set_new_handler(previous);
+        EXPECT_FALSE(result);
+        EXPECT_EQ(residual, 1.7976931348623157e308);
+        EXPECT_EQ(transform.values(), Values(9, kUntouched));
+        EXPECT_EQ(liveAllocations(), before);
+    }
+}
+
 TEST(SvdHomogeneousFit, KeepsSilentWhenMemoryIsLacking) {
     OneBasedMatrix points(3, 2, Values{0, 0, 1, 0, 0, 1});
     OneBasedMatrix transform(3, 3, 0.0);
     double** const table = points.table();
     double** const rows = transform.table();
-    failFirstAllocations(7, [&transform, table, rows] {
+    failFirstAllocations(8, [&transform, table, rows] {
         for (int i = 1; i <= 9; ++i)
             transform.at(1 + (i - 1) / 3, 1 + (i - 1) % 3) = kUntouched;
         double residual = kUntouched;

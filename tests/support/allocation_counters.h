@@ -12,6 +12,8 @@ struct AllocationCounters {
     bool hasFailed = false;
     std::ptrdiff_t liveCount = 0;
     std::size_t totalCount = 0;
+    std::ptrdiff_t liveBytes = 0;  ///< Of malloc and its kin only.
+    std::ptrdiff_t peakBytes = 0;  ///< The largest value of `liveBytes` since it was reset.
 
     /// Counts an attempt to allocate. @return whether it is the one that is to fail.
     bool mustFail() {
@@ -27,6 +29,12 @@ struct AllocationCounters {
             ++totalCount;
         }
         return block;
+    }
+
+    /// Counts bytes that were allocated, or freed when negative.
+    void addBytes(std::ptrdiff_t bytes) {
+        liveBytes += bytes;
+        if (liveBytes > peakBytes) peakBytes = liveBytes;
     }
 };
 

@@ -1,6 +1,7 @@
 #include "tests/support/allocation_failure.h"
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <cstdlib>
 #include <new>
@@ -19,6 +20,20 @@ void throwOnce() {
     }
 }
 
+std::ptrdiff_t bytesOf(void* block) {
+#if defined(_WIN32)
+    return static_cast<std::ptrdiff_t>(_msize(block));
+#else
+    return static_cast<std::ptrdiff_t>(malloc_usable_size(block));
+#endif
+}
+
+// Counts what was allocated, unless it is null.
+void* counted(void* block) {
+    if (block != nullptr) allocationCounters().addBytes(bytesOf(block));
+    return allocationCounters().counted(block);
+}
+
 }  // namespace
 
 extern "C" {
@@ -35,22 +50,27 @@ void* __wrap_realloc(void* block, std::size_t size);
 void __wrap_free(void* block);
 
 void* __wrap_malloc(std::size_t size) {
-    return allocationCounters().mustFail() ? nullptr : allocationCounters().counted(__real_malloc(size));
+    return allocationCounters().mustFail() ? nullptr : counted(__real_malloc(size));
 }
 
 void* __wrap_calloc(std::size_t count, std::size_t size) {
-    return allocationCounters().mustFail() ? nullptr
-                                           : allocationCounters().counted(__real_calloc(count, size));
+    return allocationCounters().mustFail() ? nullptr : counted(__real_calloc(count, size));
 }
 
 void* __wrap_realloc(void* block, std::size_t size) {
     if (allocationCounters().mustFail()) return nullptr;
+    if (block == nullptr) return counted(__real_malloc(size));
+    const std::ptrdiff_t bytesBefore = bytesOf(block);
     void* moved = __real_realloc(block, size);
-    return block == nullptr ? allocationCounters().counted(moved) : moved;
+    if (moved != nullptr) allocationCounters().addBytes(bytesOf(moved) - bytesBefore);
+    return moved;
 }
 
 void __wrap_free(void* block) {
-    if (block != nullptr) --allocationCounters().liveCount;
+    if (block != nullptr) {
+        --allocationCounters().liveCount;
+        allocationCounters().addBytes(-bytesOf(block));
+    }
     __real_free(block);
 }
 
@@ -58,7 +78,11 @@ void __wrap_free(void* block) {
 
 void* operator new(std::size_t size) {
     void* block = std::malloc(size == 0 ? 1 : size);
-    if (block == nullptr) throw std::bad_alloc();
+    if (block == nullptr) {
+        // A handler of the test's may throw what it likes.
+        if (const std::new_handler handler = std::get_new_handler()) handler();
+        throw std::bad_alloc();
+    }
     return block;
 }
 void* operator new[](std::size_t size) {
@@ -106,6 +130,14 @@ std::ptrdiff_t liveAllocations() {
 
 std::size_t allocationCount() {
     return allocationCounters().totalCount;
+}
+
+std::size_t peakMemory(const std::function<void()>& call) {
+    AllocationCounters& counters = allocationCounters();
+    counters.peakBytes = counters.liveBytes;
+    const std::ptrdiff_t before = counters.liveBytes;
+    call();
+    return static_cast<std::size_t>(counters.peakBytes - before);
 }
 
 std::size_t forEachFailingAllocation(const std::function<bool()>& call) {

@@ -27,6 +27,9 @@ std::ptrdiff_t liveAllocations();
 /// Allocations that the calling thread made so far.
 std::size_t allocationCount();
 
+/// The most bytes that `call` holds allocated at a time, beyond those of before.
+std::size_t peakMemory(const std::function<void()>& call);
+
 /// Runs `call` again and again, with its first, second, ... allocation failing, until a run meets no failure.
 /// `call` returns whether it saw the promised failure value, and releases what it got. Checks that every run
 /// with a failing allocation reports failure, that the last one succeeds and that nothing is left allocated.
