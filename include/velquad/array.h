@@ -160,6 +160,7 @@ VELQUAD_API int matFreeArrayMappedToRoi2v(void** table);
 /// lies on cell 0. Interpolation is done in double. Cubic takes one sample before and two behind a position, bilinear
 /// one behind; where the source ends before that, the next simpler kind is used, at last the nearest sample. Results
 /// are rounded halves away from zero and limited to the type; type 6 stores 0x80000000 for 2147483647.5 and above.
+/// Samples are never averaged: a reduction by a whole number takes every so many-th one, by every kind.
 /// Source and destination must not overlap.
 /// @par Source  R. Keys, Cubic convolution interpolation for digital image processing, 1981, with the parameter -1.
 /// @{

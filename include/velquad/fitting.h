@@ -420,6 +420,13 @@ using PolyModelId = fluent::NamedType<unsigned int, PolyModelIdParameter, fluent
 ///       with the smallest sum of squared coefficients; so terms that are equal share their weight equally (models
 ///       7 and 8), and terms that are zero have coefficient 0 (model 8).
 ///   (2) Any other model has no terms; its map sends every point to the image centre.
+///   (3) Models 2 to 4 hold powers of r but no products of them with u and v, which a radial distortion consists of:
+///       models 5 to 9 correct one.
+///   (4) The map takes points. To resample an image, fit the inverse map, with measured and true positions exchanged.
+///
+/// Parameters that were stored are used again by an object of the same model and image size, without dots:
+///
+///     lens.Allocate(0, svd::PolyModelId(params.modelId), width, height);
 ///
 /// **Memory.** An object holds a pointer to a record, which is null when memory was lacking for it; the members do
 /// nothing then and return false.
