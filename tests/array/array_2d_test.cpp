@@ -8,9 +8,9 @@
 #include <random>
 #include <vector>
 
-#include "tests/array/kernel_levels.h"
 #include "tests/support/allocation_failure.h"
 #include "tests/support/array_data.h"
+#include "tests/support/kernel_levels.h"
 #include "velquad/array.h"
 #include "velquad/statistics.h"
 

@@ -6,9 +6,9 @@
 #include <random>
 #include <vector>
 
-#include "tests/array/kernel_levels.h"
 #include "tests/support/allocation_failure.h"
 #include "tests/support/array_data.h"
+#include "tests/support/kernel_levels.h"
 #include "tests/support/zoom_reference.h"
 #include "velquad/array.h"
 

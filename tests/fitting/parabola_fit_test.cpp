@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tests/support/allocation_failure.h"
+#include "tests/support/first_allocations.h"
 #include "tests/support/parabola_reference.h"
 #include "velquad/fitting.h"
 
@@ -19,34 +20,14 @@ namespace {
 using math::CSampleStatistics;
 using math::CSVDPolyFit;
 using math::ParaFit;
-using velquad::test::failAllocation;
+using velquad::test::failFirstAllocations;
 using velquad::test::fitParabolaLiterally;
-using velquad::test::hasAllocationFailed;
-using velquad::test::liveAllocations;
 using velquad::test::PeakLimits;
 
 using Values = std::vector<double>;
 
 constexpr double kUntouched = -77.5;
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-
-// Lets each of the first allocations of a call fail, up to the one that makes sure of the decomposition's memory.
-// `call` returns whether it saw the failure.
-template <typename Call>
-void failFirstAllocations(std::size_t most, const Call& call) {
-    EXPECT_FALSE(call());
-    for (std::size_t number = 1; number <= most; ++number) {
-        SCOPED_TRACE(number);
-        const std::ptrdiff_t before = liveAllocations();
-        failAllocation(number);
-        const bool reported = call();
-        const bool happened = hasAllocationFailed();
-        failAllocation(0);
-        EXPECT_TRUE(happened);
-        EXPECT_TRUE(reported);
-        EXPECT_EQ(liveAllocations(), before);
-    }
-}
 
 // The fields in the order that callers of older builds rely on.
 static_assert(offsetof(ParaFit, vertexX) == 0 && offsetof(ParaFit, vertexY) == 8);

@@ -10,15 +10,15 @@
 #include <vector>
 
 #include "tests/support/allocation_failure.h"
+#include "tests/support/first_allocations.h"
 #include "tests/support/solver_reference.h"
 #include "velquad/fitting.h"
 #include "velquad/framework.h"
 
 namespace {
 
-using velquad::test::failAllocation;
+using velquad::test::failFirstAllocations;
 using velquad::test::forEachFailingAllocation;
-using velquad::test::hasAllocationFailed;
 using velquad::test::liveAllocations;
 using velquad::test::OneBasedMatrix;
 
@@ -26,24 +26,6 @@ using Values = std::vector<double>;
 
 constexpr double kUntouched = -77.5;
 constexpr int kMostInt = std::numeric_limits<int>::max();
-
-// Lets each of the first allocations of a call fail, up to the one that makes sure of the decomposition's memory.
-// `call` returns whether it saw the failure.
-template <typename Call>
-void failFirstAllocations(std::size_t most, const Call& call) {
-    EXPECT_FALSE(call());
-    for (std::size_t number = 1; number <= most; ++number) {
-        SCOPED_TRACE(number);
-        const std::ptrdiff_t before = liveAllocations();
-        failAllocation(number);
-        const bool reported = call();
-        const bool happened = hasAllocationFailed();
-        failAllocation(0);
-        EXPECT_TRUE(happened);
-        EXPECT_TRUE(reported);
-        EXPECT_EQ(liveAllocations(), before);
-    }
-}
 
 // The fields in the order that callers of older builds rely on.
 struct VectorLayout {
