@@ -20,6 +20,7 @@ namespace {
 using math::CSampleStatistics;
 using math::CSVDPolyFit;
 using math::ParaFit;
+using velquad::test::failAllocation;
 using velquad::test::failFirstAllocations;
 using velquad::test::fitParabolaLiterally;
 using velquad::test::PeakLimits;

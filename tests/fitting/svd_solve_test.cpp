@@ -17,6 +17,7 @@
 
 namespace {
 
+using velquad::test::failAllocation;
 using velquad::test::failFirstAllocations;
 using velquad::test::forEachFailingAllocation;
 using velquad::test::liveAllocations;
