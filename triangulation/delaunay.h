@@ -158,12 +158,12 @@ class CDelaunay2D {
     bool insertSite(const Point2d& site);
 
   private:
-    /// A quad edge, half a cache line.
+    /// A quad edge, half a cache line. Every face is a triangle but for a moment within an insertion: one that loses
+    /// an edge is at once joined to the new vertex, and flips exchange two triangles for two.
     struct CQuadEdge {
         EdgeRef next[4];
-        std::uint32_t ends[2];  ///< The slots of the edge's start and end.
-        std::uint32_t
-            apexes[2];  ///< The slots of the third corners of the faces left of the edge and its reverse.
+        std::uint32_t ends[2];    ///< The slots of the edge's start and end.
+        std::uint32_t apexes[2];  ///< The slots of the third corners of the faces to its left and right.
     };
     static_assert(sizeof(CQuadEdge) == 32);
 

@@ -13,8 +13,9 @@ namespace {
 
 /// The curve runs through 2^16 by 2^16 cells.
 constexpr std::uint32_t kLastCell = 0xFFFF;
-/// All are arranged anew each time there are a fourth more groups.
-constexpr std::size_t kArrangementShare = 4;
+/// One part in so many of the groups has to be new before all are arranged anew. Walks find those that were added all
+/// over the array, so letting more of them come costs more than arranging does.
+constexpr std::size_t kNewShare = 4;
 
 /// The cell of a coordinate; those beyond the extent share its outermost cells.
 std::uint32_t cellOf(double coordinate, double low, double high) {
@@ -70,7 +71,7 @@ std::vector<std::uint32_t> inverseOf(const std::vector<std::uint32_t>& order) {
 
 /// Arranges slots and groups along the curve. Without the memory for that they stay as they are.
 void CDelaunay2D::arrange() noexcept {
-    nextArrangement_ = groups_.size() + groups_.size() / kArrangementShare;
+    nextArrangement_ = groups_.size() + groups_.size() / kNewShare;
     try {
         arrangeSlots();
         arrangeGroups();
