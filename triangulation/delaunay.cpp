@@ -76,6 +76,8 @@ void CDelaunay2D::init(const tagMAT_RECT2D& extent) {
     setOrg(sym(ca), a);
     splice(sym(bc), ca);
     splice(sym(ca), ab);
+    noteApexes(ab);
+    noteApexes(sym(ab));
     startingEdge_ = ab;
 }
 
@@ -127,24 +129,31 @@ EdgeRef CDelaunay2D::locate(const tagPOINT2D& p) const {
     EdgeRef landmark = e;
     std::uint32_t nextLandmark = 64;
     for (;;) {
-        // Both edges lead to the third corner of the face; which of them is wanted is known only then.
+        // Both edges lead to the third corner of the face. They and what lies beyond them are fetched before it is
+        // known which one is wanted: nothing else takes as long as waiting for memory. (GCC drops calls of a
+        // function that does nothing but fetch.)
         const EdgeRef left = onext(e);
         const EdgeRef right = dprev(e);
+        __builtin_prefetch(&groups_[left >> 2]);
         __builtin_prefetch(&groups_[right >> 2]);
-        bool isHere = false;
-        if (const Relative corner(destPosition(left), p); !isRightOf(from, corner)) {
+        __builtin_prefetch(&slots_[apex(left)]);
+        __builtin_prefetch(&slots_[apex(right)]);
+        __builtin_prefetch(&groups_[onext(left) >> 2]);
+        __builtin_prefetch(&groups_[dprev(left) >> 2]);
+        __builtin_prefetch(&groups_[onext(right) >> 2]);
+        __builtin_prefetch(&groups_[dprev(right) >> 2]);
+        const Relative corner(slots_[apex(e)], p);
+        if (!isRightOf(from, corner)) {
             e = left;
             to = corner;
-            isHere = corner.isHere();
-        } else if (const Relative rightCorner(orgPosition(right), p); !isRightOf(rightCorner, to)) {
+        } else if (!isRightOf(corner, to)) {
             e = right;
-            from = rightCorner;
-            isHere = rightCorner.isHere();
+            from = corner;
         } else {
             return e;
         }
         if (++steps == kMostSteps) return kNoEdge;
-        if (isHere) return e;
+        if (corner.isHere()) return e;
         if (e == landmark) return kNoEdge;
         if (steps >= nextLandmark) {
             landmark = e;
@@ -199,6 +208,7 @@ void CDelaunay2D::reserve(std::size_t edgeCount, std::size_t pointCount) {
     if (groups_.size() + edgeCount > kMostGroups) throw std::length_error("too many edges");
     groups_.reserveMore(edgeCount);
     reserveMore(order_, edgeCount);
+    reserveMore(ranks_, edgeCount);
     slots_.reserveMore(pointCount);
     reserveMore(numbers_, pointCount);
     reserveMore(positions_, pointCount);
@@ -219,7 +229,8 @@ std::uint32_t CDelaunay2D::appendPoint(const Point2d& point) {
 /// Appends an edge without connections.
 EdgeRef CDelaunay2D::makeEdge() {
     const auto e = static_cast<EdgeRef>(groups_.size() * 4);
-    groups_.append({{e, e + 3, e + 2, e + 1}, {0, 0}, static_cast<std::uint32_t>(order_.size()), 0});
+    groups_.append({{e, e + 3, e + 2, e + 1}, {0, 0}, {0, 0}});
+    ranks_.push_back(static_cast<std::uint32_t>(order_.size()));
     order_.push_back(e);
     return e;
 }
@@ -246,7 +257,7 @@ EdgeRef CDelaunay2D::connect(EdgeRef a, EdgeRef b) {
 void CDelaunay2D::deleteEdge(EdgeRef e) {
     splice(e, oprev(e));
     splice(sym(e), oprev(sym(e)));
-    order_[groups_[e >> 2].rank] = kNoEdge;
+    order_[ranks_[e >> 2]] = kNoEdge;
     ++freeGroups_;
 }
 
@@ -281,6 +292,26 @@ void CDelaunay2D::joinToFace(EdgeRef e, std::uint32_t slot) {
         e = oprev(base);
     } while (lnext(e) != startingEdge_);
     flipAround(e, slots_[slot]);
+    noteApexesAround(sym(startingEdge_));
+}
+
+/// Notes the corners of the triangle to the left of `e` at its three edges.
+void CDelaunay2D::noteApexes(EdgeRef e) {
+    const EdgeRef second = lnext(e);
+    const EdgeRef third = lnext(second);
+    setApex(e, slotOfOrg(third));
+    setApex(second, slotOfOrg(e));
+    setApex(third, slotOfOrg(second));
+}
+
+/// Notes the corners of all triangles around the start of `e`. After an insertion these are the ones that changed:
+/// every flip joins the new vertex to one corner more.
+void CDelaunay2D::noteApexesAround(EdgeRef e) {
+    const EdgeRef first = e;
+    do {
+        noteApexes(e);
+        e = onext(e);
+    } while (e != first);
 }
 
 /// Walks around the new vertex `v` and flips the edges that face it, as long as one is to be flipped.

@@ -158,12 +158,12 @@ class CDelaunay2D {
     bool insertSite(const Point2d& site);
 
   private:
-    /// A quad edge, half a cache line.
+    /// A quad edge, half a cache line. Every face is a triangle but for a moment within an insertion: one that loses
+    /// an edge is at once joined to the new vertex, and flips exchange two triangles for two.
     struct CQuadEdge {
         EdgeRef next[4];
-        std::uint32_t ends[2];  ///< The slots of the edge's start and end.
-        std::uint32_t rank;     ///< Its place in the order of the edges.
-        std::uint32_t unused;
+        std::uint32_t ends[2];    ///< The slots of the edge's start and end.
+        std::uint32_t apexes[2];  ///< The slots of the third corners of the faces to its left and right.
     };
     static_assert(sizeof(CQuadEdge) == 32);
 
@@ -180,6 +180,10 @@ class CDelaunay2D {
     EdgeRef makeEdge();
     std::uint32_t slotOfOrg(EdgeRef e) const { return groups_[e >> 2].ends[(e >> 1) & 1]; }
     void setOrg(EdgeRef e, std::uint32_t slot) { groups_[e >> 2].ends[(e >> 1) & 1] = slot; }
+    std::uint32_t apex(EdgeRef e) const { return groups_[e >> 2].apexes[(e >> 1) & 1]; }
+    void setApex(EdgeRef e, std::uint32_t slot) { groups_[e >> 2].apexes[(e >> 1) & 1] = slot; }
+    void noteApexes(EdgeRef e);
+    void noteApexesAround(EdgeRef e);
     void splice(EdgeRef a, EdgeRef b);
     EdgeRef connect(EdgeRef a, EdgeRef b);
     void deleteEdge(EdgeRef e);
@@ -197,6 +201,7 @@ class CDelaunay2D {
     std::size_t nextArrangement_ = kFirstArrangement;
     GrowingArray<CQuadEdge> groups_;
     std::vector<EdgeRef> order_;
+    std::vector<std::uint32_t> ranks_;    ///< The place of each group in the order of the edges.
     GrowingArray<tagPOINT2D> slots_;      ///< The positions once more, where walks read them.
     std::vector<std::uint32_t> numbers_;  ///< The vertex of each slot.
     std::vector<tagPOINT2D> positions_;

@@ -1,6 +1,6 @@
 // Where edges and positions lie in memory: along a Hilbert curve over the extent, so that a walk finds those of
 // neighbouring triangles close together (D. Hilbert, Ueber die stetige Abbildung einer Linie auf ein
-// Flaechenstueck, 1891). New ones are appended; each time there are half as many edges again, all are arranged anew.
+// Flaechenstueck, 1891). New ones are appended; each time there are a fourth more, all are arranged anew.
 // Nothing that callers see depends on it.
 #include <algorithm>
 #include <new>
@@ -13,6 +13,9 @@ namespace {
 
 /// The curve runs through 2^16 by 2^16 cells.
 constexpr std::uint32_t kLastCell = 0xFFFF;
+/// One part in so many of the groups has to be new before all are arranged anew. Walks find those that were added all
+/// over the array, so letting more of them come costs more than arranging does.
+constexpr std::size_t kNewShare = 4;
 
 /// The cell of a coordinate; those beyond the extent share its outermost cells.
 std::uint32_t cellOf(double coordinate, double low, double high) {
@@ -21,31 +24,35 @@ std::uint32_t cellOf(double coordinate, double low, double high) {
     return cell < kLastCell ? static_cast<std::uint32_t>(cell) : kLastCell;
 }
 
-/// How far along the curve a cell lies.
+/// How far along the curve a cell lies. Each step takes one of four quarters and looks at the curve within it.
 std::uint32_t alongCurve(std::uint32_t x, std::uint32_t y) {
     std::uint32_t distance = 0;
-    for (std::uint32_t bit = (kLastCell + 1) / 2; bit != 0; bit /= 2) {
-        const bool isRight = (x & bit) != 0;
-        const bool isBelow = (y & bit) != 0;
-        distance = distance * 4 + (isRight ? (isBelow ? 2 : 3) : (isBelow ? 1 : 0));
-        if (isBelow) continue;
-        if (isRight) {
-            x = kLastCell - x;
-            y = kLastCell - y;
-        }
-        std::swap(x, y);
+    for (int bit = 15; bit >= 0; --bit) {
+        const std::uint32_t isRight = (x >> bit) & 1;
+        const std::uint32_t isBelow = (y >> bit) & 1;
+        distance = distance << 2 | ((3 * isRight) ^ isBelow);
+        // In the upper quarters the curve is mirrored at a diagonal. Selected by masks: the bits are as good as random.
+        const std::uint32_t isMirrored = isBelow - 1;
+        const std::uint32_t flipped = isMirrored & (0 - isRight) & kLastCell;
+        x ^= flipped;
+        y ^= flipped;
+        const std::uint32_t exchanged = (x ^ y) & isMirrored;
+        x ^= exchanged;
+        y ^= exchanged;
     }
     return distance;
 }
 
-/// Numbers from 0 on in the order of their places on the curve.
+/// Numbers from 0 on in the order of their places on the curve. Those that were in order before cost little.
 template <class PlaceOf>
 std::vector<std::uint32_t> sortedByPlace(std::size_t count, const PlaceOf& placeOf) {
     // A key holds a place and, below it, a number.
     std::vector<std::uint64_t> keys(count);
     for (std::size_t i = 0; i < count; ++i)
         keys[i] = static_cast<std::uint64_t>(placeOf(i)) << 32 | i;
-    std::sort(keys.begin(), keys.end());
+    const auto unsorted = std::is_sorted_until(keys.begin(), keys.end());
+    std::sort(unsorted, keys.end());
+    std::inplace_merge(keys.begin(), unsorted, keys.end());
     std::vector<std::uint32_t> numbers(count);
     for (std::size_t i = 0; i < count; ++i)
         numbers[i] = static_cast<std::uint32_t>(keys[i]);
@@ -64,7 +71,7 @@ std::vector<std::uint32_t> inverseOf(const std::vector<std::uint32_t>& order) {
 
 /// Arranges slots and groups along the curve. Without the memory for that they stay as they are.
 void CDelaunay2D::arrange() noexcept {
-    nextArrangement_ = groups_.size() + groups_.size() / 2;
+    nextArrangement_ = groups_.size() + groups_.size() / kNewShare;
     try {
         arrangeSlots();
         arrangeGroups();
@@ -88,9 +95,12 @@ void CDelaunay2D::arrangeSlots() {
         slots.append(slots_[old]);
         numbers.push_back(numbers_[old]);
     }
-    for (std::size_t group = 0; group < groups_.size(); ++group)
+    for (std::size_t group = 0; group < groups_.size(); ++group) {
         for (std::uint32_t& end : groups_[group].ends)
             end = newSlots[end];
+        for (std::uint32_t& apex : groups_[group].apexes)
+            apex = newSlots[apex];
+    }
     slots_ = std::move(slots);
     numbers_ = std::move(numbers);
 }
@@ -113,13 +123,17 @@ void CDelaunay2D::arrangeGroups() {
     const auto renumbered = [&newGroups](EdgeRef e) { return newGroups[e >> 2] * 4 + (e & 3); };
     GrowingArray<CQuadEdge> groups;
     groups.reserveMore(nextArrangement_);
+    std::vector<std::uint32_t> ranks;
+    ranks.reserve(nextArrangement_);
     for (const std::uint32_t old : oldGroups) {
         CQuadEdge group = groups_[old];
         for (EdgeRef& next : group.next)
             next = renumbered(next);
         groups.append(group);
+        ranks.push_back(ranks_[old]);
     }
     groups_ = std::move(groups);
+    ranks_ = std::move(ranks);
     for (EdgeRef& e : order_)
         if (e != kNoEdge) e = renumbered(e);
     startingEdge_ = renumbered(startingEdge_);

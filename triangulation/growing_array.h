@@ -10,6 +10,8 @@
 #include <type_traits>
 #include <vector>
 
+#include "platform/large_pages.h"
+
 namespace velquad::triangulation {
 
 /// Makes room for `extra` more elements, growing by half at least, so that appending them cannot fail.
@@ -36,9 +38,14 @@ class GrowingArray {
         if (size_ + extra <= capacity_) return;
         std::size_t capacity = capacity_ + capacity_ / 2;
         if (capacity < size_ + extra) capacity = size_ + extra;
-        std::unique_ptr<std::byte[]> bytes(new std::byte[capacity * sizeof(T) + kLine]);
-        const std::size_t misfit = reinterpret_cast<std::uintptr_t>(bytes.get()) % kLine;
-        T* values = static_cast<T*>(static_cast<void*>(bytes.get() + (kLine - misfit)));
+        const std::size_t byteCount = capacity * sizeof(T);
+        const bool isLarge = byteCount >= 2 * platform::kLargePage;
+        const std::size_t alignment = isLarge ? platform::kLargePage : kLine;
+        std::unique_ptr<std::byte[]> bytes(new std::byte[byteCount + alignment]);
+        const std::size_t misfit = reinterpret_cast<std::uintptr_t>(bytes.get()) % alignment;
+        T* values = static_cast<T*>(static_cast<void*>(bytes.get() + (alignment - misfit)));
+        // Walks jump; on small pages they would wait for page tables as well.
+        if (isLarge) platform::adviseLargePages(values, byteCount);
         if (size_ != 0) std::memcpy(static_cast<void*>(values), values_, size_ * sizeof(T));
         bytes_ = std::move(bytes);
         values_ = values;

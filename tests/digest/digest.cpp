@@ -905,6 +905,77 @@ void digestFits(Digest& digest, Random& random) {
     digestMosaic(digest, random);
 }
 
+/// Adds what callers see of a triangulation: its edges and vertices in their order.
+void addTriangulation(Digest& digest, void* handle) {
+    const auto addEdge = [](tagPOINT3D* start, tagPOINT3D* end, void* user, void*) {
+        static_cast<Digest*>(user)->add(*start, *end);
+        return 1;
+    };
+    const auto addVertex = [](tagPOINT3D* vertex, void* user) {
+        static_cast<Digest*>(user)->add(*vertex);
+        return 1;
+    };
+    digest.add(matDrawDelaunay2D(handle, addEdge, 6, &digest, nullptr));
+    for (const unsigned int flags : {0U, 2U}) {
+        const tagMAT_RECT2D rect{-12.5, -30.0, 20.0, 8.0};
+        digest.add(matEnumDelaunayPositionsInRect(handle, &rect, flags, addVertex, &digest));
+    }
+}
+
+void insertAndAsk(Digest& digest, Random& random, int count, bool hasIntegers) {
+    constexpr double kDefaultTolerance = 1.7976931348623157e308;
+    void* handle = matInitDelaunay2D(nullptr);
+    for (int i = 0; i < count; ++i) {
+        tagPOINT3D point = random.point3();
+        if (hasIntegers) {
+            const tagPOINT pixel = random.pixel();
+            point = {static_cast<double>(pixel.x), static_cast<double>(pixel.y), point.z};
+        }
+        const double tolerance = random.below(32) == 0 ? 0.75 : kDefaultTolerance;
+        digest.add(matExtentWithIdDelaunay2D(&handle, &point, static_cast<std::uint64_t>(i % 5), tolerance));
+    }
+    addTriangulation(digest, handle);
+    for (int i = 0; i < 60; ++i) {
+        const tagPOINT3D place = random.point3();
+        tagPOINT3D found = place;
+        tagPOINT3D corners[3] = {};
+        int isOutside = 0;
+        const auto flags = static_cast<unsigned int>(random.below(16));
+        digest.add(
+            static_cast<int>(matFindPositionInDelaunay2DEx(handle, &found, corners, &isOutside, flags)));
+        digest.add(found, corners[0], corners[1], corners[2], isOutside);
+        // The nearest vertex.
+        digest.add(matSetZValueOfDelaunayPosition(handle, &place, 3.0));
+        if (i % 20 == 0) digest.add(matReduceDelaunay2D(&handle, &place, 2.0));
+    }
+    addTriangulation(digest, handle);
+    matExitDelaunay2D(handle);
+}
+
+void digestTriangulation(Digest& digest, Random& random) {
+    for (int round = 0; round < 24; ++round) {
+        const int count = 1 + random.below(120);
+        insertAndAsk(digest, random, count, round % 2 == 0);
+    }
+    insertAndAsk(digest, random, 2500, false);
+    for (int round = 0; round < 40; ++round) {
+        const int width = 1 + random.below(90);
+        const int height = 1 + random.below(70);
+        void* map = matAllocVoronoiMap2D(width, height);
+        const int count = 1 + random.below(60);
+        for (int i = 0; i < count; ++i) {
+            const int x = random.below(width);
+            const tagPOINT seed = i % 16 == 15 ? random.pixel() : tagPOINT{x, random.below(height)};
+            digest.add(matAddPointToVoronoiMap2D(map, &seed, i * 3));
+        }
+        digest.add(matComputeVoronoiMap2D(map));
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
+                digest.add(matGetIDFromNeighborInVoronoiMap2D(map, x, y));
+        matFreeVoronoiMap2D(map);
+    }
+}
+
 void print(const char* family, std::uint64_t seed, void (*run)(Digest&, Random&)) {
     Digest digest;
     Random random(seed);
@@ -935,5 +1006,6 @@ int main() {
     print("smoothing", 13, digestSmoothing);
     print("resampling", 14, digestResampling);
     print("fits", 103, digestFits);
+    print("triangulation", 71, digestTriangulation);
     return 0;
 }
