@@ -85,35 +85,48 @@ VELQUAD_ALWAYS_INLINE __m512i loadWindow(const void* sourceRow, std::int32_t beg
     return _mm512_xor_si512(window, _mm512_set1_epi16(INT16_MIN));
 }
 
+/// The interpolation of a group along x in fixed point.
+template <class Value, std::size_t kTaps, bool kIsWide>
+VELQUAD_ALWAYS_INLINE __m512i alongGroup(const void* sourceRow, const void* ahead, const ZoomColumns& columns,
+                                         const WordColumns& words, std::size_t group) {
+    const std::size_t i = group * kWordGroup;
+    const std::int32_t begin = words.begin[group];
+    const auto* aheadOf = static_cast<const unsigned char*>(ahead) + static_cast<std::ptrdiff_t>(begin) * 2;
+    __builtin_prefetch(aheadOf);
+    const __m512i window = loadWindow<Value>(sourceRow, begin, columns.lastIndex);
+    __m512i behind = window;
+    if constexpr (kIsWide) {
+        __builtin_prefetch(aheadOf + 2 * kWordWindow);
+        behind = loadWindow<Value>(sourceRow, begin + kWordWindow, columns.lastIndex);
+    }
+    __m512i samples = _mm512_loadu_si512(words.samples + i);
+    __m512i coarse = _mm512_setzero_si512();
+    __m512i fine = coarse;
+    for (std::size_t k = 0; k < kTaps / 2; ++k) {
+        const __m512i two = kIsWide ? _mm512_permutex2var_epi16(window, samples, behind)
+                                    : _mm512_permutexvar_epi16(samples, window);
+        coarse = _mm512_add_epi32(coarse, _mm512_madd_epi16(two, _mm512_loadu_si512(words.coarse[k] + i)));
+        fine = _mm512_add_epi32(fine, _mm512_madd_epi16(two, _mm512_loadu_si512(words.fine[k] + i)));
+        samples = _mm512_add_epi32(samples, _mm512_set1_epi32(0x20002));
+    }
+    return _mm512_add_epi32(coarse, _mm512_srai_epi32(fine, kWordBits));
+}
+
+VELQUAD_ALWAYS_INLINE __m512d lowerAsDoubles(__m512i sum) {
+    return _mm512_cvtepi32_pd(_mm512_castsi512_si256(sum));
+}
+
+VELQUAD_ALWAYS_INLINE __m512d upperAsDoubles(__m512i sum) {
+    return _mm512_cvtepi32_pd(_mm512_extracti64x4_epi64(sum, 1));
+}
+
 template <class Value, std::size_t kTaps, bool kIsWide>
 void alongWindows(const void* sourceRow, const void* ahead, const ZoomColumns& columns,
                   const WordColumns& words, double* result) {
     for (std::size_t group = 0; group < words.groups; ++group) {
-        const std::size_t i = group * kWordGroup;
-        const std::int32_t begin = words.begin[group];
-        const auto* aheadOf =
-            static_cast<const unsigned char*>(ahead) + static_cast<std::ptrdiff_t>(begin) * 2;
-        __builtin_prefetch(aheadOf);
-        const __m512i window = loadWindow<Value>(sourceRow, begin, columns.lastIndex);
-        __m512i behind = window;
-        if constexpr (kIsWide) {
-            __builtin_prefetch(aheadOf + 2 * kWordWindow);
-            behind = loadWindow<Value>(sourceRow, begin + kWordWindow, columns.lastIndex);
-        }
-        __m512i samples = _mm512_loadu_si512(words.samples + i);
-        __m512i coarse = _mm512_setzero_si512();
-        __m512i fine = coarse;
-        for (std::size_t k = 0; k < kTaps / 2; ++k) {
-            const __m512i two = kIsWide ? _mm512_permutex2var_epi16(window, samples, behind)
-                                        : _mm512_permutexvar_epi16(samples, window);
-            coarse =
-                _mm512_add_epi32(coarse, _mm512_madd_epi16(two, _mm512_loadu_si512(words.coarse[k] + i)));
-            fine = _mm512_add_epi32(fine, _mm512_madd_epi16(two, _mm512_loadu_si512(words.fine[k] + i)));
-            samples = _mm512_add_epi32(samples, _mm512_set1_epi32(0x20002));
-        }
-        const __m512i sum = _mm512_add_epi32(coarse, _mm512_srai_epi32(fine, kWordBits));
-        _mm512_storeu_pd(result + i, _mm512_cvtepi32_pd(_mm512_castsi512_si256(sum)));
-        _mm512_storeu_pd(result + i + 8, _mm512_cvtepi32_pd(_mm512_extracti64x4_epi64(sum, 1)));
+        const __m512i sum = alongGroup<Value, kTaps, kIsWide>(sourceRow, ahead, columns, words, group);
+        _mm512_storeu_pd(result + group * kWordGroup, lowerAsDoubles(sum));
+        _mm512_storeu_pd(result + group * kWordGroup + 8, upperAsDoubles(sum));
     }
 }
 
@@ -150,41 +163,87 @@ VELQUAD_ALWAYS_INLINE __m256i roundedDown(__m512i raised) {
     }
 }
 
+/// Interpolates across and stores the values, a group at a time.
 template <class Value, class Kind>
-void across(const WordLines& lines, const ZoomColumns& columns, const WordColumns& words, void* destination) {
-    // Added to a double, this leaves a whole number, the last 32 bits of which are the last bits of the double.
-    constexpr double kToBits = 0x1.8p52;
-    const __m512d start = _mm512_set1_pd(kToBits + (kCentre<Value> + 0.5) * kOne);
-    const __m512i lowHalves = _mm512_set_epi32(30, 28, 26, 24, 22, 20, 18, 16, 14, 12, 10, 8, 6, 4, 2, 0);
-    const int error = lines.isShort && words.isShort ? 0 : Kind::kError;
-    auto* to = static_cast<unsigned char*>(destination);
+struct Across {
+    const WordLines& lines;
+    const ZoomColumns& columns;
+    int error;
     __m512d w[Kind::kTaps];
-    for (std::size_t k = 0; k < Kind::kTaps; ++k)
-        w[k] = _mm512_set1_pd(lines.weight[k]);
-    for (std::size_t i = 0; i < columns.count; i += kWordGroup) {
-        __m512d first[Kind::kTaps];
-        __m512d second[Kind::kTaps];
-        for (std::size_t k = 0; k < Kind::kTaps; ++k) {
-            first[k] = _mm512_loadu_pd(lines.along[k] + i);
-            second[k] = _mm512_loadu_pd(lines.along[k] + i + 8);
-        }
+
+    VELQUAD_ALWAYS_INLINE Across(const WordLines& wordLines, const ZoomColumns& zoomColumns,
+                                 const WordColumns& words)
+        : lines(wordLines),
+          columns(zoomColumns),
+          error(wordLines.isShort && words.isShort ? 0 : Kind::kError) {
+        for (std::size_t k = 0; k < Kind::kTaps; ++k)
+            w[k] = _mm512_set1_pd(lines.weight[k]);
+    }
+
+    /// `lower` and `upper`: the parts of the rows along x, of the first eight columns from `i` on and the next eight.
+    VELQUAD_ALWAYS_INLINE void write(std::size_t i, const __m512d* lower, const __m512d* upper,
+                                     void* destination) const {
+        // Added to a double, this leaves a whole number, the last 32 bits of which are the last bits of the double.
+        constexpr double kToBits = 0x1.8p52;
+        const __m512d start = _mm512_set1_pd(kToBits + (kCentre<Value> + 0.5) * kOne);
+        const __m512i lowHalves = _mm512_set_epi32(30, 28, 26, 24, 22, 20, 18, 16, 14, 12, 10, 8, 6, 4, 2, 0);
         const __m512i raised =
-            _mm512_permutex2var_epi32(_mm512_castpd_si512(Kind::combined(first, w, start)), lowHalves,
-                                      _mm512_castpd_si512(Kind::combined(second, w, start)));
+            _mm512_permutex2var_epi32(_mm512_castpd_si512(Kind::combined(lower, w, start)), lowHalves,
+                                      _mm512_castpd_si512(Kind::combined(upper, w, start)));
         const std::size_t rest = columns.count - i;
         const auto valid = static_cast<__mmask16>(rest >= kWordGroup ? 0xFFFFU : (1U << rest) - 1);
-        _mm256_mask_storeu_epi16(to + i * sizeof(Value), valid, roundedDown<Value>(raised));
+        auto* to = static_cast<unsigned char*>(destination) + i * sizeof(Value);
+        _mm256_mask_storeu_epi16(to, valid, roundedDown<Value>(raised));
         // The way to the nearest integer, where the result changes.
         const __m512i fromBorder =
             _mm512_and_si512(_mm512_add_epi32(raised, _mm512_set1_epi32(error)), _mm512_set1_epi32(kOne - 1));
         const __mmask16 isOpen =
             _mm512_mask_cmplt_epi32_mask(valid, fromBorder, _mm512_set1_epi32(2 * error));
-        if (isOpen != 0) decideCells<Value, Kind>(isOpen, lines, columns, i, to);
+        if (isOpen != 0) decideCells<Value, Kind>(isOpen, lines, columns, i, destination);
     }
+};
+
+template <class Value, class Kind>
+void across(const WordLines& lines, const ZoomColumns& columns, const WordColumns& words, void* destination) {
+    const Across<Value, Kind> across(lines, columns, words);
+    for (std::size_t i = 0; i < columns.count; i += kWordGroup) {
+        __m512d lower[Kind::kTaps];
+        __m512d upper[Kind::kTaps];
+        for (std::size_t k = 0; k < Kind::kTaps; ++k) {
+            lower[k] = _mm512_loadu_pd(lines.along[k] + i);
+            upper[k] = _mm512_loadu_pd(lines.along[k] + i + 8);
+        }
+        across.write(i, lower, upper, destination);
+    }
+}
+
+template <class Value, bool kIsWide>
+void directWindows(const WordLines& lines, const ZoomColumns& columns, const WordColumns& words,
+                   void* destination) {
+    const Across<Value, Bilinear> across(lines, columns, words);
+    for (std::size_t group = 0; group < words.groups; ++group) {
+        __m512d lower[Bilinear::kTaps];
+        __m512d upper[Bilinear::kTaps];
+        for (std::size_t k = 0; k < Bilinear::kTaps; ++k) {
+            const __m512i sum = alongGroup<Value, Bilinear::kTaps, kIsWide>(lines.source[k], lines.ahead[k],
+                                                                            columns, words, group);
+            lower[k] = lowerAsDoubles(sum);
+            upper[k] = upperAsDoubles(sum);
+        }
+        across.write(group * kWordGroup, lower, upper, destination);
+    }
+}
+
+/// Both parts of a bilinear interpolation at once.
+template <class Value>
+void direct(const WordLines& lines, const ZoomColumns& columns, const WordColumns& words, void* destination) {
+    if (words.isWide) return directWindows<Value, true>(lines, columns, words, destination);
+    directWindows<Value, false>(lines, columns, words, destination);
 }
 
 template <class Value>
 constexpr WordZoom kZoomOf = {{2, along<Value, 2>, across<Value, Bilinear>},
+                              {2, nullptr, direct<Value>},
                               {4, along<Value, 4>, across<Value, Cubic>}};
 
 constexpr WordZoom kSigned = kZoomOf<std::int16_t>;
@@ -192,7 +251,7 @@ constexpr WordZoom kUnsigned = kZoomOf<std::uint16_t>;
 
 #else
 
-constexpr WordZoom kSigned = {{2, nullptr, nullptr}, {4, nullptr, nullptr}};
+constexpr WordZoom kSigned = {{2, nullptr, nullptr}, {2, nullptr, nullptr}, {4, nullptr, nullptr}};
 constexpr WordZoom kUnsigned = kSigned;
 
 #endif

@@ -49,6 +49,7 @@ struct WordColumns {
 /// Source rows with their parts along x, and their weights.
 struct WordLines {
     const void* source[4];
+    const void* ahead[4];    ///< Rows that are used for the next cells.
     const double* along[4];  ///< Whole multiples of 2^-14, counted in these.
     double weight[4];        ///< Bilinear: rest, fraction. Cubic: a, b, c, d.
     bool isShort = false;    ///< The weights are short.
@@ -57,7 +58,8 @@ struct WordLines {
 struct WordInterpolation {
     std::size_t taps;  ///< Samples per direction.
     /// Interpolates a source row along x and asks for the same columns of the row `ahead` by the way: so many lines
-    /// at once would have to wait for each other.
+    /// at once would have to wait for each other. Null where `across` does it, for rows that serve one row of cells
+    /// only.
     void (*along)(const void* sourceRow, const void* ahead, const ZoomColumns& columns,
                   const WordColumns& words, double* result);
     /// Interpolates the rows across and stores the values.
@@ -68,6 +70,7 @@ struct WordInterpolation {
 /// The interpolations of a type.
 struct WordZoom {
     WordInterpolation bilinear;
+    WordInterpolation bilinearDirect;
     WordInterpolation cubic;
 };
 

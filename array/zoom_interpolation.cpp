@@ -81,10 +81,18 @@ void weighCubicRows(double fraction, double* weights) {
     weights[3] = w.d;
 }
 
+enum class Interpolation { kBilinear, kBilinearDirect, kCubic };
+
+const WordInterpolation& wordInterpolation(const WordZoom& words, Interpolation interpolation) {
+    if (interpolation == Interpolation::kCubic) return words.cubic;
+    return interpolation == Interpolation::kBilinear ? words.bilinear : words.bilinearDirect;
+}
+
 /// Zoom of a strip by loops that make use of what results are rounded to, where its type has such loops and its columns
 /// lie close enough together. @return whether that is so.
-bool zoomRounded(const Zoom& zoom, const CellRect& rect, bool isCubic, const ZoomColumns& columns,
-                 StripWriter& writer) {
+bool zoomRounded(const Zoom& zoom, const CellRect& rect, Interpolation interpolation,
+                 const ZoomColumns& columns, StripWriter& writer) {
+    const bool isCubic = interpolation == Interpolation::kCubic;
     const StripWeights bilinear = {weighBilinearRows, {columns.rest, columns.fraction, nullptr, nullptr}};
     const StripWeights cubic = {weighCubicRows,
                                 {columns.weight[0], columns.weight[1], columns.weight[2], columns.weight[3]}};
@@ -95,8 +103,8 @@ bool zoomRounded(const Zoom& zoom, const CellRect& rect, bool isCubic, const Zoo
                                     writer);
     }
     if (hasFixedPoint(zoom, wordZoomKernels())) {
-        const WordZoom& kernels = wordZoomOf(zoom, wordZoomKernels());
-        return zoomStrip<WordStrip>(zoom, rect, isCubic ? kernels.cubic : kernels.bilinear, columns, weights,
+        const WordZoom& words = wordZoomOf(zoom, wordZoomKernels());
+        return zoomStrip<WordStrip>(zoom, rect, wordInterpolation(words, interpolation), columns, weights,
                                     writer);
     }
     return false;
@@ -109,13 +117,14 @@ void zoomBilinear(const Zoom& zoom, const CellRect& rect) {
     // Bytes have faster loops for any scale.
     const bool isDirect = !hasFloats(zoom, byteZoomKernels()) && kernels.bilinearDirect != nullptr &&
                           zoom.y.scale < kDirectScale && zoom.valuesPerElement <= 3;
+    const auto interpolation = isDirect ? Interpolation::kBilinearDirect : Interpolation::kBilinear;
     // Rows that are not kept leave the cache to longer strips, which come from memory faster.
     const std::size_t valuesPerStrip = isDirect ? kZoomPiece : kValuesPerStrip;
     ZoomColumns columns;
     forEachStrip(zoom, rect, cellsPerStrip(zoom, valuesPerStrip), [&](unsigned int left, std::size_t count) {
         placeColumns(zoom, left, count, columns);
         StripWriter writer(zoom, rect, left, count);
-        if (!isDirect && zoomRounded(zoom, rect, false, columns, writer)) return;
+        if (zoomRounded(zoom, rect, interpolation, columns, writer)) return;
         HeldRows<BilinearRow, 2> rows;
         const auto rowOf = [&](unsigned int y, unsigned int rowsAhead) -> const BilinearRow& {
             return rows.get(y, [&](BilinearRow& row) {
@@ -147,7 +156,7 @@ void zoomCubic(const Zoom& zoom, const CellRect& rect) {
         placeColumns(zoom, left, count, columns);
         weighColumns(columns);
         StripWriter writer(zoom, rect, left, count);
-        if (zoomRounded(zoom, rect, true, columns, writer)) return;
+        if (zoomRounded(zoom, rect, Interpolation::kCubic, columns, writer)) return;
         HeldRows<CubicRow, 4> rows;
         const auto rowOf = [&](unsigned int y, unsigned int rowsAhead) -> const CubicRow* {
             return &rows.get(

@@ -66,8 +66,10 @@ class WordStrip {
         lines.isShort = true;
         for (std::size_t k = 0; k < interpolation_.taps; ++k) {
             const unsigned int y = firstRow + static_cast<unsigned int>(k);
-            lines.source[k] = rowAt(zoom_.sourceRows, y);
-            lines.along[k] = alongRow(y, rowsAhead);
+            const ZoomSource source = sourceAt(zoom_, y, rowsAhead);
+            lines.source[k] = source.row;
+            lines.ahead[k] = source.ahead;
+            if (interpolation_.along != nullptr) lines.along[k] = alongRow(y, source);
             lines.weight[k] = weights[k];
             lines.isShort = lines.isShort && isMultiple(weights[k], kWordWeightUnit);
         }
@@ -95,9 +97,8 @@ class WordStrip {
     }
 
     /// The interpolation of a source row along x, which is kept for the next cells.
-    const double* alongRow(unsigned int y, unsigned int rowsAhead) {
+    const double* alongRow(unsigned int y, const ZoomSource& source) {
         const auto along = [&](Row& row) {
-            const ZoomSource source = sourceAt(zoom_, y, rowsAhead);
             interpolation_.along(source.row, source.ahead, columns_, words_, row.value);
         };
         return rows_.get(y, along).value;
