@@ -25,6 +25,12 @@ constexpr double kDirectScale = 0.8;
 /// Values of a strip: so few that the interpolated source rows that are in use stay in the nearest cache.
 constexpr std::size_t kValuesPerStrip = 896;
 
+/// Values of a strip whose rows are kept. Floats take half the room of doubles, and pixels make strips of few cells.
+std::size_t valuesOfKeptRows(const Zoom& zoom) {
+    const bool isSmall = zoom.valuesPerElement > 1 && hasFloats(zoom, byteZoomKernels());
+    return isSmall ? kZoomPiece : kValuesPerStrip;
+}
+
 /// Cells of a strip, a whole number of cache lines.
 std::size_t cellsPerStrip(const Zoom& zoom, std::size_t values) {
     const std::size_t cellsOfLines = zoom.valuesPerElement == 4 ? 16 : 64;
@@ -119,7 +125,7 @@ void zoomBilinear(const Zoom& zoom, const CellRect& rect) {
                           zoom.y.scale < kDirectScale && zoom.valuesPerElement <= 3;
     const auto interpolation = isDirect ? Interpolation::kBilinearDirect : Interpolation::kBilinear;
     // Rows that are not kept leave the cache to longer strips, which come from memory faster.
-    const std::size_t valuesPerStrip = isDirect ? kZoomPiece : kValuesPerStrip;
+    const std::size_t valuesPerStrip = isDirect ? kZoomPiece : valuesOfKeptRows(zoom);
     ZoomColumns columns;
     forEachStrip(zoom, rect, cellsPerStrip(zoom, valuesPerStrip), [&](unsigned int left, std::size_t count) {
         placeColumns(zoom, left, count, columns);
@@ -152,27 +158,30 @@ void zoomCubic(const Zoom& zoom, const CellRect& rect) {
     // Stands for the row before the first, which has the weight 0.
     static constexpr CubicRow kAbsentRow = {};
     ZoomColumns columns;
-    forEachStrip(zoom, rect, cellsPerStrip(zoom, kValuesPerStrip), [&](unsigned int left, std::size_t count) {
-        placeColumns(zoom, left, count, columns);
-        weighColumns(columns);
-        StripWriter writer(zoom, rect, left, count);
-        if (zoomRounded(zoom, rect, Interpolation::kCubic, columns, writer)) return;
-        HeldRows<CubicRow, 4> rows;
-        const auto rowOf = [&](unsigned int y, unsigned int rowsAhead) -> const CubicRow* {
-            return &rows.get(
-                y, [&](CubicRow& row) { kernels.cubicAlong(sourceAt(zoom, y, rowsAhead), columns, row); });
-        };
-        for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom); ++y) {
-            const Position at(zoom.y, y);
-            const unsigned int rowsAhead = rowsToNextCells(zoom, y);
-            const CubicRow* const around[4] = {at.index == 0 ? &kAbsentRow : rowOf(at.index - 1, rowsAhead),
-                                               rowOf(at.index, rowsAhead), rowOf(at.index + 1, rowsAhead),
-                                               rowOf(at.index + 2, rowsAhead)};
-            writer.writeRow(y, [&](unsigned char* to) {
-                kernels.cubicAcross(around, cubicWeights(at.fraction), to, columns.count);
-            });
-        }
-    });
+    forEachStrip(
+        zoom, rect, cellsPerStrip(zoom, valuesOfKeptRows(zoom)), [&](unsigned int left, std::size_t count) {
+            placeColumns(zoom, left, count, columns);
+            weighColumns(columns);
+            StripWriter writer(zoom, rect, left, count);
+            if (zoomRounded(zoom, rect, Interpolation::kCubic, columns, writer)) return;
+            HeldRows<CubicRow, 4> rows;
+            const auto rowOf = [&](unsigned int y, unsigned int rowsAhead) -> const CubicRow* {
+                return &rows.get(y, [&](CubicRow& row) {
+                    kernels.cubicAlong(sourceAt(zoom, y, rowsAhead), columns, row);
+                });
+            };
+            for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom);
+                 ++y) {
+                const Position at(zoom.y, y);
+                const unsigned int rowsAhead = rowsToNextCells(zoom, y);
+                const CubicRow* const around[4] = {
+                    at.index == 0 ? &kAbsentRow : rowOf(at.index - 1, rowsAhead), rowOf(at.index, rowsAhead),
+                    rowOf(at.index + 1, rowsAhead), rowOf(at.index + 2, rowsAhead)};
+                writer.writeRow(y, [&](unsigned char* to) {
+                    kernels.cubicAcross(around, cubicWeights(at.fraction), to, columns.count);
+                });
+            }
+        });
 }
 
 }  // namespace velquad::array
