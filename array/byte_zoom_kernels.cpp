@@ -35,9 +35,9 @@ constexpr float kBilinearError = 0x1p-13F;
 /// them; across, where the weights add up to 1.5 at most, one and a half times as much and 6 more: less than 2^-12.
 constexpr float kCubicError = 0x1p-11F;
 
-/// A result as a byte: what is below 0 ends there, whichever half is added.
+/// A result as a byte.
 VELQUAD_ALWAYS_INLINE std::uint8_t roundedByte(double v) {
-    return static_cast<std::uint8_t>(limited(static_cast<int>(v + 0.5), 0, 255));
+    return static_cast<std::uint8_t>(limited(roundHalfAway(v), 0, 255));
 }
 
 /// How values are interpolated: in floats with whatever order is fast, and one cell as it is defined.
