@@ -2,8 +2,8 @@
 // may be used here.
 #include "array/byte_zoom_kernels.h"
 
-#include "array/element.h"
 #include "array/rounding.h"
+#include "array/zoom_cell.h"
 
 #if defined(__AVX512F__) && defined(__AVX512BW__) && defined(__AVX512DQ__) && defined(__AVX512VL__)
 #define VELQUAD_BYTE_ZOOM 1
@@ -35,13 +35,9 @@ constexpr float kBilinearError = 0x1p-13F;
 /// them; across, where the weights add up to 1.5 at most, one and a half times as much and 6 more: less than 2^-12.
 constexpr float kCubicError = 0x1p-11F;
 
-VELQUAD_ALWAYS_INLINE double sampleAt(const void* row, std::int32_t index) {
-    return static_cast<double>(loadElement<std::uint8_t>(row, static_cast<std::size_t>(index)));
-}
-
-/// A result as a byte: what is below 0 ends there, whichever half is added.
+/// A result as a byte.
 VELQUAD_ALWAYS_INLINE std::uint8_t roundedByte(double v) {
-    return static_cast<std::uint8_t>(limited(static_cast<int>(v + 0.5), 0, 255));
+    return static_cast<std::uint8_t>(limited(roundHalfAway(v), 0, 255));
 }
 
 /// How values are interpolated: in floats with whatever order is fast, and one cell as it is defined.
@@ -54,14 +50,7 @@ struct Bilinear {
     }
     VELQUAD_ALWAYS_INLINE static double cell(const ByteLines& lines, const ZoomColumns& columns,
                                              std::size_t i) {
-        const std::int32_t index = columns.index[i];
-        const std::int32_t next = index + columns.step;
-        const double rest = columns.rest[i];
-        const double fraction = columns.fraction[i];
-        return sampleAt(lines.source[0], index) * rest * lines.weight[0] +
-               sampleAt(lines.source[0], next) * fraction * lines.weight[0] +
-               sampleAt(lines.source[1], index) * rest * lines.weight[1] +
-               sampleAt(lines.source[1], next) * fraction * lines.weight[1];
+        return bilinearCell<std::uint8_t>(lines.source, lines.weight, columns, i);
     }
 };
 
@@ -75,16 +64,7 @@ struct Cubic {
     }
     VELQUAD_ALWAYS_INLINE static double cell(const ByteLines& lines, const ZoomColumns& columns,
                                              std::size_t i) {
-        double line[4];
-        for (std::size_t k = 0; k < 4; ++k) {
-            const auto at = [&](std::int32_t x) {
-                return sampleAt(lines.source[k], columns.index[i] + x * columns.step);
-            };
-            line[k] = at(0) * columns.weight[1][i] - at(-1) * columns.weight[0][i] +
-                      at(1) * columns.weight[2][i] - at(2) * columns.weight[3][i];
-        }
-        return line[1] * lines.weight[1] - line[0] * lines.weight[0] + line[2] * lines.weight[2] -
-               line[3] * lines.weight[3];
+        return cubicCell<std::uint8_t>(lines.source, lines.weight, columns, i);
     }
 };
 

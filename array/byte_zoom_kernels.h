@@ -28,10 +28,10 @@ struct ByteColumns {
     std::int32_t begin[kZoomPiece / kByteGroup];
     /// Per column: the two words behind each other that begin with its first sample or the byte before, counted from
     /// `begin`, as two halves.
-    std::uint32_t words[kZoomPiece];
+    alignas(64) std::uint32_t words[kZoomPiece];
     /// Per column: the bits of the words before the first sample.
-    std::uint32_t shift[kZoomPiece];
-    float weight[4][kZoomPiece];  ///< Bilinear: rest, fraction. Cubic: a, b, c, d.
+    alignas(64) std::uint32_t shift[kZoomPiece];
+    alignas(64) float weight[4][kZoomPiece];  ///< Bilinear: rest, fraction. Cubic: a, b, c, d.
     std::size_t groups = 0;
     bool isShort = false;  ///< The weights are so short in binary that floats stay exact.
 };

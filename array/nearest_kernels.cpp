@@ -3,6 +3,7 @@
 #include "array/nearest_kernels.h"
 
 #include "array/element.h"
+#include "array/prefetch.h"
 
 #if defined(__AVX512F__) && defined(__AVX512BW__) && defined(__AVX512VL__)
 #define VELQUAD_NEAREST_WINDOWS 1
@@ -15,16 +16,27 @@
 #define VELQUAD_NEAREST_WINDOWS 0
 #endif
 
+#if defined(__SSSE3__)
+#define VELQUAD_NEAREST_SHUFFLES 1
+#include <immintrin.h>
+#else
+#define VELQUAD_NEAREST_SHUFFLES 0
+#endif
+
 namespace velquad::array::VELQUAD_KERNEL_LEVEL {
 
 namespace {
 
 template <class Value>
-VELQUAD_ALWAYS_INLINE void copyOneByOne(const void* sourceRow, const NearestColumns& columns,
+VELQUAD_ALWAYS_INLINE void copyOneByOne(const NearestSource& source, const NearestColumns& columns,
                                         std::size_t begin, void* destination) {
+    if (begin >= columns.count) return;
+    const auto first = static_cast<std::size_t>(columns.index[begin]);
+    const auto last = static_cast<std::size_t>(columns.index[columns.count - 1]);
+    prefetchRange(source.ahead + first * sizeof(Value), (last - first + 1) * sizeof(Value));
     for (std::size_t i = begin; i < columns.count; ++i) {
         const auto index = static_cast<std::size_t>(columns.index[i]);
-        storeElement(destination, i, loadElement<Value>(sourceRow, index));
+        storeElement(destination, i, loadElement<Value>(source.row, index));
     }
 }
 
@@ -68,18 +80,19 @@ VELQUAD_ALWAYS_INLINE void copyGroup(const std::uint32_t* /*type*/, const unsign
 
 /// @return the first column that is left.
 template <class Value>
-VELQUAD_ALWAYS_INLINE std::size_t copyGroups(const void* sourceRow, const NearestColumns& columns,
+VELQUAD_ALWAYS_INLINE std::size_t copyGroups(const NearestSource& source, const NearestColumns& columns,
                                              void* destination) {
     if (columns.spanOfGroup >= kWindow<Value>) return 0;
     std::size_t end = columns.count / kNearestGroup * kNearestGroup;
     while (end > 0 && columns.index[end - kNearestGroup] > columns.lastIndex - (kWindow<Value> - 1))
         end -= kNearestGroup;
-    const auto* from = static_cast<const unsigned char*>(sourceRow);
+    const std::size_t span = (static_cast<std::size_t>(columns.spanOfGroup) + 1) * sizeof(Value);
     auto* to = static_cast<unsigned char*>(destination);
     for (std::size_t i = 0; i < end; i += kNearestGroup) {
         const auto first = static_cast<std::size_t>(columns.index[i]);
-        copyGroup(static_cast<const Value*>(nullptr), from + first * sizeof(Value), loadOffsets(columns, i),
-                  to + i * sizeof(Value));
+        prefetchRange(source.ahead + first * sizeof(Value), span);
+        copyGroup(static_cast<const Value*>(nullptr), source.row + first * sizeof(Value),
+                  loadOffsets(columns, i), to + i * sizeof(Value));
     }
     return end;
 }
@@ -87,12 +100,12 @@ VELQUAD_ALWAYS_INLINE std::size_t copyGroups(const void* sourceRow, const Neares
 #endif
 
 template <class Value>
-void copy(const void* sourceRow, const NearestColumns& columns, void* destination) {
+void copy(const NearestSource& source, const NearestColumns& columns, void* destination) {
     std::size_t begin = 0;
 #if VELQUAD_NEAREST_WINDOWS
-    if constexpr (sizeof(Value) <= 4) begin = copyGroups<Value>(sourceRow, columns, destination);
+    if constexpr (sizeof(Value) <= 4) begin = copyGroups<Value>(source, columns, destination);
 #endif
-    copyOneByOne<Value>(sourceRow, columns, begin, destination);
+    copyOneByOne<Value>(source, columns, begin, destination);
 }
 
 /// Bytes that are copied as one.
@@ -100,15 +113,48 @@ struct Pixel {
     unsigned char byte[3];
 };
 
+#if VELQUAD_NEAREST_SHUFFLES
+
+VELQUAD_ALWAYS_INLINE __m128i loadBytes(const unsigned char* from) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i_u*>(from));
+}
+
+/// Four pixels at a time, two from a vector of the source row each. The last four bytes of a vector are written again
+/// with the next ones. @return the first column that is left.
+VELQUAD_ALWAYS_INLINE std::size_t copyPixelGroups(const NearestSource& source, const NearestColumns& columns,
+                                                  unsigned char* to) {
+    if (columns.spanOfPair >= kPixelWindow) return 0;
+    const std::int32_t lastWindow = columns.lastIndex - kPixelWindow;
+    std::size_t i = 0;
+    for (; i + 2 * kPixelGroup <= columns.count && columns.index[i + 2] <= lastWindow; i += kPixelGroup) {
+        const auto first = static_cast<std::size_t>(columns.index[i]);
+        __builtin_prefetch(source.ahead + 3 * first);
+        const auto third = static_cast<std::size_t>(columns.index[i + 2]);
+        const __m128i left =
+            _mm_shuffle_epi8(loadBytes(source.row + 3 * first), loadBytes(columns.bytes[0] + 4 * i));
+        const __m128i right =
+            _mm_shuffle_epi8(loadBytes(source.row + 3 * third), loadBytes(columns.bytes[1] + 4 * i));
+        _mm_storeu_si128(reinterpret_cast<__m128i_u*>(to + 3 * i), _mm_or_si128(left, right));
+    }
+    return i;
+}
+
+#endif
+
 /// Pixels of three bytes are copied as four; the one behind, which is written next, takes the fourth. The last ones,
 /// which are those of the last sample, have none behind.
-void copyPixels(const void* sourceRow, const NearestColumns& columns, void* destination) {
-    const auto* from = static_cast<const unsigned char*>(sourceRow);
+void copyPixels(const NearestSource& source, const NearestColumns& columns, void* destination) {
     auto* to = static_cast<unsigned char*>(destination);
     std::size_t i = 0;
-    for (const std::int32_t last = columns.index[columns.count - 1]; columns.index[i] < last; ++i)
-        __builtin_memcpy(to + 3 * i, from + 3 * static_cast<std::size_t>(columns.index[i]), 4);
-    copyOneByOne<Pixel>(sourceRow, columns, i, destination);
+#if VELQUAD_NEAREST_SHUFFLES
+    i = copyPixelGroups(source, columns, to);
+#endif
+    const auto begin = static_cast<std::size_t>(columns.index[i]);
+    const auto last = static_cast<std::size_t>(columns.index[columns.count - 1]);
+    prefetchRange(source.ahead + 3 * begin, 3 * (last - begin));
+    for (; static_cast<std::size_t>(columns.index[i]) < last; ++i)
+        __builtin_memcpy(to + 3 * i, source.row + 3 * static_cast<std::size_t>(columns.index[i]), 4);
+    copyOneByOne<Pixel>(source, columns, i, destination);
 }
 
 }  // namespace

@@ -22,11 +22,11 @@ inline bool isMultiple(double value, double unit) {
 /// A strip of columns of bytes.
 class ByteStrip {
   public:
-    /// `weights`: the arrays of weights of the columns, as many as there are taps.
     ByteStrip(const Zoom& zoom, const ByteInterpolation& interpolation, const ZoomColumns& columns)
         : zoom_(zoom), interpolation_(interpolation), columns_(columns) {}
 
-    /// Fills in where the columns lie. @return whether they lie close enough together.
+    /// Fills in where the columns lie. `weights`: the arrays of weights of the columns, as many as there are taps.
+    /// @return whether they lie close enough together.
     bool place(const double* const weights[4]) {
         const auto taps = static_cast<std::int32_t>(interpolation_.taps);
         const std::int32_t before = (taps / 2 - 1) * columns_.step;
@@ -68,7 +68,7 @@ class ByteStrip {
 
   private:
     struct Row {
-        float value[kZoomPiece];
+        alignas(64) float value[kZoomPiece];
     };
 
     /// The interpolation of a source row along x, which is kept for the next cells.
@@ -87,28 +87,9 @@ class ByteStrip {
     HeldRows<Row, 4> rows_;
 };
 
-/// Zoom of a strip of bytes in floats where that is possible. `first`: the first source row that a position needs, and
-/// the weights of the rows from there on.
-template <class RowWeights>
-bool zoomByteStrip(const Zoom& zoom, const CellRect& rect, const ByteInterpolation& interpolation,
-                   const ZoomColumns& columns, const double* const columnWeights[4], StripWriter& writer,
-                   RowWeights rowWeights) {
-    const auto top = static_cast<unsigned int>(rect.top);
-    const auto bottom = static_cast<unsigned int>(rect.bottom);
-    const auto behind = static_cast<unsigned int>(interpolation.taps / 2);
-    if (zoom.valueType != MAT_ARRAY_UINT8 || interpolation.along == nullptr) return false;
-    if (Position(zoom.y, top).index + 1 < behind) return false;
-    ByteStrip strip(zoom, interpolation, columns);
-    if (!strip.place(columnWeights)) return false;
-    for (unsigned int y = top; y <= bottom; ++y) {
-        const Position at(zoom.y, y);
-        const unsigned int rowsAhead = rowsToNextCells(zoom, y);
-        double weights[4] = {};
-        rowWeights(at.fraction, weights);
-        writer.writeRow(
-            y, [&](unsigned char* to) { strip.writeRow(at.index + 1 - behind, rowsAhead, weights, to); });
-    }
-    return true;
+/// Whether there are loops in floats for a type.
+inline bool hasFloats(const Zoom& zoom, const ByteZoomKernels& kernels) {
+    return zoom.valueType == MAT_ARRAY_UINT8 && kernels.bilinear.along != nullptr;
 }
 
 }  // namespace velquad::array

@@ -7,12 +7,14 @@
 #include "array/zoom_job.h"
 #include "array/zoom_kernels.h"
 #include "array/zoom_strip.h"
+#include "array/zoom_words.h"
 #include "frame/kernels.h"
 #include "velquad/array.h"
 
 namespace velquad::array {
 
 VELQUAD_DEFINE_KERNELS(ByteZoomKernels, kByteZoomKernels, byteZoomKernels)
+VELQUAD_DEFINE_KERNELS(WordZoomKernels, kWordZoomKernels, wordZoomKernels)
 VELQUAD_DEFINE_KERNELS(ZoomKernels, kZoomKernels, zoomKernels)
 
 namespace {
@@ -22,6 +24,12 @@ constexpr double kDirectScale = 0.8;
 
 /// Values of a strip: so few that the interpolated source rows that are in use stay in the nearest cache.
 constexpr std::size_t kValuesPerStrip = 896;
+
+/// Values of a strip whose rows are kept. Floats take half the room of doubles, and pixels make strips of few cells.
+std::size_t valuesOfKeptRows(const Zoom& zoom) {
+    const bool isSmall = zoom.valuesPerElement > 1 && hasFloats(zoom, byteZoomKernels());
+    return isSmall ? kZoomPiece : kValuesPerStrip;
+}
 
 /// Cells of a strip, a whole number of cache lines.
 std::size_t cellsPerStrip(const Zoom& zoom, std::size_t values) {
@@ -66,26 +74,63 @@ void weighColumns(ZoomColumns& columns) {
     }
 }
 
+void weighBilinearRows(double fraction, double* weights) {
+    weights[0] = 1.0 - fraction;
+    weights[1] = fraction;
+}
+
+void weighCubicRows(double fraction, double* weights) {
+    const CubicWeights w = cubicWeights(fraction);
+    weights[0] = w.a;
+    weights[1] = w.b;
+    weights[2] = w.c;
+    weights[3] = w.d;
+}
+
+enum class Interpolation { kBilinear, kBilinearDirect, kCubic };
+
+const WordInterpolation& wordInterpolation(const WordZoom& words, Interpolation interpolation) {
+    if (interpolation == Interpolation::kCubic) return words.cubic;
+    return interpolation == Interpolation::kBilinear ? words.bilinear : words.bilinearDirect;
+}
+
+/// Zoom of a strip by loops that make use of what results are rounded to, where its type has such loops and its columns
+/// lie close enough together. @return whether that is so.
+bool zoomRounded(const Zoom& zoom, const CellRect& rect, Interpolation interpolation,
+                 const ZoomColumns& columns, StripWriter& writer) {
+    const bool isCubic = interpolation == Interpolation::kCubic;
+    const StripWeights bilinear = {weighBilinearRows, {columns.rest, columns.fraction, nullptr, nullptr}};
+    const StripWeights cubic = {weighCubicRows,
+                                {columns.weight[0], columns.weight[1], columns.weight[2], columns.weight[3]}};
+    const StripWeights& weights = isCubic ? cubic : bilinear;
+    if (hasFloats(zoom, byteZoomKernels())) {
+        const ByteZoomKernels& kernels = byteZoomKernels();
+        return zoomStrip<ByteStrip>(zoom, rect, isCubic ? kernels.cubic : kernels.bilinear, columns, weights,
+                                    writer);
+    }
+    if (hasFixedPoint(zoom, wordZoomKernels())) {
+        const WordZoom& words = wordZoomOf(zoom, wordZoomKernels());
+        return zoomStrip<WordStrip>(zoom, rect, wordInterpolation(words, interpolation), columns, weights,
+                                    writer);
+    }
+    return false;
+}
+
 }  // namespace
 
 void zoomBilinear(const Zoom& zoom, const CellRect& rect) {
     const ZoomValueKernels& kernels = zoomKernels().values[zoom.valueType];
-    const bool isInFloats = zoom.valueType == MAT_ARRAY_UINT8 && byteZoomKernels().bilinear.along != nullptr;
-    const bool isDirect =
-        kernels.bilinearDirect != nullptr && zoom.y.scale < kDirectScale && zoom.valuesPerElement <= 3;
+    // Bytes have faster loops for any scale.
+    const bool isDirect = !hasFloats(zoom, byteZoomKernels()) && kernels.bilinearDirect != nullptr &&
+                          zoom.y.scale < kDirectScale && zoom.valuesPerElement <= 3;
+    const auto interpolation = isDirect ? Interpolation::kBilinearDirect : Interpolation::kBilinear;
     // Rows that are not kept leave the cache to longer strips, which come from memory faster.
-    const std::size_t valuesPerStrip = isDirect && !isInFloats ? kZoomPiece : kValuesPerStrip;
+    const std::size_t valuesPerStrip = isDirect ? kZoomPiece : valuesOfKeptRows(zoom);
     ZoomColumns columns;
     forEachStrip(zoom, rect, cellsPerStrip(zoom, valuesPerStrip), [&](unsigned int left, std::size_t count) {
         placeColumns(zoom, left, count, columns);
         StripWriter writer(zoom, rect, left, count);
-        const double* const weights[4] = {columns.rest, columns.fraction, nullptr, nullptr};
-        const auto weighRows = [](double fraction, double* result) {
-            result[0] = 1.0 - fraction;
-            result[1] = fraction;
-        };
-        if (zoomByteStrip(zoom, rect, byteZoomKernels().bilinear, columns, weights, writer, weighRows))
-            return;
+        if (zoomRounded(zoom, rect, interpolation, columns, writer)) return;
         HeldRows<BilinearRow, 2> rows;
         const auto rowOf = [&](unsigned int y, unsigned int rowsAhead) -> const BilinearRow& {
             return rows.get(y, [&](BilinearRow& row) {
@@ -113,36 +158,30 @@ void zoomCubic(const Zoom& zoom, const CellRect& rect) {
     // Stands for the row before the first, which has the weight 0.
     static constexpr CubicRow kAbsentRow = {};
     ZoomColumns columns;
-    forEachStrip(zoom, rect, cellsPerStrip(zoom, kValuesPerStrip), [&](unsigned int left, std::size_t count) {
-        placeColumns(zoom, left, count, columns);
-        weighColumns(columns);
-        StripWriter writer(zoom, rect, left, count);
-        const double* const weights[4] = {columns.weight[0], columns.weight[1], columns.weight[2],
-                                          columns.weight[3]};
-        const auto weighRows = [](double fraction, double* result) {
-            const CubicWeights w = cubicWeights(fraction);
-            result[0] = w.a;
-            result[1] = w.b;
-            result[2] = w.c;
-            result[3] = w.d;
-        };
-        if (zoomByteStrip(zoom, rect, byteZoomKernels().cubic, columns, weights, writer, weighRows)) return;
-        HeldRows<CubicRow, 4> rows;
-        const auto rowOf = [&](unsigned int y, unsigned int rowsAhead) -> const CubicRow* {
-            return &rows.get(
-                y, [&](CubicRow& row) { kernels.cubicAlong(sourceAt(zoom, y, rowsAhead), columns, row); });
-        };
-        for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom); ++y) {
-            const Position at(zoom.y, y);
-            const unsigned int rowsAhead = rowsToNextCells(zoom, y);
-            const CubicRow* const around[4] = {at.index == 0 ? &kAbsentRow : rowOf(at.index - 1, rowsAhead),
-                                               rowOf(at.index, rowsAhead), rowOf(at.index + 1, rowsAhead),
-                                               rowOf(at.index + 2, rowsAhead)};
-            writer.writeRow(y, [&](unsigned char* to) {
-                kernels.cubicAcross(around, cubicWeights(at.fraction), to, columns.count);
-            });
-        }
-    });
+    forEachStrip(
+        zoom, rect, cellsPerStrip(zoom, valuesOfKeptRows(zoom)), [&](unsigned int left, std::size_t count) {
+            placeColumns(zoom, left, count, columns);
+            weighColumns(columns);
+            StripWriter writer(zoom, rect, left, count);
+            if (zoomRounded(zoom, rect, Interpolation::kCubic, columns, writer)) return;
+            HeldRows<CubicRow, 4> rows;
+            const auto rowOf = [&](unsigned int y, unsigned int rowsAhead) -> const CubicRow* {
+                return &rows.get(y, [&](CubicRow& row) {
+                    kernels.cubicAlong(sourceAt(zoom, y, rowsAhead), columns, row);
+                });
+            };
+            for (auto y = static_cast<unsigned int>(rect.top); y <= static_cast<unsigned int>(rect.bottom);
+                 ++y) {
+                const Position at(zoom.y, y);
+                const unsigned int rowsAhead = rowsToNextCells(zoom, y);
+                const CubicRow* const around[4] = {
+                    at.index == 0 ? &kAbsentRow : rowOf(at.index - 1, rowsAhead), rowOf(at.index, rowsAhead),
+                    rowOf(at.index + 1, rowsAhead), rowOf(at.index + 2, rowsAhead)};
+                writer.writeRow(y, [&](unsigned char* to) {
+                    kernels.cubicAcross(around, cubicWeights(at.fraction), to, columns.count);
+                });
+            }
+        });
 }
 
 }  // namespace velquad::array

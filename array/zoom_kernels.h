@@ -14,25 +14,26 @@ inline constexpr std::size_t kZoomPiece = 1536;
 
 /// Where the columns of a piece lie in the source. A column is one value: pixels of bytes have one for each byte.
 struct ZoomColumns {
-    std::int32_t index[kZoomPiece];  ///< The value at or before the position, counted in values of the row.
-    double fraction[kZoomPiece];     ///< Way from there to the next pixel, in [0, 1).
-    double rest[kZoomPiece];         ///< 1 - fraction.
-    double weight[4][kZoomPiece];    ///< Cubic: a, b, c, d.
-    std::int32_t lastIndex = 0;      ///< The last value of a source row.
-    std::size_t count = 0;           ///< Columns of this piece.
-    std::int32_t spanOfEight = 0;    ///< The most that eight columns in a row lie apart, counted in values.
-    std::int32_t step = 1;           ///< From a value to the same one of the next pixel.
+    alignas(64) std::int32_t
+        index[kZoomPiece];  ///< The value at or before the position, counted in values of the row.
+    alignas(64) double fraction[kZoomPiece];   ///< Way from there to the next pixel, in [0, 1).
+    alignas(64) double rest[kZoomPiece];       ///< 1 - fraction.
+    alignas(64) double weight[4][kZoomPiece];  ///< Cubic: a, b, c, d.
+    std::int32_t lastIndex = 0;                ///< The last value of a source row.
+    std::size_t count = 0;                     ///< Columns of this piece.
+    std::int32_t spanOfEight = 0;  ///< The most that eight columns in a row lie apart, counted in values.
+    std::int32_t step = 1;         ///< From a value to the same one of the next pixel.
 };
 
 /// A source row as bilinear zoom needs it: left * (1 - fraction) and right * fraction of each column.
 struct BilinearRow {
-    double left[kZoomPiece];
-    double right[kZoomPiece];
+    alignas(64) double left[kZoomPiece];
+    alignas(64) double right[kZoomPiece];
 };
 
 /// A source row as cubic zoom needs it: its interpolation along x.
 struct CubicRow {
-    double value[kZoomPiece];
+    alignas(64) double value[kZoomPiece];
 };
 
 /// The four weights of a position between two samples.

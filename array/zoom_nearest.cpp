@@ -13,22 +13,6 @@ VELQUAD_DEFINE_KERNELS(NearestKernels, kNearestKernels, nearestKernels)
 
 namespace {
 
-/// The bytes of a source row that a strip of columns reads.
-struct SourceSpan {
-    std::size_t begin;
-    std::size_t end;
-
-    SourceSpan(const std::int32_t* index, std::size_t count, std::size_t indexedBytes)
-        : begin(static_cast<std::size_t>(index[0]) * indexedBytes),
-          end((static_cast<std::size_t>(index[count - 1]) + 1) * indexedBytes) {}
-
-    /// Asks for a row ahead of its use. Strips are too short for the processor to see by itself where the next one
-    /// begins.
-    void prefetch(const void* sourceRows, unsigned int y) const {
-        prefetchRange(rowAt(sourceRows, y) + begin, end - begin);
-    }
-};
-
 /// Fills in where the columns of a strip lie.
 void placeColumns(const Zoom& zoom, unsigned int left, std::size_t count, NearestColumns& columns) {
     columns.count = count;
@@ -43,14 +27,35 @@ void placeColumns(const Zoom& zoom, unsigned int left, std::size_t count, Neares
     }
 }
 
+/// Fills in from where the bytes of groups of pixels of three bytes come.
+void placePixels(NearestColumns& columns) {
+    constexpr unsigned char kElsewhere = 128;
+    columns.spanOfPair = 0;
+    for (std::size_t i = 0; i < columns.count; ++i) {
+        const std::int32_t offset = columns.index[i] - columns.index[i / 2 * 2];
+        if (offset > columns.spanOfPair) columns.spanOfPair = offset;
+    }
+    for (std::size_t i = 0; i < columns.count / kPixelGroup * kPixelGroup; i += kPixelGroup) {
+        for (std::size_t k = 0; k < 16; ++k) {
+            // The last four bytes of a vector are of no use.
+            const std::size_t column = k < 12 ? i + k / 3 : i;
+            const std::int32_t offset = columns.index[column] - columns.index[column / 2 * 2];
+            const auto byte = static_cast<unsigned char>(3 * offset + static_cast<std::int32_t>(k % 3));
+            const bool isSecond = column >= i + 2;
+            columns.bytes[0][4 * i + k] = isSecond ? kElsewhere : byte;
+            columns.bytes[1][4 * i + k] = isSecond ? byte : kElsewhere;
+        }
+    }
+}
+
 }  // namespace
 
 void zoomNearest(const Zoom& zoom, const CellRect& rect) {
     const auto copyRow = nearestKernels().copy[zoom.elementSize];
-    NearestColumns columns{};
+    NearestColumns columns;
     forEachStrip(zoom, rect, kNearestStrip, [&](unsigned int left, std::size_t count) {
         placeColumns(zoom, left, count, columns);
-        const SourceSpan span(columns.index, count, zoom.elementSize);
+        if (zoom.elementSize == 3) placePixels(columns);
         StripWriter writer(zoom, rect, left, count);
         const auto top = static_cast<unsigned int>(rect.top);
         unsigned int sampleBefore = 0;
@@ -59,10 +64,10 @@ void zoomNearest(const Zoom& zoom, const CellRect& rect) {
             if (y != top && sample == sampleBefore) {
                 writer.repeatRow(y);
             } else {
-                if (y != static_cast<unsigned int>(rect.bottom))
-                    span.prefetch(zoom.sourceRows, zoom.y.nearestSample(y + 1));
-                writer.writeRow(
-                    y, [&](unsigned char* to) { copyRow(rowAt(zoom.sourceRows, sample), columns, to); });
+                const unsigned int next =
+                    y != static_cast<unsigned int>(rect.bottom) ? zoom.y.nearestSample(y + 1) : sample;
+                const NearestSource source = {rowAt(zoom.sourceRows, sample), rowAt(zoom.sourceRows, next)};
+                writer.writeRow(y, [&](unsigned char* to) { copyRow(source, columns, to); });
             }
             sampleBefore = sample;
         }

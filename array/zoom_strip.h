@@ -109,6 +109,34 @@ class StripWriter {
     alignas(64) unsigned char buffer_[kNearestStrip * sizeof(double)];
 };
 
+/// The weights of the source rows around a position, and those of the columns of a strip, as many as there are taps.
+struct StripWeights {
+    void (*ofRows)(double fraction, double* weights);
+    const double* const ofColumns[4];
+};
+
+/// Zoom of a strip by an interpolation that makes use of what its results are rounded to, where the columns lie as it
+/// needs them. @return whether they do.
+template <class Strip, class Interpolation>
+bool zoomStrip(const Zoom& zoom, const CellRect& rect, const Interpolation& interpolation,
+               const ZoomColumns& columns, const StripWeights& stripWeights, StripWriter& writer) {
+    const auto top = static_cast<unsigned int>(rect.top);
+    const auto bottom = static_cast<unsigned int>(rect.bottom);
+    const auto behind = static_cast<unsigned int>(interpolation.taps / 2);
+    if (Position(zoom.y, top).index + 1 < behind) return false;
+    Strip strip(zoom, interpolation, columns);
+    if (!strip.place(stripWeights.ofColumns)) return false;
+    for (unsigned int y = top; y <= bottom; ++y) {
+        const Position at(zoom.y, y);
+        const unsigned int rowsAhead = rowsToNextCells(zoom, y);
+        double weights[4] = {};
+        stripWeights.ofRows(at.fraction, weights);
+        writer.writeRow(
+            y, [&](unsigned char* to) { strip.writeRow(at.index + 1 - behind, rowsAhead, weights, to); });
+    }
+    return true;
+}
+
 }  // namespace velquad::array
 
 #endif  // VELQUAD_ARRAY_ZOOM_STRIP_H

@@ -340,6 +340,76 @@ TEST(Zoom, DecidesBytesRightBetweenTwoIntegers) {
     }
 }
 
+/// Compares a zoom of a square of 16-bit values, which `value(x, y)` gives, with its definition at all levels.
+template <class ValueOf>
+void expectWordsAsDefined(unsigned int type, unsigned int flags, std::uint32_t from, std::uint32_t to,
+                          ValueOf value) {
+    SCOPED_TRACE(testing::Message() << "type " << type << " flags " << flags << " from " << from << " to "
+                                    << to);
+    LooseArray source(from, from, type);
+    for (std::size_t y = 0; y < from; ++y) {
+        for (std::size_t x = 0; x < from; ++x)
+            source.set(y, x, static_cast<std::uint16_t>(value(x, y)));
+    }
+    LooseArray expected(to, to, type);
+    zoomArray({from, from, source.rows(), to, to, expected.rows()}, type, flags);
+    forEachKernelLevel([&] {
+        LooseArray actual(to, to, type);
+        matZoomArray2v(from, from, source.rows(), to, to, actual.rows(), type, flags);
+        EXPECT_TRUE(expected.bytes() == actual.bytes());
+    });
+}
+
+TEST(Zoom, DecidesWordsRightBetweenTwoIntegers) {
+    // Fractions that are short in binary and those that are not; both meet values right between two integers, as the
+    // sources hold few different words. Among the sizes are those that take two vectors for a group of columns, and
+    // too many.
+    constexpr std::uint32_t kSizes[][2] = {{64, 128}, {64, 256}, {150, 75},  {96, 144}, {40, 240},
+                                           {50, 300}, {60, 85},  {300, 110}, {70, 70},  {128, 129},
+                                           {200, 60}, {9, 500},  {64, 512},  {300, 60}};
+    std::mt19937 random(20261123);
+    for (const unsigned int type : {3U, 4U}) {
+        for (const unsigned int flags : {kBilinear, kCubic}) {
+            for (const auto& size : kSizes) {
+                for (const unsigned int steps : {1U, 2U, 5U, 65535U}) {
+                    SCOPED_TRACE(testing::Message() << "with " << steps << " steps");
+                    expectWordsAsDefined(type, flags, size[0], size[1], [&](std::size_t, std::size_t) {
+                        return random() % (steps + 1) * (65535 / steps);
+                    });
+                }
+            }
+        }
+    }
+}
+
+TEST(Zoom, DecidesAMillionWordsAsDefined) {
+    // Among so many cells hundreds lie closer to the border of two integers than the error of a fast loop, and some on
+    // the other side of it. Sums of neighbours that are small leave no other bits than those of the weights.
+    std::mt19937 random(20261124);
+    for (const unsigned int type : {3U, 4U}) {
+        for (const unsigned int flags : {kBilinear, kCubic}) {
+            expectWordsAsDefined(type, flags, 700, 1000, [&](std::size_t, std::size_t) { return random(); });
+            expectWordsAsDefined(type, flags, 390, 400,
+                                 [&](std::size_t, std::size_t) { return random() % 4; });
+        }
+    }
+}
+
+TEST(Zoom, LimitsTheLargestOvershootOfWords) {
+    // The signs of the cubic weights in both directions make the highest and the lowest value of all.
+    for (const unsigned int type : {3U, 4U}) {
+        for (const unsigned int turn : {0U, 1U}) {
+            for (const std::uint32_t to : {128U, 200U, 61U}) {
+                const auto isInner = [](std::size_t i) { return i % 4 == 1 || i % 4 == 2; };
+                expectWordsAsDefined(type, kCubic, 64, to, [&](std::size_t x, std::size_t y) {
+                    const bool isHigh = (isInner(x) == isInner(y)) == (turn == 0);
+                    return type == 3 ? (isHigh ? 0x7FFF : 0x8000) : (isHigh ? 0xFFFF : 0);
+                });
+            }
+        }
+    }
+}
+
 TEST(Zoom, EqualsItsDefinitionBeyondTheCaches) {
     // Destinations of more than 32 MB, wider than any strip.
     for (const unsigned int flags : {kNearest, kBilinear, kCubic})
