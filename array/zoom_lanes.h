@@ -108,7 +108,11 @@ struct GatheredLanes<float> {
         return true;
     }
     VELQUAD_ALWAYS_INLINE void pair(const unsigned char* row, __m512d* p) const {
+        // A macro of GCC's own without optimisation, which converts its mask.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wsign-conversion"
         const __m512i words = _mm512_i32gather_epi64(index, row, 4);
+#pragma GCC diagnostic pop
         p[0] = _mm512_cvtps_pd(_mm256_castsi256_ps(_mm512_cvtepi64_epi32(words)));
         p[1] = _mm512_cvtps_pd(_mm256_castsi256_ps(_mm512_cvtepi64_epi32(_mm512_srli_epi64(words, 32))));
     }
