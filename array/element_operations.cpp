@@ -70,35 +70,38 @@ struct Run {
     }
 };
 
-/// Calls `work(from, to, count)` for the parts of a row. `next` is what will be worked on behind it.
-template <class Work>
-void forEachPart(const Run& row, const Run& next, Work work) {
+/// Calls `work(from, to, count)` for the elements of a row up to a cache line of the destination, then
+/// `workOnPart(part, following)` for its parts. `next` is what will be worked on behind the row.
+template <class Work, class WorkOnPart>
+void splitRow(const Run& row, const Run& next, Work work, WorkOnPart workOnPart) {
     const std::size_t perPart = row.countPerPart();
     const std::size_t head = countToCacheLine(row.to, row.toBytes, row.count);
     if (head != 0) work(row.from, row.to, head);
     for (std::size_t begin = head; begin < row.count; begin += perPart) {
         const Run part = row.part(begin, perPart);
         const std::size_t end = begin + part.count;
-        (end < row.count ? row.part(end, perPart) : next).prefetch();
-        work(part.from, part.to, part.count);
+        workOnPart(part, end < row.count ? row.part(end, perPart) : next);
     }
+}
+
+/// Calls `work(from, to, count)` for the parts of a row.
+template <class Work>
+void forEachPart(const Run& row, const Run& next, Work work) {
+    splitRow(row, next, work, [&](const Run& part, const Run& following) {
+        following.prefetch();
+        work(part.from, part.to, part.count);
+    });
 }
 
 /// The same for a destination that is streamed: each part is made in a buffer and copied from there.
 template <class Work>
 void forEachStreamedPart(const Run& row, const Run& next, Work work) {
     alignas(64) unsigned char buffer[kPartBytes];
-    const std::size_t perPart = row.countPerPart();
-    const std::size_t head = countToCacheLine(row.to, row.toBytes, row.count);
-    if (head != 0) work(row.from, row.to, head);
-    for (std::size_t begin = head; begin < row.count; begin += perPart) {
-        const Run part = row.part(begin, perPart);
-        const std::size_t end = begin + part.count;
-        const Run following = end < row.count ? row.part(end, perPart) : next;
+    splitRow(row, next, work, [&](const Run& part, const Run& following) {
         if (row.from != row.to) prefetchRange(following.from, following.count * following.fromBytes);
         work(part.from, buffer, part.count);
         streamKernels().copy(buffer, part.to, part.count * part.toBytes);
-    }
+    });
 }
 
 /// What an operation does with the elements that stand at its destination.
