@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <functional>
+#include <iostream>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,19 @@ std::filesystem::path makeDirectory(const std::string& name);
 /// Does the work of a program. What it throws becomes one line on standard error.
 /// @return the exit status: 0 done, 1 failed, 2 wrong usage.
 int runProgram(const char* name, const std::function<void()>& work);
+
+/// The same for a program with options: `run(parse(command line))`, or `usage` when the options ask for help.
+template <class Parse, class Run>
+int runProgram(const char* name, const char* usage, CommandLine line, Parse parse, Run run) {
+    return runProgram(name, [&] {
+        const auto options = parse(line);
+        if (options.help) {
+            std::cout << usage;
+        } else {
+            run(options);
+        }
+    });
+}
 
 }  // namespace examples
 

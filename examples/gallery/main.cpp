@@ -290,12 +290,6 @@ void run(const Options& options) {
 }  // namespace gallery
 
 int main(int argc, char** argv) {
-    return examples::runProgram("gallery", [&] {
-        const gallery::Options options = gallery::parse(examples::CommandLine(argc, argv));
-        if (options.help) {
-            std::cout << gallery::kUsage;
-        } else {
-            gallery::run(options);
-        }
-    });
+    using namespace gallery;
+    return examples::runProgram("gallery", kUsage, examples::CommandLine(argc, argv), parse, run);
 }

@@ -89,12 +89,6 @@ void run(const Options& options) {
 }  // namespace examples::lens
 
 int main(int argc, char** argv) {
-    return examples::runProgram("lens", [&] {
-        const examples::lens::Options options = examples::lens::parse(examples::CommandLine(argc, argv));
-        if (options.help) {
-            std::cout << examples::lens::kUsage;
-        } else {
-            examples::lens::run(options);
-        }
-    });
+    using namespace examples::lens;
+    return examples::runProgram("lens", kUsage, examples::CommandLine(argc, argv), parse, run);
 }

@@ -172,12 +172,6 @@ void run(const Options& options) {
 }  // namespace examples::mosaic
 
 int main(int argc, char** argv) {
-    return examples::runProgram("mosaic", [&] {
-        const examples::mosaic::Options options = examples::mosaic::parse(examples::CommandLine(argc, argv));
-        if (options.help) {
-            std::cout << examples::mosaic::kUsage;
-        } else {
-            examples::mosaic::run(options);
-        }
-    });
+    using namespace examples::mosaic;
+    return examples::runProgram("mosaic", kUsage, examples::CommandLine(argc, argv), parse, run);
 }

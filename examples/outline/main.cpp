@@ -144,13 +144,6 @@ void run(const Options& options) {
 }  // namespace examples::outline
 
 int main(int argc, char** argv) {
-    return examples::runProgram("outline", [&] {
-        const examples::outline::Options options =
-            examples::outline::parse(examples::CommandLine(argc, argv));
-        if (options.help) {
-            std::cout << examples::outline::kUsage;
-        } else {
-            examples::outline::run(options);
-        }
-    });
+    using namespace examples::outline;
+    return examples::runProgram("outline", kUsage, examples::CommandLine(argc, argv), parse, run);
 }
