@@ -10,6 +10,7 @@
 
 #include "tests/support/alignment_reference.h"
 #include "tests/support/allocation_failure.h"
+#include "tests/support/first_allocations.h"
 #include "velquad/fitting.h"
 
 namespace {
@@ -17,6 +18,7 @@ namespace {
 using svd::CSVDGlobAln;
 using velquad::test::AlignmentStatement;
 using velquad::test::failAllocation;
+using velquad::test::failFirstAllocations;
 using velquad::test::FullAlignment;
 using velquad::test::hasAllocationFailed;
 using velquad::test::liveAllocations;
@@ -529,17 +531,8 @@ TEST(GlobalAlignment, TellsOfEveryLackOfMemory) {
         }
         return false;
     };
-    EXPECT_FALSE(tellsOfLack());
     // The last one is the check before the decomposition begins.
-    for (std::size_t number = 1; number <= 6; ++number) {
-        SCOPED_TRACE(number);
-        const std::ptrdiff_t before = liveAllocations();
-        failAllocation(number);
-        EXPECT_TRUE(tellsOfLack());
-        EXPECT_TRUE(hasAllocationFailed());
-        failAllocation(0);
-        EXPECT_EQ(liveAllocations(), before);
-    }
+    failFirstAllocations(6, tellsOfLack);
 }
 
 TEST(GlobalAlignment, KeepsItsStateWhenMemoryIsLacking) {

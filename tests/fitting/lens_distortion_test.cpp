@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tests/support/allocation_failure.h"
+#include "tests/support/first_allocations.h"
 #include "velquad/fitting.h"
 
 namespace {
@@ -19,6 +20,7 @@ using svd::CSVDFitPoly2d;
 using svd::PolyModelId;
 using velquad::test::allocationCount;
 using velquad::test::failAllocation;
+using velquad::test::failFirstAllocations;
 using velquad::test::hasAllocationFailed;
 using velquad::test::liveAllocations;
 
@@ -576,17 +578,8 @@ TEST(LensDistortion, TellsOfEveryLackOfMemory) {
         }
         return false;
     };
-    EXPECT_FALSE(tellsOfLack());
     // The last one is the check before the decomposition begins.
-    for (std::size_t number = 1; number <= 8; ++number) {
-        SCOPED_TRACE(number);
-        const std::ptrdiff_t before = liveAllocations();
-        failAllocation(number);
-        EXPECT_TRUE(tellsOfLack());
-        EXPECT_TRUE(hasAllocationFailed());
-        failAllocation(0);
-        EXPECT_EQ(liveAllocations(), before);
-    }
+    failFirstAllocations(8, tellsOfLack);
 }
 
 TEST(LensDistortion, KeepsItsStateWhenMemoryIsLacking) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstring>
 #include <limits>
 #include <new>
 #include <random>
@@ -12,6 +11,7 @@
 
 #include "tests/support/allocation_failure.h"
 #include "tests/support/first_allocations.h"
+#include "tests/support/object_layout.h"
 #include "tests/support/parabola_reference.h"
 #include "velquad/fitting.h"
 
@@ -23,6 +23,7 @@ using math::ParaFit;
 using velquad::test::failAllocation;
 using velquad::test::failFirstAllocations;
 using velquad::test::fitParabolaLiterally;
+using velquad::test::layoutOf;
 using velquad::test::PeakLimits;
 
 using Values = std::vector<double>;
@@ -53,14 +54,6 @@ struct StatisticsLayout {
     double sum;
     double sumOfSquares;
 };
-
-template <typename Layout, typename Object>
-Layout layoutOf(const Object& object) {
-    static_assert(sizeof(Layout) == sizeof(Object));
-    Layout layout{};
-    std::memcpy(static_cast<void*>(&layout), static_cast<const void*>(&object), sizeof layout);
-    return layout;
-}
 
 Values countUp(int count) {
     Values values;

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <cstddef>
-#include <cstring>
 #include <limits>
 #include <new>
 #include <random>
@@ -11,6 +10,7 @@
 
 #include "tests/support/allocation_failure.h"
 #include "tests/support/first_allocations.h"
+#include "tests/support/object_layout.h"
 #include "tests/support/solver_reference.h"
 #include "velquad/fitting.h"
 #include "velquad/framework.h"
@@ -20,6 +20,7 @@ namespace {
 using velquad::test::failAllocation;
 using velquad::test::failFirstAllocations;
 using velquad::test::forEachFailingAllocation;
+using velquad::test::layoutOf;
 using velquad::test::liveAllocations;
 using velquad::test::OneBasedMatrix;
 
@@ -43,14 +44,6 @@ struct MatrixLayout {
     int ncl;
     int nch;
 };
-
-template <typename Layout, typename Object>
-Layout layoutOf(const Object& object) {
-    static_assert(sizeof(Layout) == sizeof(Object));
-    Layout layout{};
-    std::memcpy(static_cast<void*>(&layout), static_cast<const void*>(&object), sizeof layout);
-    return layout;
-}
 
 struct Solution {
     Values x;

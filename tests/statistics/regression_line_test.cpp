@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/preset_line.h"
 #include "tests/support/regression_reference.h"
 #include "velquad/geometry.h"
 #include "velquad/statistics.h"
@@ -68,22 +69,7 @@ CMatRegressionLine lineOverY(double slope, double intercept) {
     return fitted({{intercept - 4.0 * slope, intercept + 4.0 * slope}, {-4.0, 4.0}});
 }
 
-#if defined(__GNUC__)
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-#endif
-/// Lines that no fit gives.
-class AnyLine : public CMatRegressionLine {
-  public:
-    AnyLine(double slopeWanted, double interceptWanted, int yOfXWanted) {
-        slope = slopeWanted;
-        intercept = interceptWanted;
-        yOfX = yOfXWanted;
-    }
-};
-#if defined(__GNUC__)
-#pragma GCC diagnostic pop
-#endif
+using AnyLine = velquad::test::PresetLine<CMatRegressionLine>;
 
 /// A field of the object, read at its place.
 template <class Value>

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "tests/support/allocation_failure.h"
+#include "tests/support/preset_line.h"
 #include "tests/support/regression_reference.h"
 #include "velquad/statistics.h"
 
@@ -26,22 +27,7 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 
-#if defined(__GNUC__)
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-#endif
-/// A line that was there before any pair.
-class AnyRobustLine : public CMatRobustLineFit {
-  public:
-    AnyRobustLine(double slopeWanted, double interceptWanted, int yOfXWanted) {
-        slope = slopeWanted;
-        intercept = interceptWanted;
-        yOfX = yOfXWanted;
-    }
-};
-#if defined(__GNUC__)
-#pragma GCC diagnostic pop
-#endif
+using AnyRobustLine = velquad::test::PresetLine<CMatRobustLineFit>;
 
 /// The outputs of a fit, with values that no fit gives.
 struct Line {
