@@ -25,15 +25,18 @@ namespace {
 
 constexpr int kOne = 1 << kWordBits;
 
-/// No bilinear value in fixed point is further from that in doubles, counted in 2^-14. Samples reach from -2^15 to
-/// 2^15. Along a row the weights err by 2^-29, which makes 1 for each of 2 samples, and the fine part is cut to a whole
-/// number: less than 3. Across, the weights add up to 1, and each of 2 sums is rounded to a whole number: less than 4.
-/// The doubles themselves err by less than 2^-10.
-constexpr int kBilinearError = 5;
+/// A bilinear value in fixed point is above that in doubles by less than this, and below it by less than this and 1,
+/// counted in 2^-14. Samples reach from -2^15 to 2^15 - 1. Along a row the weights err by 2^-29 at most, and by as much up
+/// as down, since they add up to 1: samples that are 2^16 - 1 apart make less than 2 of it either way. The fine part is
+/// cut to a whole number, which takes away less than 1. Across, the weights add up to 1, and each of 2 sums is rounded by
+/// 1/2 at most. The doubles themselves err by less than 2^-18, which the missing step between samples makes up for.
+/// Values occur that a smaller number would round to the wrong side, as those of `kCubicError` do.
+constexpr int kBilinearError = 3;
 
-/// The same for cubic values. Along a row there are 4 samples: less than 5. Across, the weights add up to 1.5 at most,
-/// and 4 sums are rounded: less than 9.5.
-constexpr int kCubicError = 10;
+/// The same for cubic values. Along a row 4 samples make 4, and less than 1 is cut away. Across, the weights that are
+/// added make up 1.25 at most, those that are taken away 0.25, and 4 sums are rounded: the value is above by no more than
+/// 1.25 * 4 + 0.25 * 5 + 2 = 8.25, and below by no more than 1.25 * 5 + 0.25 * 4 + 2 = 9.25.
+constexpr int kCubicError = 9;
 
 /// Taken away from the samples of unsigned types to make them signed. The weights add up to 1 in either direction, so
 /// that the result is less by as much.
@@ -194,7 +197,7 @@ struct Across {
         const auto valid = static_cast<__mmask16>(rest >= kWordGroup ? 0xFFFFU : (1U << rest) - 1);
         auto* to = static_cast<unsigned char*>(destination) + i * sizeof(Value);
         _mm256_mask_storeu_epi16(to, valid, roundedDown<Value>(raised));
-        // The way to the nearest integer, where the result changes.
+        // The way from `error` below the nearest integer, where the result changes. What lies `error` above is decided.
         const __m512i fromBorder =
             _mm512_and_si512(_mm512_add_epi32(raised, _mm512_set1_epi32(error)), _mm512_set1_epi32(kOne - 1));
         const __mmask16 isOpen =
