@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "array/rounded_zoom_kernels.h"
 #include "array/zoom_kernels.h"
 
 namespace velquad::array {
@@ -36,25 +37,8 @@ struct ByteColumns {
     bool isShort = false;  ///< The weights are so short in binary that floats stay exact.
 };
 
-/// Source rows with their parts along x, and their weights.
-struct ByteLines {
-    const void* source[4];
-    const float* along[4];
-    double weight[4];      ///< Bilinear: rest, fraction. Cubic: a, b, c, d.
-    bool isShort = false;  ///< As of the columns.
-};
-
-struct ByteInterpolation {
-    std::size_t taps;   ///< Samples per direction.
-    double weightUnit;  ///< The weights are short if they are whole multiples of this.
-    /// Interpolates a source row along x and asks for the same columns of the row `ahead` by the way: so many lines
-    /// at once would have to wait for each other.
-    void (*along)(const void* sourceRow, const void* ahead, const ZoomColumns& columns,
-                  const ByteColumns& bytes, float* result);
-    /// Interpolates the rows across and stores the bytes.
-    void (*across)(const ByteLines& lines, const ZoomColumns& columns, const ByteColumns& bytes,
-                   void* destination);
-};
+using ByteLines = RoundedLines<float>;
+using ByteInterpolation = RoundedInterpolation<ByteColumns, float>;
 
 /// The functions are null where the processor lacks the instructions to make it worthwhile.
 struct ByteZoomKernels {

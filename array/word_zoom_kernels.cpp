@@ -21,6 +21,9 @@ namespace velquad::array::VELQUAD_KERNEL_LEVEL {
 
 namespace {
 
+/// Multiples of 2^-7 have no fine part along x, and leave no more than the bits of a fraction across.
+constexpr double kWeightUnit = 1.0 / (1 << (kWordBits / 2));
+
 #if VELQUAD_WORD_ZOOM
 
 constexpr int kOne = 1 << kWordBits;
@@ -245,16 +248,18 @@ void direct(const WordLines& lines, const ZoomColumns& columns, const WordColumn
 }
 
 template <class Value>
-constexpr WordZoom kZoomOf = {{2, along<Value, 2>, across<Value, Bilinear>},
-                              {2, nullptr, direct<Value>},
-                              {4, along<Value, 4>, across<Value, Cubic>}};
+constexpr WordZoom kZoomOf = {{2, kWeightUnit, along<Value, 2>, across<Value, Bilinear>},
+                              {2, kWeightUnit, nullptr, direct<Value>},
+                              {4, kWeightUnit, along<Value, 4>, across<Value, Cubic>}};
 
 constexpr WordZoom kSigned = kZoomOf<std::int16_t>;
 constexpr WordZoom kUnsigned = kZoomOf<std::uint16_t>;
 
 #else
 
-constexpr WordZoom kSigned = {{2, nullptr, nullptr}, {2, nullptr, nullptr}, {4, nullptr, nullptr}};
+constexpr WordZoom kSigned = {{2, kWeightUnit, nullptr, nullptr},
+                              {2, kWeightUnit, nullptr, nullptr},
+                              {4, kWeightUnit, nullptr, nullptr}};
 constexpr WordZoom kUnsigned = kSigned;
 
 #endif

@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "array/rounded_zoom_kernels.h"
 #include "array/zoom_kernels.h"
 
 namespace velquad::array {
@@ -26,10 +27,6 @@ inline constexpr std::int32_t kWordWindow = 32;
 
 /// Bits of a fraction, in the interpolation along x and in both parts of a weight.
 inline constexpr int kWordBits = 14;
-
-/// The weights are short if they are whole multiples of this. Then those along x have no fine part, and those across
-/// leave no more than the bits of a fraction.
-inline constexpr double kWordWeightUnit = 1.0 / (1 << (kWordBits / 2));
 
 /// A strip of columns, filled up to whole groups with columns like the last one.
 struct WordColumns {
@@ -46,26 +43,9 @@ struct WordColumns {
     bool isShort = false;  ///< The weights have no fine part.
 };
 
-/// Source rows with their parts along x, and their weights.
-struct WordLines {
-    const void* source[4];
-    const void* ahead[4];    ///< Rows that are used for the next cells.
-    const double* along[4];  ///< Whole multiples of 2^-14, counted in these.
-    double weight[4];        ///< Bilinear: rest, fraction. Cubic: a, b, c, d.
-    bool isShort = false;    ///< The weights are short.
-};
-
-struct WordInterpolation {
-    std::size_t taps;  ///< Samples per direction.
-    /// Interpolates a source row along x and asks for the same columns of the row `ahead` by the way: so many lines
-    /// at once would have to wait for each other. Null where `across` does it, for rows that serve one row of cells
-    /// only.
-    void (*along)(const void* sourceRow, const void* ahead, const ZoomColumns& columns,
-                  const WordColumns& words, double* result);
-    /// Interpolates the rows across and stores the values.
-    void (*across)(const WordLines& lines, const ZoomColumns& columns, const WordColumns& words,
-                   void* destination);
-};
+/// The numbers of an interpolation along x are whole multiples of 2^-14, counted in these.
+using WordLines = RoundedLines<double>;
+using WordInterpolation = RoundedInterpolation<WordColumns, double>;
 
 /// The interpolations of a type.
 struct WordZoom {

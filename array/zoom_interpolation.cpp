@@ -105,13 +105,11 @@ bool zoomRounded(const Zoom& zoom, const CellRect& rect, Interpolation interpola
     const StripWeights& weights = isCubic ? cubic : bilinear;
     if (hasFloats(zoom, byteZoomKernels())) {
         const ByteZoomKernels& kernels = byteZoomKernels();
-        return zoomStrip<ByteStrip>(zoom, rect, isCubic ? kernels.cubic : kernels.bilinear, columns, weights,
-                                    writer);
+        return zoomStrip(zoom, rect, isCubic ? kernels.cubic : kernels.bilinear, columns, weights, writer);
     }
     if (hasFixedPoint(zoom, wordZoomKernels())) {
         const WordZoom& words = wordZoomOf(zoom, wordZoomKernels());
-        return zoomStrip<WordStrip>(zoom, rect, wordInterpolation(words, interpolation), columns, weights,
-                                    writer);
+        return zoomStrip(zoom, rect, wordInterpolation(words, interpolation), columns, weights, writer);
     }
     return false;
 }

@@ -3,6 +3,7 @@
 #ifndef VELQUAD_ARRAY_ZOOM_STRIP_H
 #define VELQUAD_ARRAY_ZOOM_STRIP_H
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -10,6 +11,7 @@
 #include "array/array_2d.h"
 #include "array/nearest_kernels.h"
 #include "array/prefetch.h"
+#include "array/rounded_zoom_kernels.h"
 #include "array/stream_kernels.h"
 #include "array/zoom_job.h"
 #include "array/zoom_kernels.h"
@@ -115,16 +117,78 @@ struct StripWeights {
     const double* const ofColumns[4];
 };
 
-/// Zoom of a strip by an interpolation that makes use of what its results are rounded to, where the columns lie as it
-/// needs them. @return whether they do.
-template <class Strip, class Interpolation>
-bool zoomStrip(const Zoom& zoom, const CellRect& rect, const Interpolation& interpolation,
-               const ZoomColumns& columns, const StripWeights& stripWeights, StripWriter& writer) {
+/// Tells whether a number is a whole multiple of a power of 2.
+inline bool isMultiple(double value, double unit) {
+    const double quotient = value / unit;
+    return quotient == std::trunc(quotient);
+}
+
+/// A strip of columns for an interpolation that computes no more digits than its results are rounded to. How the columns
+/// are placed for it, `placeRounded(columns, interpolation, weights, placed)` of the type `Placed` knows.
+template <class Placed, class Along>
+class RoundedStrip {
+  public:
+    using Interpolation = RoundedInterpolation<Placed, Along>;
+
+    RoundedStrip(const Zoom& zoom, const Interpolation& interpolation, const ZoomColumns& columns)
+        : zoom_(zoom), interpolation_(interpolation), columns_(columns) {}
+
+    /// Fills in where the columns lie. `weights`: the arrays of weights of the columns, as many as there are taps.
+    /// @return whether they lie close enough together.
+    bool place(const double* const weights[4]) {
+        return placeRounded(columns_, interpolation_, weights, placed_);
+    }
+
+    /// Interpolates one row of cells. `firstRow`: the first source row; `rowsAhead`: from there to that of the next
+    /// cells; `weights`: as many as there are taps.
+    void writeRow(unsigned int firstRow, unsigned int rowsAhead, const double* weights, unsigned char* to) {
+        RoundedLines<Along> lines = {};
+        lines.isShort = true;
+        for (std::size_t k = 0; k < interpolation_.taps; ++k) {
+            const unsigned int y = firstRow + static_cast<unsigned int>(k);
+            lines.source[k] = rowAt(zoom_.sourceRows, y);
+            if (interpolation_.along != nullptr) {
+                lines.along[k] = alongRow(y, rowsAhead);
+            } else {
+                lines.ahead[k] = sourceAt(zoom_, y, rowsAhead).ahead;
+            }
+            lines.weight[k] = weights[k];
+            lines.isShort = lines.isShort && isMultiple(weights[k], interpolation_.weightUnit);
+        }
+        interpolation_.across(lines, columns_, placed_, to);
+    }
+
+  private:
+    struct Row {
+        alignas(64) Along value[kZoomPiece];
+    };
+
+    /// The interpolation of a source row along x, which is kept for the next cells.
+    const Along* alongRow(unsigned int y, unsigned int rowsAhead) {
+        const auto along = [&](Row& row) {
+            const ZoomSource source = sourceAt(zoom_, y, rowsAhead);
+            interpolation_.along(source.row, source.ahead, columns_, placed_, row.value);
+        };
+        return rows_.get(y, along).value;
+    }
+
+    const Zoom& zoom_;
+    const Interpolation& interpolation_;
+    const ZoomColumns& columns_;
+    Placed placed_;
+    HeldRows<Row, 4> rows_;
+};
+
+/// Zoom of a strip by such an interpolation, where the columns lie as it needs them. @return whether they do.
+template <class Placed, class Along>
+bool zoomStrip(const Zoom& zoom, const CellRect& rect,
+               const RoundedInterpolation<Placed, Along>& interpolation, const ZoomColumns& columns,
+               const StripWeights& stripWeights, StripWriter& writer) {
     const auto top = static_cast<unsigned int>(rect.top);
     const auto bottom = static_cast<unsigned int>(rect.bottom);
     const auto behind = static_cast<unsigned int>(interpolation.taps / 2);
     if (Position(zoom.y, top).index + 1 < behind) return false;
-    Strip strip(zoom, interpolation, columns);
+    RoundedStrip<Placed, Along> strip(zoom, interpolation, columns);
     if (!strip.place(stripWeights.ofColumns)) return false;
     for (unsigned int y = top; y <= bottom; ++y) {
         const Position at(zoom.y, y);
