@@ -28,17 +28,17 @@ constexpr double kCubicUnit = 1.0 / 64;
 #if VELQUAD_BYTE_ZOOM
 
 /// No bilinear value in floats is as far from that in doubles as this, counted in 2^-17, by which a rounding below 256
-/// errs at most. The weights of a direction add up to 1. Each errs by no more than 2^-25 when it becomes a float; their
-/// errors together are a multiple of the finer grid of the two and so cannot exceed that either. With samples of up to
-/// 255 this makes less than 1, product and sum make 1 each: less than 3 along a row, and as much again across, where the
-/// weights add up to 1. Errors of 5.8 occur. What the doubles themselves err by is below 2^-20 of a unit.
+/// errs at most. The weights of a direction add up to 1. Each errs by no more than 2^-25 when it becomes a float, and so
+/// do both together: a whole multiple of the finer of their two grids, which exceeds 2^-25 by half a step of it at most.
+/// With samples of up to 255 this makes less than 1, product and sum make 1 each: less than 3 along a row, and as much
+/// again across, where the weights add up to 1. Errors of 5.8 occur. The doubles themselves err by less than 2^-20.
 constexpr float kBilinearError = 6 * 0x1p-17F;
 
 /// The same for cubic values, which stay below 512, counted in 2^-16, by which a rounding errs at most there. The inner
 /// weights err by no more than 2^-25, the outer ones, which are below 1/4, by 2^-27. With samples of up to 255 this makes
 /// less than 1.25 along a row, the first product, below 256, makes 0.5, the three sums make 1 each: less than 4.75.
 /// Across, the sizes of the weights add up to 1.5 at most: 7.125 from the rows. Their values of up to 1.25 * 255 make
-/// less than 1.6 with the errors of the weights, and 4 sums are rounded: less than 12.75. Errors up to 9.4 occur.
+/// less than 1.6 with the errors of the weights, and 4 sums are rounded: less than 12.75. Errors of 9.3 occur.
 constexpr float kCubicError = 13 * 0x1p-16F;
 
 /// A result as a byte.

@@ -137,4 +137,43 @@ TEST(Zoom, RoundsWordsToTheirSideOfTheMiddle) {
     }
 }
 
+TEST(Zoom, RoundsBytesByFractionsThatAreJustTooLongForFloats) {
+    const BorderCell cells[] = {
+        // Multiples of 2^-9 in both directions: 137.5 - 2^-18 has one bit more than a float.
+        {kBilinear, 1024, 1024, 367, 363, {151, 23, 156, 175}, 137},
+        // 1/8 and 7/8: 80.5 - 2^-17.
+        {kCubic,
+         32,
+         32,
+         9,
+         15,
+         {131, 116, 224, 50, 119, 190, 12, 133, 185, 76, 115, 199, 72, 100, 43, 187},
+         80},
+    };
+    for (const BorderCell& cell : cells)
+        expectBorderCell<std::uint8_t>(cell, 2, 0);
+}
+
+TEST(Zoom, RoundsWordsByFractionsThatAreJustTooLongForFixedPoint) {
+    const BorderCell cells[] = {
+        // Multiples of 2^-8 in both directions, of which fixed point keeps 14 bits: 11456.5 - 2^-15.
+        {kBilinear, 512, 512, 231, 173, {550, 19262, 6984, 8762}, 11456},
+        // -15435.5 + 2^-16.
+        {kBilinear, 512, 512, 73, 207, {4808, -29017, -14702, -26072}, -15435},
+        // 7/8 and 1/8: 24231.5 + 2^-17.
+        {kCubic,
+         32,
+         32,
+         15,
+         9,
+         {26302, 31718, 2997, -29821, -18814, 9402, 21696, -19049, 1686, -11078, 10523, -31164, 14460, -8763,
+          13208, -12687},
+         24232},
+    };
+    for (const BorderCell& cell : cells) {
+        expectBorderCell<std::int16_t>(cell, 3, 0);
+        expectBorderCell<std::uint16_t>(cell, 4, 32768);
+    }
+}
+
 }  // namespace
