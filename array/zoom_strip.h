@@ -1,5 +1,5 @@
-// Strips of columns, in which a rectangle is worked on: how it is cut, which source rows come next, and where rows of
-// cells are written.
+// Strips of columns, in which a rectangle is worked on: how it is cut, which source rows come next, where rows of cells
+// are written, and the whole of it for interpolations that compute no more digits than their results are rounded to.
 #ifndef VELQUAD_ARRAY_ZOOM_STRIP_H
 #define VELQUAD_ARRAY_ZOOM_STRIP_H
 
@@ -123,8 +123,8 @@ inline bool isMultiple(double value, double unit) {
     return quotient == std::trunc(quotient);
 }
 
-/// A strip of columns for an interpolation that computes no more digits than its results are rounded to. How the columns
-/// are placed for it, `placeRounded(columns, interpolation, weights, placed)` of the type `Placed` knows.
+/// A strip of columns for an interpolation that computes no more digits than its results are rounded to. Each type
+/// `Placed` has a function `placeRounded(columns, interpolation, weights, placed)`, which fills it in.
 template <class Placed, class Along>
 class RoundedStrip {
   public:
