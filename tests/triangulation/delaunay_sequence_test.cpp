@@ -75,6 +75,12 @@ tagPOINT2D tiny(Random& random, unsigned) {
     const double x = random.real(0, 2e-2);
     return {x, random.real(0, 2e-2)};
 }
+/// So wide that the triangles in the middle are next to nothing beside the whole.
+tagPOINT2D closeAmongDistant(Random& random, unsigned) {
+    const double reach = random.below(3) == 0 ? 1e6 : 20.0;
+    const double x = random.real(-reach, reach);
+    return {x, random.real(-reach, reach)};
+}
 tagPOINT2D extreme(Random& random, unsigned) {
     const double x = random.real(-1, 1) * std::pow(10.0, random.below(320));
     return {x, random.real(-1, 1) * std::pow(10.0, random.below(320))};
@@ -194,6 +200,7 @@ INSTANTIATE_TEST_SUITE_P(All, DelaunaySequence,
                                          Layout{"clustered", clustered}, Layout{"duplicated", duplicated},
                                          Layout{"spiral", spiral}, Layout{"onCircle", onCircle},
                                          Layout{"huge", huge}, Layout{"tiny", tiny},
+                                         Layout{"closeAmongDistant", closeAmongDistant},
                                          Layout{"extreme", extreme}),
                          [](const auto& instance) { return instance.param.name; });
 

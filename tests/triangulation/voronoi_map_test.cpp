@@ -99,6 +99,15 @@ TEST(VoronoiMap, LargestDistanceStaysPositive) {
     expectAsReference(9, 9, {{46340, 304, 12}});
 }
 
+TEST(VoronoiMap, DistanceOfTwoToThe31IsTheNearestOfAll) {
+    // 32768^2 + 32768^2 wraps to -2^31, at the last cell only.
+    const Map map = makeMap(9, 9, {{0, 0, 1}, {-32760, -32760, 2}});
+    matComputeVoronoiMap2D(map.get());
+    std::vector<std::int32_t> expected(81, 1);
+    expected.back() = 2;
+    EXPECT_EQ(cellsOf(map, 9, 9), expected);
+}
+
 TEST(VoronoiMap, LaterSeedsTakeEffectWithTheNextComputation) {
     const Map map = makeMap(2, 1, {{0, 0, 1}});
     matComputeVoronoiMap2D(map.get());
