@@ -146,6 +146,12 @@ TEST(FindZeroPoint, ClosesACircularCurve) {
     EXPECT_EQ(crossingsOf({1, -1, 1}, 1).rising.size(), 1U);
 }
 
+TEST(FindZeroPoint, DividesLastWithinACurveAndFirstAcrossItsEnds) {
+    // The other order gives 2.2727272727272725 and 4.545454545454546.
+    EXPECT_EQ(crossingsOf({0, 0, -0.1, 0, 0, 1}).rising, (Values{2.272727272727273}));
+    EXPECT_EQ(crossingsOf({0, -1, 0, 0, 0.1, 0, 0, 0, 0}, 1).falling, (Values{4.545454545454545}));
+}
+
 TEST(FindZeroPoint, CountsWhatDoesNotFit) {
     const Values data{1, -1, 1, -1, 1};
     double rising[2] = {7, 7};
