@@ -153,6 +153,11 @@ TEST_F(DelaunayQuestion, EdgeMeasuresDiffer) {
         EXPECT_EQ(corners[0].x + corners[1].x, 8);
         expectPlace(3, -6, 3);
     }
+    // What the function without flags measures by.
+    place = {-8, -6, -77};
+    EXPECT_EQ(matFindPositionInDelaunay2D(handle, &place, corners, nullptr), 2U);
+    EXPECT_EQ(corners[0].x + corners[1].x, 8);
+    expectPlace(3, -6, 3);
     EXPECT_EQ(find(-8, -6, 2), 2U);
     EXPECT_EQ(isOutside, 1);
     EXPECT_EQ(corners[0].x + corners[1].x, -37);
@@ -230,6 +235,14 @@ TEST_F(DelaunayQuestion, VerticesWithoutIdCountInsideButNotOutside) {
     EXPECT_EQ(findById(-2, -2, kNone, 3), 0U);
 }
 
+TEST_F(DelaunayQuestion, VerticesGetNoIdUnlessOneIsGiven) {
+    const tagPOINT3D point{4, 5, 6};
+    ASSERT_EQ(matExtentDelaunay2D(&handle, &point, kLargest), 1);
+    EXPECT_EQ(findById(4, 5, kNone, 0), 1U);
+    EXPECT_EQ(ids[0], kNone);
+    EXPECT_EQ(findById(4, 5, 0, 0), 0U);
+}
+
 TEST_F(DelaunayQuestion, InterpolationWeighsByInversePowers) {
     add({{0, 0, 10}, {3, 0, 20}});
     EXPECT_EQ(find(1, 0, 8), 1U);
@@ -249,6 +262,12 @@ TEST_F(DelaunayQuestion, InterpolationAtAVertexIsThatVertex) {
     EXPECT_EQ(isOutside, -5) << "not written";
     EXPECT_EQ(find(3 + 1.1e-5, 0, 8), 1U);
     EXPECT_EQ(place.x, 3 + 1.1e-5);
+    EXPECT_EQ(isOutside, 0);
+    // A squared distance of exactly 1e-10 is one.
+    const double x = 9.999754996998677e-06;
+    ASSERT_EQ(x * x + 7e-8 * 7e-8, 1e-10);
+    EXPECT_EQ(find(x, 7e-8, 8), 1U);
+    EXPECT_EQ(place.x, x);
     EXPECT_EQ(isOutside, 0);
 }
 
@@ -384,7 +403,8 @@ int visitPosition(tagPOINT3D* position, void* user) {
 
 TEST_F(DelaunayQuestion, EnumerationFollowsTheOrderOfInsertion) {
     add({{5, 5, 1}, {1, 1, 2}, {50, 50, 3}, {3, 2, 4}, {0, 5, 5}});
-    for (const tagMAT_RECT2D rect : {tagMAT_RECT2D{0, 0, 5, 5}, tagMAT_RECT2D{5, 5, 0, 0}}) {
+    for (const tagMAT_RECT2D rect : {tagMAT_RECT2D{0, 0, 5, 5}, tagMAT_RECT2D{5, 5, 0, 0},
+                                     tagMAT_RECT2D{5, 0, 0, 5}, tagMAT_RECT2D{0, 5, 5, 0}}) {
         Visited visited;
         EXPECT_EQ(matEnumDelaunayPositionsInRect(handle, &rect, 0, visitPosition, &visited), 1);
         EXPECT_EQ(visited.z, (std::vector<double>{1, 2, 4, 5}));

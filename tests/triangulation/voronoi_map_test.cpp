@@ -97,6 +97,9 @@ TEST(VoronoiMap, LargestDistanceStaysPositive) {
     matComputeVoronoiMap2D(map.get());
     EXPECT_EQ(cellsOf(map, 1, 2), (std::vector<std::int32_t>{2, 1}));
     expectAsReference(9, 9, {{46340, 304, 12}});
+    // Squares that 64 bits do not hold in sum.
+    expectAsReference(9, 9,
+                      {{INT_MIN, INT_MIN, 1}, {INT_MIN + 1, INT_MIN + 2, 2}, {INT_MIN + 3, INT_MIN, 3}});
 }
 
 TEST(VoronoiMap, DistanceOfTwoToThe31IsTheNearestOfAll) {
