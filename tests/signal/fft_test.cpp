@@ -541,7 +541,7 @@ Doubles amplitudesReference(const std::vector<unsigned short>& pixels, int width
         }
     }
     const auto columns = static_cast<std::size_t>(width);
-    const std::size_t firstRow = static_cast<std::size_t>(height - 1) / kSide * kSide;
+    const std::size_t firstRow = (static_cast<std::size_t>(height) - 1) / kSide * kSide;
     double sums[kSide][kSide] = {};
     for (std::size_t block = 1; block <= columns / kSide; ++block) {
         float along[kSide][kSide] = {};
