@@ -696,6 +696,11 @@ TEST(ParabolaFit, StopsAPlateauAtNotANumber) {
     EXPECT_EQ(among.fit.right, 8);
     EXPECT_EQ(among.fit.plateauLeftX, 5.0);
     EXPECT_EQ(among.fit.plateauRightX, 10.0);
+    y = {3.0, kNan, 3.0, 3.0, 3.0, 4.0, 6.0};
+    const Outcome behind = outcomeOf(countUp(7), y, 4, 0.0, 0.0);
+    ASSERT_TRUE(behind.result);
+    EXPECT_EQ(behind.fit.plateauLeftX, 1.0);
+    EXPECT_EQ(behind.fit.plateauRightX, 5.0);
 }
 
 TEST(ParabolaFit, FollowsPlateausToTheirEnds) {
