@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <stdexcept>
+#include <tuple>
 #include <vector>
 
 #include "tests/support/allocation_failure.h"
@@ -500,6 +501,20 @@ TEST(DelaunayMarginRect, IsApartFromATriangleExactlyAtItsMargin) {
     EXPECT_TRUE(rect.meetsTriangle({10 + 0.99e-7, 0}, {30, -5}, {30, 5}));
     EXPECT_TRUE(rect.meetsTriangle({0, -0.99e-7}, {-5, -20}, {5, -20}));
     EXPECT_TRUE(rect.meetsTriangle({0, 10 + 0.99e-7}, {-5, 30}, {5, 30}));
+}
+
+TEST(DelaunayMarginRect, CornersCountBeyondAVertexUpToTheMarginOfTheSum) {
+    // Beyond the vertex at the origin both coordinates of (p, p) are -0.02 p, and the vertex's own one is 1 + 0.04 p.
+    const tagPOINT2D a{0, 0};
+    const tagPOINT2D b{-100, 50};
+    const tagPOINT2D c{50, -100};
+    const velquad::triangulation::MarginRect within({2e-6, 2e-6, 10, 10});
+    const velquad::triangulation::MarginRect beyond({3e-6, 3e-6, 10, 10});
+    for (const auto& [first, second, third] :
+         {std::tuple{a, b, c}, std::tuple{b, c, a}, std::tuple{c, a, b}, std::tuple{a, c, b}}) {
+        EXPECT_TRUE(within.meetsTriangle(first, second, third));
+        EXPECT_FALSE(beyond.meetsTriangle(first, second, third));
+    }
 }
 
 TEST(DelaunayMarginRect, FlatTrianglesHoldNoRectangle) {
