@@ -199,7 +199,8 @@ VELQUAD_API void fnrDerivate(const double* in, double* out, int n, int isCircula
 /// @param risingCount, fallingCount  in: capacity of the list, read only if the list is given; out: crossings
 ///                                   found, those beyond the capacity included. May be null without a list.
 /// @param isCircular                 non-zero: the first sample follows the last one; a crossing between the two
-///                                   stands at the end of its list, with a position of up to n.
+///                                   stands at the end of its list. Its position may be n and more: it is below
+///                                   n plus the index of the first sample with a sign.
 /// @return 1; 0 when a list was too short for its crossings.
 VELQUAD_API int fnrFindZeroPoint(const double* data, int n, double* rising, unsigned int* risingCount,
                                  double* falling, unsigned int* fallingCount, int isCircular);

@@ -70,7 +70,8 @@ VELQUAD_API int matExtentDelaunay2D(void** handle, const tagPOINT3D* point, doub
 ///   (3) A point on an edge, within 1e-6, divides it.
 ///   (4) A rebuilt triangulation drops points within 1e-6 of an earlier one, and any that rounding at extreme
 ///       coordinates puts outside.
-/// @param tolerance  see above. 0 and values below 3.2e-4 replace vertices up to that distance by rebuilding.
+/// @param tolerance  see above. A vertex up to 3.2e-4 away causes a rebuild whatever the tolerance, but only those
+///                   within the tolerance give way in it.
 /// @return 1; 0 when nothing was inserted: null arguments, a coordinate that is an infinity or not a number, a flat
 ///         extent, or memory shortage.
 /// @par Cost  A walk over the triangles from the last point to this one, some flips, and a search in a tree. A

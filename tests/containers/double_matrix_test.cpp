@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <limits>
 #include <memory>
 #include <new>
@@ -67,6 +68,31 @@ TEST(DoubleMatrix, IsEmptyWithoutColumnsOrRows) {
     matrix.SetSize(-2, -3);
     EXPECT_TRUE(matrix.GetSize() == CSize(0, 0));
     EXPECT_EQ(matrix.GetColumnSize(), 0);
+}
+
+TEST(DoubleMatrix, GivesTheRowTableUpWithItsSize) {
+    CDoubleMatrix matrix(2, 3);
+    const CDoubleMatrix other(2, 3);
+    const std::ptrdiff_t withoutTable = velquad::test::liveAllocations();
+    const auto tableCount = [&matrix, withoutTable] {
+        matrix.GetMatrixPtr(1, 1);
+        return velquad::test::liveAllocations() - withoutTable;
+    };
+    ASSERT_EQ(tableCount(), 1);
+    matrix.SetSize(2, 3);
+    EXPECT_EQ(velquad::test::liveAllocations(), withoutTable);
+    ASSERT_EQ(tableCount(), 1);
+    matrix.SetSize(CSize(3, 2));
+    EXPECT_EQ(velquad::test::liveAllocations(), withoutTable);
+    ASSERT_EQ(tableCount(), 1);
+    matrix = other;
+    EXPECT_EQ(velquad::test::liveAllocations(), withoutTable);
+    // A copy of itself changes nothing, the table included.
+    double** const table = matrix.GetMatrixPtr(0, 0);
+    const CDoubleMatrix& same = matrix;
+    matrix = same;
+    EXPECT_EQ(velquad::test::liveAllocations(), withoutTable + 1);
+    EXPECT_EQ(table[1], matrix.GetData() + 3);
 }
 
 TEST(DoubleMatrix, KeepsElementsRowByRow) {

@@ -66,6 +66,15 @@ TEST(GlobalAlignment, AddsTheOffsetToAFixedPlace) {
     expectPosition(alignment, 0, -8, 31.0, -38.0);
 }
 
+TEST(GlobalAlignment, AddsTheOffsetBeforeItWeighs) {
+    // Place and offset times the weight would not be finite.
+    CSVDGlobAln alignment;
+    alignment.Allocate(0, 1);
+    EXPECT_TRUE(alignment.PutFixed(1, 1e308, -1e308, -1e308, 1e308, 10.0));
+    EXPECT_EQ(alignment.GlobalAlign(), 0.0);
+    expectPosition(alignment, 0, 1, 0.0, 0.0, 0.0);
+}
+
 TEST(GlobalAlignment, NumbersItemsInOrderOfFirstUse) {
     CSVDGlobAln alignment;
     alignment.Allocate(3, 4);

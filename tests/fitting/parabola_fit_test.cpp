@@ -245,6 +245,49 @@ TEST(PolyFit, KeepsItsDigitsFarFromTheOrigin) {
     EXPECT_EQ(layout.yMean, 2999978.0);
 }
 
+// Curves whose sums and products all round.
+Values unevenCurve(std::mt19937& random, int count, double height) {
+    Values values;
+    for (int i = 0; i < count; ++i)
+        values.push_back(0.1 * i + height * (0.1 * static_cast<double>(random() % 97)));
+    return values;
+}
+
+TEST(PolyFit, LeavesTheMeansFrameTermByTerm) {
+    std::mt19937 random(104);
+    for (int run = 0; run < 200; ++run) {
+        SCOPED_TRACE(run);
+        const int count = 4 + run % 9;
+        Values x = unevenCurve(random, count, 1.0);
+        std::sort(x.begin(), x.end());
+        const Values y = unevenCurve(random, count, 3.0);
+        double xSum = 0.0;
+        double ySum = 0.0;
+        for (std::size_t i = 1; i < x.size(); ++i) {
+            xSum += x[i];
+            ySum += y[i];
+        }
+        CSVDPolyFit poly(2);
+        double a = 0.0;
+        double b = 0.0;
+        double c = 0.0;
+        ASSERT_TRUE(poly.FitRangeLine(x, y, 1, count - 1, a, b, nullptr));
+        auto fit = layoutOf<PolyFitLayout>(poly);
+        const double* centred = fit.coefficients->get();
+        EXPECT_EQ(fit.xMean, xSum / (count - 1));
+        EXPECT_EQ(fit.yMean, ySum / (count - 1));
+        EXPECT_EQ(a, centred[2]);
+        EXPECT_EQ(b, centred[1] - fit.xMean * centred[2] + fit.yMean);
+        if (count < 5) continue;
+        ASSERT_TRUE(poly.FitRangeParabola(x, y, 1, count - 1, a, b, c, nullptr));
+        fit = layoutOf<PolyFitLayout>(poly);
+        centred = fit.coefficients->get();
+        EXPECT_EQ(a, centred[3]);
+        EXPECT_EQ(b, centred[2] - 2.0 * centred[3] * fit.xMean);
+        EXPECT_EQ(c, fit.xMean * centred[3] * fit.xMean + centred[1] - centred[2] * fit.xMean + fit.yMean);
+    }
+}
+
 TEST(PolyFit, GrowsButNeverShrinks) {
     const Values x = countUp(9);
     const Values y = peakAt(3.0, 9);
@@ -501,6 +544,55 @@ TEST(ParabolaFit, TakesAPeakThatStandsExactlyAsHighAsTheNoise) {
     EXPECT_FALSE(outcomeOf(countUp(5), y, 2, 6.0, 0.001, 3.0, factor).fit.isPeak);
 }
 
+TEST(ParabolaFit, MeasuresTheHeightByTheParabolaTermByTerm) {
+    // The largest factor that lets the peak pass tells the height over the window's lower end to the last bit.
+    std::mt19937 random(105);
+    int peaks = 0;
+    for (int run = 0; run < 300; ++run) {
+        SCOPED_TRACE(run);
+        Values x;
+        Values y;
+        for (int i = 0; i < 7; ++i) {
+            x.push_back(0.3 * i + 0.1 + 0.01 * static_cast<double>(random() % 10));
+            y.push_back(9.1 - 1.7 * (i - 3) * (i - 3) + 0.1 * static_cast<double>(random() % 23));
+        }
+        const ParaFit fit = outcomeOf(x, y, 3, 100.0, 0.0, 3.0, 0.0).fit;
+        CSVDPolyFit poly(2);
+        double a = 0.0;
+        double b = 0.0;
+        double c = 0.0;
+        ASSERT_TRUE(poly.FitRangeParabola(x, y, 0, 6, a, b, c, nullptr));
+        const double leftY = (x[0] * a) * x[0] + x[0] * b + c;
+        const double rightY = (x[6] * a) * x[6] + x[6] * b + c;
+        const double height = fit.vertexY - (leftY > rightY ? rightY : leftY);
+        const double noise = std::sqrt(fit.residual);
+        double factor = height / noise;
+        while (noise * factor <= height)
+            factor = std::nextafter(factor, 1e300);
+        while (noise * factor > height)
+            factor = std::nextafter(factor, 0.0);
+        peaks += fit.isPeak ? 1 : 0;
+        EXPECT_EQ(outcomeOf(x, y, 3, 100.0, 0.0, 3.0, factor).fit.isPeak, fit.isPeak);
+        factor = std::nextafter(factor, 1e300);
+        EXPECT_FALSE(outcomeOf(x, y, 3, 100.0, 0.0, 3.0, factor).fit.isPeak);
+    }
+    EXPECT_GT(peaks, 200);
+}
+
+TEST(ParabolaFit, IsNoPeakBesideABackgroundThatIsNotANumber) {
+    // A not-a-number ends the flank, and what it makes of the threshold nothing stands above.
+    Values y = peakAt(4.0, 9);
+    y[0] = y[1] = y[7] = y[8] = 0.0;
+    EXPECT_TRUE(outcomeOf(countUp(9), y, 4, 6.0).fit.isPeak);
+    for (const std::size_t i : {0U, 1U, 7U, 8U}) {
+        Values gap = y;
+        gap[i] = kNan;
+        const Outcome outcome = outcomeOf(countUp(9), gap, 4, 6.0);
+        EXPECT_TRUE(outcome.result);
+        EXPECT_FALSE(outcome.fit.isPeak) << i;
+    }
+}
+
 TEST(ParabolaFit, RefusesAPeakThatStandsExactlyAsHighAsTheBackground) {
     Values y = peakOver(0.0);
     CSampleStatistics background;
@@ -604,6 +696,11 @@ TEST(ParabolaFit, StopsAPlateauAtNotANumber) {
     EXPECT_EQ(among.fit.right, 8);
     EXPECT_EQ(among.fit.plateauLeftX, 5.0);
     EXPECT_EQ(among.fit.plateauRightX, 10.0);
+    y = {3.0, kNan, 3.0, 3.0, 3.0, 4.0, 6.0};
+    const Outcome behind = outcomeOf(countUp(7), y, 4, 0.0, 0.0);
+    ASSERT_TRUE(behind.result);
+    EXPECT_EQ(behind.fit.plateauLeftX, 1.0);
+    EXPECT_EQ(behind.fit.plateauRightX, 5.0);
 }
 
 TEST(ParabolaFit, FollowsPlateausToTheirEnds) {

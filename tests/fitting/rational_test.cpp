@@ -133,6 +133,12 @@ TEST(DoubleToRational, TellsWhatDoesNotFit32Bits) {
     EXPECT_EQ(rationalOf(2147483647.0), (Rational{0, 2147483647, 1}));
     EXPECT_EQ(rationalOf(-2147483647.0), (Rational{0, -2147483647, 1}));
     EXPECT_EQ(rationalOf(2147483648.0).status, 2);
+    // The largest numerator and denominator that fit, and one more.
+    EXPECT_EQ(rationalOf(1073741823.5, 12), (Rational{0, 2147483647, 2}));
+    EXPECT_EQ(rationalOf(-1073741823.5, 12), (Rational{0, -2147483647, 2}));
+    EXPECT_EQ(rationalOf(1073741824.5, 12), (Rational{2, kUntouched, kUntouched}));
+    EXPECT_EQ(rationalOf(1.0 / 2147483647.0, 9), (Rational{0, 1, 2147483647}));
+    EXPECT_EQ(rationalOf(1.0 / 2147483648.0, 9).status, 2);
     EXPECT_EQ(rationalOf(1e300).status, 2);
     EXPECT_EQ(rationalOf(1e-11, 30, 10).status, 2);
 }

@@ -144,6 +144,14 @@ TEST(FindZeroPoint, ClosesACircularCurve) {
     EXPECT_EQ(found.rising, (Values{1.5}));
     EXPECT_TRUE(crossingsOf({1, -1, 1}, 0).falling.size() == 1);
     EXPECT_EQ(crossingsOf({1, -1, 1}, 1).rising.size(), 1U);
+    // Zeros at the start are counted on behind the end: half of the 3 steps from index 3 to index 2 of the next turn.
+    EXPECT_EQ(crossingsOf({0, 0, -1, 1}, 1).falling, (Values{4.5}));
+}
+
+TEST(FindZeroPoint, DividesLastWithinACurveAndFirstAcrossItsEnds) {
+    // The other order gives 2.2727272727272725 and 4.545454545454546.
+    EXPECT_EQ(crossingsOf({0, 0, -0.1, 0, 0, 1}).rising, (Values{2.272727272727273}));
+    EXPECT_EQ(crossingsOf({0, -1, 0, 0, 0.1, 0, 0, 0, 0}, 1).falling, (Values{4.545454545454545}));
 }
 
 TEST(FindZeroPoint, CountsWhatDoesNotFit) {

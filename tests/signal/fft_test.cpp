@@ -269,6 +269,34 @@ TEST(WindowFft, WeightsByHand) {
     EXPECT_NEAR(blackman[3], 0.34, 1e-12);
 }
 
+TEST(WindowFft, WeightsHaveTheBitsOfTheirFormulas) {
+    const auto weightOf = [](unsigned short kind, double i, double l) {
+        const double t = (i - (l - 1.0) * 0.5) / ((l + 1.0) * 0.5);
+        const double turn = i * 6.28318530718 / l;
+        switch (kind) {
+            case 1:
+                return 1.0 - std::fabs(t);
+            case 2:
+                return (1.0 - std::cos(turn)) * 0.5;
+            case 3:
+                return 1.0 - t * t;
+            default:
+                return std::cos(i * 12.56637061436 / l) * 0.08 + (0.42 - std::cos(turn) * 0.5);
+        }
+    };
+    std::mt19937 random(816);
+    const Doubles signal = randomSignal(random, 300);
+    for (const unsigned short kind : std::initializer_list<unsigned short>{1, 2, 3, 4}) {
+        Doubles re = signal, im(signal.rbegin(), signal.rend());
+        EXPECT_EQ(matWindowFFT(re.data(), im.data(), 300, kind), 0U);
+        for (std::size_t i = 0; i < 300; ++i) {
+            const double weight = i < 256 ? weightOf(kind, static_cast<double>(i), 256.0) : 1.0;
+            EXPECT_EQ(re[i], signal[i] * weight) << kind << ", " << i;
+            EXPECT_EQ(im[i], signal[299 - i] * weight) << kind << ", " << i;
+        }
+    }
+}
+
 TEST(WindowFft, OtherKindsChangeNothing) {
     for (const unsigned short kind : std::initializer_list<unsigned short>{0, 5, 65535}) {
         Doubles re = {1, 2, 3, 4}, im = {5, 6, 7, 8};
@@ -378,6 +406,30 @@ TEST(FftSmooth, IsWindowingTheSpectrumOfTheSamplesAndTheirRamp) {
     EXPECT_EQ(again, out);
 }
 
+TEST(FftSmooth, TheRampAddsUpStepByStep) {
+    std::mt19937 random(817);
+    for (const std::size_t n : {16U, 31U, 50U, 63U, 64U}) {
+        const Doubles in = randomSignal(random, n);
+        const std::size_t length = n < 32 ? 32 : n < 64 ? 64 : 128;
+        const std::size_t offset = (length - n) / 2;
+        const double slope = (in[n - 1] - in[0]) / static_cast<double>(length - n + 1);
+        Doubles period(length);
+        for (std::size_t i = 0; i < n; ++i)
+            period[offset + i] = in[i];
+        for (std::size_t i = offset; i-- > 0;)
+            period[i] = period[i + 1] - slope;
+        for (std::size_t i = offset + n; i < length; ++i)
+            period[i] = period[i - 1] + slope;
+        Spectrum spectrum(period);
+        matWindowFFT(spectrum.re.data(), spectrum.im.data(), sizeOf(period), 4);
+        Doubles back(length), out(n);
+        matInvFFT(spectrum.re.data(), spectrum.im.data(), sizeOf(period), back.data());
+        EXPECT_EQ(matFFTSmooth(in.data(), sizeOf(in), out.data(), 4), 0U);
+        for (std::size_t i = 0; i < n; ++i)
+            EXPECT_EQ(out[i], back[offset + i]) << n << ", " << i;
+    }
+}
+
 TEST(FftSmooth, LackOfMemoryAndOfALockHaveTheirOwnStatus) {
     const Doubles in(20, 1.0);
     Doubles out(20, kUntouched);
@@ -476,6 +528,70 @@ TEST(Amplitudes, ACosineLiesInTheBinOfItsFrequency) {
     }
     // The coefficient is 20000 * 4 = 80000; bin 5 has the 8 places with distances from 4.5 to 5.5.
     EXPECT_NEAR(amplitudes[5], 80000.0 * 80000.0 / 8 / 64, 1e-3 * amplitudes[5]);
+}
+
+/// The last row of blocks, transformed in single precision along the rows and then along the columns.
+Doubles amplitudesReference(const std::vector<unsigned short>& pixels, int width, int height) {
+    constexpr std::size_t kSide = 8;
+    float basis[kSide][kSide];
+    for (std::size_t u = 0; u < kSide; ++u) {
+        for (std::size_t x = 0; x < kSide; ++x) {
+            const double angle = static_cast<double>((2 * x + 1) * u) * 3.141592653589793 / 16.0;
+            basis[u][x] = static_cast<float>((u == 0 ? std::sqrt(0.125) : 0.5) * std::cos(angle));
+        }
+    }
+    const auto columns = static_cast<std::size_t>(width);
+    const std::size_t firstRow = (static_cast<std::size_t>(height) - 1) / kSide * kSide;
+    double sums[kSide][kSide] = {};
+    for (std::size_t block = 1; block <= columns / kSide; ++block) {
+        float along[kSide][kSide] = {};
+        for (std::size_t y = 0; y < kSide; ++y) {
+            const unsigned short* row = &pixels[(firstRow + y) * columns + columns - block * kSide];
+            for (std::size_t u = 0; u < kSide; ++u) {
+                for (std::size_t x = 0; x < kSide; ++x)
+                    along[y][u] += static_cast<float>(row[x]) * basis[u][x];
+            }
+        }
+        for (std::size_t u = 0; u < kSide; ++u) {
+            for (std::size_t v = 0; v < kSide; ++v) {
+                float coefficient = 0.0F;
+                for (std::size_t y = 0; y < kSide; ++y)
+                    coefficient += basis[v][y] * along[y][u];
+                sums[u][v] += static_cast<double>(coefficient * coefficient);
+            }
+        }
+    }
+    Doubles amplitudes(10, kUntouched);
+    for (std::size_t bin = 0; bin < 8; ++bin) {
+        double sum = 0.0, weight = 0.0;
+        for (std::size_t r = 0; r < kSide; ++r) {
+            for (std::size_t c = 0; c < kSide; ++c) {
+                const double distance = std::sqrt(static_cast<double>(r * r + c * c));
+                if (distance < static_cast<double>(bin) - 0.5 || distance >= static_cast<double>(bin) + 0.5)
+                    continue;
+                sum += sums[r][c];
+                weight += 1.0;
+            }
+        }
+        amplitudes[bin] = sum / weight / (static_cast<double>(width) * static_cast<double>(height));
+    }
+    return amplitudes;
+}
+
+TEST(Amplitudes, HaveTheBitsOfThePlainSums) {
+    std::mt19937 random(818);
+    for (const auto& [width, height] : {std::pair{8, 8}, {13, 8}, {41, 24}, {64, 19}}) {
+        std::vector<unsigned short> pixels(static_cast<std::size_t>(width) * 24);
+        for (unsigned short& pixel : pixels)
+            pixel = static_cast<unsigned short>(random());
+        EXPECT_EQ(amplitudesOf(pixels, width, height, 8), amplitudesReference(pixels, width, height))
+            << width << " by " << height;
+    }
+}
+
+TEST(Amplitudes, TwoNegativeSizesHaveNone) {
+    const std::vector<unsigned char> pixels(64, 200);
+    EXPECT_EQ(amplitudesOf(pixels, -8, -8, 8), (Doubles{0, 0, 0, 0, 0, 0, 0, 0, kUntouched, kUntouched}));
 }
 
 TEST(Amplitudes, BothPixelTypesGiveTheSameBits) {

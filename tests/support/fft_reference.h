@@ -167,7 +167,9 @@ inline void danielsonLanczosReference(Doubles& re, Doubles& im, double sign) {
     }
 }
 
-inline Doubles logarithmReference(const Doubles& data, std::size_t start, std::size_t end, double scale) {
+/// @param upJumps, downJumps  receive how often the phase was found to jump in either direction; may be null.
+inline Doubles logarithmReference(const Doubles& data, std::size_t start, std::size_t end, double scale,
+                                  int* upJumps = nullptr, int* downJumps = nullptr) {
     const double pi = 3.14159265359;
     const std::size_t count = data.size();
     const std::size_t taper = end - start;
@@ -204,10 +206,13 @@ inline Doubles logarithmReference(const Doubles& data, std::size_t start, std::s
         const double phase = std::atan(im[k] / re[k]);
         const double step = phase - previous;
         previous = phase;
-        if (step > 1.570796326795)
+        if (step > 1.570796326795) {
             jumps += 1;
-        else if (-1.570796326795 >= step)
+            if (upJumps != nullptr) ++*upJumps;
+        } else if (-1.570796326795 >= step) {
             jumps -= 1;
+            if (downJumps != nullptr) ++*downJumps;
+        }
         re[k] = std::log(std::hypot(im[k], re[k]) / total) * total / static_cast<double>(size);
         im[k] = (phase - jumps * pi) * total / static_cast<double>(size);
     }

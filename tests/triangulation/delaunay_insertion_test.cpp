@@ -109,6 +109,12 @@ TEST(DelaunayInsertion, LeftSideOfTheLargestDoubleMeansEmpty) {
     EXPECT_FALSE(handle.subject().hasPoints());
     expectExtent(handle.subject(), {kDoubleMax, kDoubleMax, kDoubleMax, kDoubleMax});
     EXPECT_EQ(handle.add(0, 0), 1);
+    // Nothing else of the rectangle is looked at then.
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const tagMAT_RECT2D odd{kDoubleMax, nan, nan, nan};
+    const Handle other(&odd);
+    ASSERT_NE(other.get(), nullptr);
+    EXPECT_FALSE(other.subject().hasPoints());
 }
 
 TEST(DelaunayInsertion, PointOutsideMakesTheExtentGrow) {

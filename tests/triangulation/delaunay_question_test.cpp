@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <stdexcept>
+#include <tuple>
 #include <vector>
 
 #include "tests/support/allocation_failure.h"
@@ -153,6 +154,11 @@ TEST_F(DelaunayQuestion, EdgeMeasuresDiffer) {
         EXPECT_EQ(corners[0].x + corners[1].x, 8);
         expectPlace(3, -6, 3);
     }
+    // What the function without flags measures by.
+    place = {-8, -6, -77};
+    EXPECT_EQ(matFindPositionInDelaunay2D(handle, &place, corners, nullptr), 2U);
+    EXPECT_EQ(corners[0].x + corners[1].x, 8);
+    expectPlace(3, -6, 3);
     EXPECT_EQ(find(-8, -6, 2), 2U);
     EXPECT_EQ(isOutside, 1);
     EXPECT_EQ(corners[0].x + corners[1].x, -37);
@@ -164,6 +170,23 @@ TEST_F(DelaunayQuestion, EdgeWinsAgainstItsEqualDistantEnd) {
     EXPECT_EQ(find(-1, -1, 2), 2U);
     EXPECT_EQ(isOutside, 1);
     expectPlace(0, 0, 0);
+}
+
+TEST_F(DelaunayQuestion, VerticesAndEdgesBeyondTheLargestFloatAreNotFound) {
+    add({{0, 0, 1}, {6, 0, 2}, {0, 6, 3}});
+    // 1.8e19 squared is 3.24e38, and 1.9e19 squared 3.61e38; the largest float is 3.4028e38.
+    EXPECT_EQ(find(1.8e19, 0, 0), 1U);
+    expectPlace(0, 0, 1);
+    EXPECT_EQ(find(1.9e19, 0, 0), 0U);
+    EXPECT_EQ(isOutside, 1);
+    expectPlace(1.9e19, 0, -77);
+    // An edge is measured by its distance, not by the square of it.
+    for (const unsigned int flags : {1U, 2U}) {
+        EXPECT_EQ(find(1.9e19, 0, flags), 2U);
+        expectPlace(6, 0, 2);
+        EXPECT_EQ(find(3.4e38, 0, flags), 2U);
+        EXPECT_EQ(find(3.41e38, 0, flags), 0U);
+    }
 }
 
 TEST_F(DelaunayQuestion, LoneVertexIsFoundWithoutEdges) {
@@ -213,6 +236,14 @@ TEST_F(DelaunayQuestion, VerticesWithoutIdCountInsideButNotOutside) {
     EXPECT_EQ(findById(-2, -2, kNone, 3), 0U);
 }
 
+TEST_F(DelaunayQuestion, VerticesGetNoIdUnlessOneIsGiven) {
+    const tagPOINT3D point{4, 5, 6};
+    ASSERT_EQ(matExtentDelaunay2D(&handle, &point, kLargest), 1);
+    EXPECT_EQ(findById(4, 5, kNone, 0), 1U);
+    EXPECT_EQ(ids[0], kNone);
+    EXPECT_EQ(findById(4, 5, 0, 0), 0U);
+}
+
 TEST_F(DelaunayQuestion, InterpolationWeighsByInversePowers) {
     add({{0, 0, 10}, {3, 0, 20}});
     EXPECT_EQ(find(1, 0, 8), 1U);
@@ -233,12 +264,45 @@ TEST_F(DelaunayQuestion, InterpolationAtAVertexIsThatVertex) {
     EXPECT_EQ(find(3 + 1.1e-5, 0, 8), 1U);
     EXPECT_EQ(place.x, 3 + 1.1e-5);
     EXPECT_EQ(isOutside, 0);
+    // A squared distance of exactly 1e-10 is one.
+    const double x = 9.999754996998677e-06;
+    ASSERT_EQ(x * x + 7e-8 * 7e-8, 1e-10);
+    EXPECT_EQ(find(x, 7e-8, 8), 1U);
+    EXPECT_EQ(place.x, x);
+    EXPECT_EQ(isOutside, 0);
 }
 
 TEST_F(DelaunayQuestion, InterpolationOfZerosIsZero) {
     add({{0, 0, 0}, {3, 0, 0}});
     EXPECT_EQ(find(1, 7, 8), 1U);
     expectPlace(1, 7, 0);
+}
+
+// Dividing by the largest weight or value changes the last bits; these are the ones without a division.
+TEST_F(DelaunayQuestion, InterpolationDoesNotDivideByWeightsBelowTheLeastFloat) {
+    add({{0, 0, 10}, {3, 0, 20.5}});
+    EXPECT_EQ(find(1.01e12, 0, 16), 1U);
+    EXPECT_EQ(place.z, 15.250000000031187);
+}
+
+TEST_F(DelaunayQuestion, InterpolationDoesNotDivideByValuesNextToNothing) {
+    add({{0, 0, 3e-17}, {30, 7, 7e-17}});
+    EXPECT_EQ(find(1.2, 0, 8), 1U);
+    EXPECT_EQ(place.z, 3.006546347229168e-17);
+}
+
+TEST_F(DelaunayQuestion, InterpolationDividesByTheLeastValueThatCounts) {
+    add({{0, 0, 3e-16}, {30, 7, -1e-15}});
+    EXPECT_EQ(find(1.2, 0, 8), 1U);
+    EXPECT_EQ(place.z, 2.9787243715052057e-16);
+}
+
+TEST_F(DelaunayQuestion, InterpolationWithoutAnyWeightGivesNoNumber) {
+    add({{0, 0, 10}, {3, 0, 20}});
+    EXPECT_EQ(find(1e160, 0, 8), 1U);
+    EXPECT_EQ(isOutside, 0);
+    EXPECT_EQ(place.x, 1e160);
+    EXPECT_TRUE(std::isnan(place.z));
 }
 
 TEST_F(DelaunayQuestion, InterpolationByIdTakesExactlyThatId) {
@@ -340,7 +404,8 @@ int visitPosition(tagPOINT3D* position, void* user) {
 
 TEST_F(DelaunayQuestion, EnumerationFollowsTheOrderOfInsertion) {
     add({{5, 5, 1}, {1, 1, 2}, {50, 50, 3}, {3, 2, 4}, {0, 5, 5}});
-    for (const tagMAT_RECT2D rect : {tagMAT_RECT2D{0, 0, 5, 5}, tagMAT_RECT2D{5, 5, 0, 0}}) {
+    for (const tagMAT_RECT2D rect : {tagMAT_RECT2D{0, 0, 5, 5}, tagMAT_RECT2D{5, 5, 0, 0},
+                                     tagMAT_RECT2D{5, 0, 0, 5}, tagMAT_RECT2D{0, 5, 5, 0}}) {
         Visited visited;
         EXPECT_EQ(matEnumDelaunayPositionsInRect(handle, &rect, 0, visitPosition, &visited), 1);
         EXPECT_EQ(visited.z, (std::vector<double>{1, 2, 4, 5}));
@@ -425,6 +490,40 @@ TEST(DelaunayMarginRect, MeetsTriangles) {
     EXPECT_FALSE(meets({-9, 3}, {3, -9}, {-9, -9})) << "past a corner";
 }
 
+TEST(DelaunayMarginRect, IsApartFromATriangleExactlyAtItsMargin) {
+    const velquad::triangulation::MarginRect rect({0, 0, 10, 10});
+    // The vertex next to a corner of the rectangle brings that corner within the margin of the triangle's own test.
+    EXPECT_FALSE(rect.meetsTriangle({-1e-7, 0}, {-20, -5}, {-20, 5}));
+    EXPECT_FALSE(rect.meetsTriangle({10 + 1e-7, 0}, {30, -5}, {30, 5}));
+    EXPECT_FALSE(rect.meetsTriangle({0, -1e-7}, {-5, -20}, {5, -20}));
+    EXPECT_FALSE(rect.meetsTriangle({0, 10 + 1e-7}, {-5, 30}, {5, 30}));
+    EXPECT_TRUE(rect.meetsTriangle({-0.99e-7, 0}, {-20, -5}, {-20, 5}));
+    EXPECT_TRUE(rect.meetsTriangle({10 + 0.99e-7, 0}, {30, -5}, {30, 5}));
+    EXPECT_TRUE(rect.meetsTriangle({0, -0.99e-7}, {-5, -20}, {5, -20}));
+    EXPECT_TRUE(rect.meetsTriangle({0, 10 + 0.99e-7}, {-5, 30}, {5, 30}));
+}
+
+TEST(DelaunayMarginRect, CornersCountBeyondAVertexUpToTheMarginOfTheSum) {
+    // Beyond the vertex at the origin both coordinates of (p, p) are -0.02 p, and the vertex's own one is 1 + 0.04 p.
+    const tagPOINT2D a{0, 0};
+    const tagPOINT2D b{-100, 50};
+    const tagPOINT2D c{50, -100};
+    const velquad::triangulation::MarginRect within({2e-6, 2e-6, 10, 10});
+    const velquad::triangulation::MarginRect beyond({3e-6, 3e-6, 10, 10});
+    for (const auto& [first, second, third] :
+         {std::tuple{a, b, c}, std::tuple{b, c, a}, std::tuple{c, a, b}, std::tuple{a, c, b}}) {
+        EXPECT_TRUE(within.meetsTriangle(first, second, third));
+        EXPECT_FALSE(beyond.meetsTriangle(first, second, third));
+    }
+}
+
+TEST(DelaunayMarginRect, FlatTrianglesHoldNoRectangle) {
+    const velquad::triangulation::MarginRect rect({0, 0, 1e-6, 1e-6});
+    // Twice the area is 3e-4 * 3e-4 = 9e-8, then 3e-4 * 3.6e-4 = 1.08e-7.
+    EXPECT_FALSE(rect.meetsTriangle({-1e-4, -1e-4}, {2e-4, -1e-4}, {0, 2e-4}));
+    EXPECT_TRUE(rect.meetsTriangle({-1e-4, -1e-4}, {2e-4, -1e-4}, {0, 2.6e-4}));
+}
+
 TEST_F(DelaunayQuestion, ValuesAreSetAtTheNearestVertex) {
     add({{0, 0, 1}, {4, 0, 2}});
     const tagPOINT3D close{1.5, 0, 9};
@@ -440,6 +539,19 @@ TEST_F(DelaunayQuestion, ValuesAreSetAtTheNearestVertex) {
     EXPECT_EQ(points[1].z, 2);
     EXPECT_EQ(findById(0, 0, 55, 0), 1U);
     EXPECT_EQ(ids[0], 55U);
+}
+
+TEST_F(DelaunayQuestion, DistancesNextToNothingAreWithinAnyTolerance) {
+    add({{0, 0, 1}});
+    // 3.1e-4 squared is 9.61e-8, and 3.2e-4 squared 1.024e-7.
+    const tagPOINT3D beside{3.1e-4, 0, 9};
+    const tagPOINT3D beyond{3.2e-4, 0, 9};
+    EXPECT_EQ(matSetZValueOfDelaunayPosition(handle, &beyond, 0.0), 0);
+    EXPECT_EQ(matSetIDOfDelaunayPosition(handle, 5, &beyond, 3.1e-4), 0);
+    EXPECT_EQ(matSetZValueOfDelaunayPosition(handle, &beside, 0.0), 1);
+    EXPECT_EQ(matSetIDOfDelaunayPosition(handle, 5, &beside, 0.0), 1);
+    EXPECT_EQ(findById(0, 0, 5, 0), 1U);
+    expectPlace(0, 0, 9);
 }
 
 TEST_F(DelaunayQuestion, ValuesAreNotSetWithoutVertices) {

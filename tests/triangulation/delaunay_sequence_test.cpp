@@ -75,6 +75,12 @@ tagPOINT2D tiny(Random& random, unsigned) {
     const double x = random.real(0, 2e-2);
     return {x, random.real(0, 2e-2)};
 }
+/// So wide that the triangles in the middle are next to nothing beside the whole.
+tagPOINT2D closeAmongDistant(Random& random, unsigned) {
+    const double reach = random.below(3) == 0 ? 1e6 : 20.0;
+    const double x = random.real(-reach, reach);
+    return {x, random.real(-reach, reach)};
+}
 tagPOINT2D extreme(Random& random, unsigned) {
     const double x = random.real(-1, 1) * std::pow(10.0, random.below(320));
     return {x, random.real(-1, 1) * std::pow(10.0, random.below(320))};
@@ -194,6 +200,7 @@ INSTANTIATE_TEST_SUITE_P(All, DelaunaySequence,
                                          Layout{"clustered", clustered}, Layout{"duplicated", duplicated},
                                          Layout{"spiral", spiral}, Layout{"onCircle", onCircle},
                                          Layout{"huge", huge}, Layout{"tiny", tiny},
+                                         Layout{"closeAmongDistant", closeAmongDistant},
                                          Layout{"extreme", extreme}),
                          [](const auto& instance) { return instance.param.name; });
 
@@ -217,6 +224,30 @@ INSTANTIATE_TEST_SUITE_P(All, DelaunayStructure,
                                          Layout{"rowByRow", rowByRow}, Layout{"spiral", spiral},
                                          Layout{"onCircle", onCircle}),
                          [](const auto& instance) { return instance.param.name; });
+
+// Triangles of less than 1e-10 of the whole area are listed, but their entries are taken again for the next ones: what
+// is found among them depends on the order of the edges.
+TEST(DelaunayEnumeration, OfTrianglesNextToNothingAgreesWithThePlainVersion) {
+    for (unsigned seed = 1; seed <= 150; ++seed) {
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        Random random(seed);
+        DelaunayPair pair(nullptr);
+        for (int i = 0; i < 4; ++i) {
+            const double x = random.real(-1e6, 1e6);
+            pair.extend({x, random.real(-1e6, 1e6), static_cast<double>(i)});
+        }
+        for (int i = 4; i < 10; ++i) {
+            const double x = random.real(0, 20);
+            pair.extend({x, random.real(0, 20), static_cast<double>(i)});
+        }
+        for (int i = 0; i < 40; ++i) {
+            const double x = random.real(0, 20);
+            const double y = random.real(0, 20);
+            pair.enumerate({x, y, x + 0.01, y + 0.01}, 2, 100);
+        }
+        if (testing::Test::HasFailure()) return;
+    }
+}
 
 TEST(DelaunayArrangement, DoesNotShow) {
     // Enough points for the edges to be arranged in memory several times.

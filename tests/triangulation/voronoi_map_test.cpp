@@ -97,6 +97,18 @@ TEST(VoronoiMap, LargestDistanceStaysPositive) {
     matComputeVoronoiMap2D(map.get());
     EXPECT_EQ(cellsOf(map, 1, 2), (std::vector<std::int32_t>{2, 1}));
     expectAsReference(9, 9, {{46340, 304, 12}});
+    // Squares that 64 bits do not hold in sum.
+    expectAsReference(9, 9,
+                      {{INT_MIN, INT_MIN, 1}, {INT_MIN + 1, INT_MIN + 2, 2}, {INT_MIN + 3, INT_MIN, 3}});
+}
+
+TEST(VoronoiMap, DistanceOfTwoToThe31IsTheNearestOfAll) {
+    // 32768^2 + 32768^2 wraps to -2^31, at the last cell only.
+    const Map map = makeMap(9, 9, {{0, 0, 1}, {-32760, -32760, 2}});
+    matComputeVoronoiMap2D(map.get());
+    std::vector<std::int32_t> expected(81, 1);
+    expected.back() = 2;
+    EXPECT_EQ(cellsOf(map, 9, 9), expected);
 }
 
 TEST(VoronoiMap, LaterSeedsTakeEffectWithTheNextComputation) {
