@@ -1,34 +1,15 @@
-// The subdivision: its operators, the walk, and the insertion of a point.
+// The subdivision: its operators, and the insertion of a point.
 #include "triangulation/delaunay.h"
 
+#include <initializer_list>
 #include <stdexcept>
 #include <utility>
 
 namespace velquad::triangulation {
 namespace {
 
-/// The smallest double whose root is not below `kVertexTolerance`.
-constexpr double kVertexToleranceSquared = 0x1.19799812dea10p-40;
-/// A walk gives up after so many steps.
-constexpr std::uint32_t kMostSteps = 0x1000000;
 /// More groups than this have no numbers for their edges.
 constexpr std::size_t kMostGroups = 0x3FFFFFFF;
-
-/// A position as seen from the point that is looked for.
-struct Relative {
-    double x;
-    double y;
-
-    Relative(const tagPOINT2D& position, const tagPOINT2D& p) : x(position.x - p.x), y(position.y - p.y) {}
-
-    /// Tells whether this is the vertex that is looked for: the root of the sum is below the tolerance.
-    bool isHere() const { return x * x + y * y < kVertexToleranceSquared; }
-};
-
-/// Tells whether the point looked for lies to the right of the edge from `from` to `to`.
-bool isRightOf(const Relative& from, const Relative& to) {
-    return to.x * from.y - to.y * from.x > 0.0;
-}
 
 constexpr double lengthSquared(const tagPOINT2D& p) {
     return p.x * p.x + p.y * p.y;
@@ -39,6 +20,17 @@ bool isInCircle(const tagPOINT2D& a, const tagPOINT2D& b, const tagPOINT2D& c, c
     return lengthSquared(a) * triArea(b, c, d) - lengthSquared(b) * triArea(a, c, d) +
                lengthSquared(c) * triArea(a, b, d) - lengthSquared(d) * triArea(a, b, c) >
            0.0;
+}
+
+tagMAT_RECT2D boxOf(std::initializer_list<tagPOINT2D> points) {
+    tagMAT_RECT2D box{points.begin()->x, points.begin()->y, points.begin()->x, points.begin()->y};
+    for (const tagPOINT2D& p : points) {
+        if (p.x < box.left) box.left = p.x;
+        if (p.x > box.right) box.right = p.x;
+        if (p.y < box.top) box.top = p.y;
+        if (p.y > box.bottom) box.bottom = p.y;
+    }
+    return box;
 }
 
 bool isEmptyExtent(const tagMAT_RECT2D* extent) {
@@ -54,7 +46,7 @@ CDelaunay2D::CDelaunay2D(const tagMAT_RECT2D* extent)
 
 void CDelaunay2D::init(const tagMAT_RECT2D& extent) {
     if (isEmptyExtent(&extent)) return;
-    reserve(3, kHelperCount);
+    reserve(3, kHelperCount, 2);
     extent_ = extent;
     index_ = NearestIndex(extent);
     const double width = extent.right - extent.left;
@@ -76,8 +68,11 @@ void CDelaunay2D::init(const tagMAT_RECT2D& extent) {
     setOrg(sym(ca), a);
     splice(sym(bc), ca);
     splice(sym(ca), ab);
-    noteApexes(ab);
-    noteApexes(sym(ab));
+    grid_ = CellGrid(boxOf({positions_[a], positions_[b], positions_[c]}));
+    nameFace(appendFace(), ab);
+    nameFace(appendFace(), sym(ab));
+    noteFace(ab);
+    noteFace(sym(ab));
     startingEdge_ = ab;
 }
 
@@ -112,56 +107,6 @@ bool CDelaunay2D::isOnEdge(const tagPOINT2D& p, EdgeRef e) const {
     return std::fabs(normalX * (p.x - from.x) + normalY * (p.y - from.y)) < kVertexTolerance;
 }
 
-EdgeRef CDelaunay2D::locate(const tagPOINT2D& p) const {
-    if (!isInSuperTriangle(p)) return kNoEdge;
-    EdgeRef e = startingEdge_;
-    Relative from(orgPosition(e), p);
-    Relative to(destPosition(e), p);
-    if (from.isHere() || to.isHere()) return e;
-    std::uint32_t steps = 0;
-    if (isRightOf(from, to)) {
-        e = sym(e);
-        std::swap(from, to);
-        ++steps;
-    }
-    // From here on p is never to the right of e: an edge is stepped to because p is not to the right of it.
-    // Rounding can send a walk in circles; an edge that comes back says so.
-    EdgeRef landmark = e;
-    std::uint32_t nextLandmark = 64;
-    for (;;) {
-        // Both edges lead to the third corner of the face. They and what lies beyond them are fetched before it is
-        // known which one is wanted: nothing else takes as long as waiting for memory. (GCC drops calls of a
-        // function that does nothing but fetch.)
-        const EdgeRef left = onext(e);
-        const EdgeRef right = dprev(e);
-        __builtin_prefetch(&groups_[left >> 2]);
-        __builtin_prefetch(&groups_[right >> 2]);
-        __builtin_prefetch(&slots_[apex(left)]);
-        __builtin_prefetch(&slots_[apex(right)]);
-        __builtin_prefetch(&groups_[onext(left) >> 2]);
-        __builtin_prefetch(&groups_[dprev(left) >> 2]);
-        __builtin_prefetch(&groups_[onext(right) >> 2]);
-        __builtin_prefetch(&groups_[dprev(right) >> 2]);
-        const Relative corner(slots_[apex(e)], p);
-        if (!isRightOf(from, corner)) {
-            e = left;
-            to = corner;
-        } else if (!isRightOf(corner, to)) {
-            e = right;
-            from = corner;
-        } else {
-            return e;
-        }
-        if (++steps == kMostSteps) return kNoEdge;
-        if (corner.isHere()) return e;
-        if (e == landmark) return kNoEdge;
-        if (steps >= nextLandmark) {
-            landmark = e;
-            nextLandmark *= 2;
-        }
-    }
-}
-
 bool CDelaunay2D::isFartherThan(const tagPOINT2D& p, double radius) const {
     if (radius != radius) return false;
     // Whatever lies beyond the limit is farther away than the radius, rounded or not.
@@ -187,10 +132,12 @@ bool CDelaunay2D::insertSite(const Point2d& site) {
     if (!isInSuperTriangle(v) || !isInExtent(v)) return false;
     EdgeRef e = locate(v);
     if (e == kNoEdge) return false;
-    if (Relative(orgPosition(e), v).isHere() || Relative(destPosition(e), v).isHere()) return true;
+    if (isSameVertex(orgPosition(e), v) || isSameVertex(destPosition(e), v)) return true;
     const bool splitsEdge = isOnEdge(v, e);
+    const std::uint32_t oldFaces[2] = {faceOf(side(e)), faceOf(side(sym(e)))};
     // All that can fail comes before the first change.
-    reserve(countFaceEdges(e) + (splitsEdge ? countFaceEdges(sym(e)) : 0), 1);
+    const std::size_t newEdges = countFaceEdges(e) + (splitsEdge ? countFaceEdges(sym(e)) : 0);
+    reserve(newEdges, 1, newEdges);
     index_.prepare(v.x, v.y);
     if (splitsEdge) {
         e = oprev(e);
@@ -198,17 +145,19 @@ bool CDelaunay2D::insertSite(const Point2d& site) {
     }
     const std::uint32_t point = appendPoint(site);
     index_.add(v.x, v.y, point);
-    joinToFace(e, point);
+    joinToFace(e, point, oldFaces, splitsEdge ? 2 : 1);
     if (groups_.size() >= nextArrangement_) arrange();
     return true;
 }
 
-/// Makes room for edges and points.
-void CDelaunay2D::reserve(std::size_t edgeCount, std::size_t pointCount) {
+/// Makes room for edges, points and faces.
+void CDelaunay2D::reserve(std::size_t edgeCount, std::size_t pointCount, std::size_t faceCount) {
     if (groups_.size() + edgeCount > kMostGroups) throw std::length_error("too many edges");
     groups_.reserveMore(edgeCount);
     reserveMore(order_, edgeCount);
     reserveMore(ranks_, edgeCount);
+    faces_.reserveMore(faceCount);
+    reserveMore(faceEdges_, faceCount);
     slots_.reserveMore(pointCount);
     reserveMore(numbers_, pointCount);
     reserveMore(positions_, pointCount);
@@ -281,36 +230,85 @@ std::size_t CDelaunay2D::countFaceEdges(EdgeRef e) const {
 }
 
 /// Joins a new point to all corners of the face to the left of `e` and restores the Delaunay property.
-void CDelaunay2D::joinToFace(EdgeRef e, std::uint32_t slot) {
+/// @param oldFaces  the numbers of the faces that this one is made of; they are given to new ones.
+void CDelaunay2D::joinToFace(EdgeRef e, std::uint32_t slot, const std::uint32_t* oldFaces,
+                             std::size_t oldFaceCount) {
+    // Until the new faces are noted, an edge away from the new vertex keeps the number of the face to its left.
+    auto keepNumber = [&, rest = oldFaceCount](EdgeRef spoke) mutable {
+        setSide(spoke, sideOf(rest != 0 ? oldFaces[--rest] : appendFace(), 0));
+    };
     EdgeRef base = makeEdge();
     setOrg(base, slotOfOrg(e));
     setOrg(sym(base), slot);
     splice(base, e);
     startingEdge_ = base;
+    keepNumber(sym(base));
     do {
         base = connect(e, sym(base));
+        keepNumber(sym(base));
         e = oprev(base);
     } while (lnext(e) != startingEdge_);
     flipAround(e, slots_[slot]);
-    noteApexesAround(sym(startingEdge_));
+    noteFacesAround(sym(startingEdge_));
 }
 
-/// Notes the corners of the triangle to the left of `e` at its three edges.
-void CDelaunay2D::noteApexes(EdgeRef e) {
+/// The edge that is a side of a face, with the face to its left.
+EdgeRef CDelaunay2D::edgeOf(SideRef side) const {
+    EdgeRef e = faceEdges_[faceOf(side)];
+    for (std::uint32_t corner = 0; corner != cornerOf(side); ++corner)
+        e = lnext(e);
+    return e;
+}
+
+std::uint32_t CDelaunay2D::appendFace() {
+    faces_.append({});
+    faceEdges_.push_back(kNoEdge);
+    return static_cast<std::uint32_t>(faces_.size() - 1);
+}
+
+/// Makes the triangle to the left of `e` a face, whose side opposite to corner 0 is `e`.
+void CDelaunay2D::nameFace(std::uint32_t face, EdgeRef e) {
+    faceEdges_[face] = e;
+    for (std::uint32_t corner = 0; corner < 3; ++corner) {
+        setSide(e, sideOf(face, corner));
+        e = lnext(e);
+    }
+}
+
+/// Notes what the face to the left of `e` is, with `e` as its side opposite to corner 0.
+void CDelaunay2D::noteFace(EdgeRef e) {
     const EdgeRef second = lnext(e);
     const EdgeRef third = lnext(second);
-    setApex(e, slotOfOrg(third));
-    setApex(second, slotOfOrg(e));
-    setApex(third, slotOfOrg(second));
+    faces_[faceOf(side(e))] = Face(
+        {side(sym(e)), side(sym(second)), side(sym(third))},
+        {grid_.cellOf(orgPosition(third)), grid_.cellOf(orgPosition(e)), grid_.cellOf(orgPosition(second))});
 }
 
-/// Notes the corners of all triangles around the start of `e`. After an insertion these are the ones that changed:
-/// every flip joins the new vertex to one corner more.
-void CDelaunay2D::noteApexesAround(EdgeRef e) {
+/// Names and notes the faces around the start of `e`, and with their neighbours the way back. After an insertion these
+/// are the ones that changed: every flip joins the new vertex, which becomes their corner 0, to one corner more.
+void CDelaunay2D::noteFacesAround(EdgeRef e) {
     const EdgeRef first = e;
+    EdgeRef next = onext(e);
     do {
-        noteApexes(e);
-        e = onext(e);
+        const std::uint32_t face = faceOf(side(e));
+        faceEdges_[face] = lnext(e);
+        setSide(e, sideOf(face, 2));
+        setSide(faceEdges_[face], sideOf(face, 0));
+        setSide(sym(next), sideOf(face, 1));
+        e = next;
+        next = onext(e);
+    } while (e != first);
+    const Cell center = grid_.cellOf(orgPosition(e));
+    Cell from = grid_.cellOf(destPosition(e));
+    do {
+        next = onext(e);
+        const Cell to = grid_.cellOf(destPosition(next));
+        const SideRef outward = side(lnext(e));
+        const SideRef outside = side(sym(lnext(e)));
+        faces_[faceOf(outward)] = Face({outside, side(next), side(sym(e))}, {center, from, to});
+        faces_[faceOf(outside)].setBeyond(cornerOf(outside), outward);
+        from = to;
+        e = next;
     } while (e != first);
 }
 
@@ -323,7 +321,10 @@ void CDelaunay2D::flipAround(EdgeRef e, const tagPOINT2D& v) {
         const tagPOINT2D& corner = destPosition(t);
         if (isCcw(corner, destPosition(e), orgPosition(e)) &&
             isInCircle(orgPosition(e), corner, destPosition(e), v)) {
+            // The face beyond is taken in; the edge turned is one away from v with that face's number.
+            const std::uint32_t beyond = faceOf(side(sym(e)));
             swap(e);
+            setSide(sym(e), sideOf(beyond, 0));
             e = oprev(e);
         } else if (onext(e) == startingEdge_) {
             return;

@@ -16,6 +16,7 @@
 #include <memory>
 #include <vector>
 
+#include "triangulation/faces.h"
 #include "triangulation/growing_array.h"
 #include "triangulation/nearest_index.h"
 #include "velquad/types.h"
@@ -51,6 +52,15 @@ constexpr double triArea(const tagPOINT2D& a, const tagPOINT2D& b, const tagPOIN
 /// Tells whether a, b, c turn counter-clockwise.
 constexpr bool isCcw(const tagPOINT2D& a, const tagPOINT2D& b, const tagPOINT2D& c) {
     return triArea(a, b, c) > 0.0;
+}
+
+/// Tells whether two places are the same vertex: their distance is below `kVertexTolerance`.
+constexpr bool isSameVertex(const tagPOINT2D& a, const tagPOINT2D& b) {
+    // The smallest double whose root is not below the tolerance.
+    constexpr double kToleranceSquared = 0x1.19799812dea10p-40;
+    const double dx = a.x - b.x;
+    const double dy = a.y - b.y;
+    return dx * dx + dy * dy < kToleranceSquared;
 }
 
 inline double pointDistance(const tagPOINT2D& a, const tagPOINT2D& b) {
@@ -162,38 +172,49 @@ class CDelaunay2D {
     /// an edge is at once joined to the new vertex, and flips exchange two triangles for two.
     struct CQuadEdge {
         EdgeRef next[4];
-        std::uint32_t ends[2];    ///< The slots of the edge's start and end.
-        std::uint32_t apexes[2];  ///< The slots of the third corners of the faces to its left and right.
+        std::uint32_t ends[2];  ///< The slots of the edge's start and end.
+        SideRef sides[2];       ///< The sides of the faces to its left and right that it is.
     };
     static_assert(sizeof(CQuadEdge) == 32);
 
-    /// From so many groups on they are arranged in memory.
-    static constexpr std::size_t kFirstArrangement = 3000;
+    struct Step {
+        Turn turn;
+        bool isHere;  ///< The corner is the vertex looked for.
+    };
+
+    /// From so many groups on they are arranged in memory; fewer are near enough to one another in any order.
+    static constexpr std::size_t kFirstArrangement = 40000;
 
     struct Attributes {
         double z;
         std::uint64_t id;
     };
 
-    void reserve(std::size_t edgeCount, std::size_t pointCount);
+    void reserve(std::size_t edgeCount, std::size_t pointCount, std::size_t faceCount);
     std::uint32_t appendPoint(const Point2d& point);
     EdgeRef makeEdge();
     std::uint32_t slotOfOrg(EdgeRef e) const { return groups_[e >> 2].ends[(e >> 1) & 1]; }
     void setOrg(EdgeRef e, std::uint32_t slot) { groups_[e >> 2].ends[(e >> 1) & 1] = slot; }
-    std::uint32_t apex(EdgeRef e) const { return groups_[e >> 2].apexes[(e >> 1) & 1]; }
-    void setApex(EdgeRef e, std::uint32_t slot) { groups_[e >> 2].apexes[(e >> 1) & 1] = slot; }
-    void noteApexes(EdgeRef e);
-    void noteApexesAround(EdgeRef e);
+    SideRef side(EdgeRef e) const { return groups_[e >> 2].sides[(e >> 1) & 1]; }
+    void setSide(EdgeRef e, SideRef side) { groups_[e >> 2].sides[(e >> 1) & 1] = side; }
+    EdgeRef edgeOf(SideRef side) const;
+    std::uint32_t appendFace();
+    void nameFace(std::uint32_t face, EdgeRef e);
+    void noteFace(EdgeRef e);
+    void noteFacesAround(EdgeRef e);
+    Step closerStep(SideRef side, const tagPOINT2D& p, Cell from, Cell corner, Cell to) const;
+    EdgeRef walk(SideRef side, const tagPOINT2D& p, std::uint32_t steps) const;
     void splice(EdgeRef a, EdgeRef b);
     EdgeRef connect(EdgeRef a, EdgeRef b);
     void deleteEdge(EdgeRef e);
     void swap(EdgeRef e);
     std::size_t countFaceEdges(EdgeRef e) const;
-    void joinToFace(EdgeRef e, std::uint32_t slot);
+    void joinToFace(EdgeRef e, std::uint32_t slot, const std::uint32_t* oldFaces, std::size_t oldFaceCount);
     void flipAround(EdgeRef e, const tagPOINT2D& v);
     void arrange() noexcept;
     void arrangeSlots();
     void arrangeGroups();
+    void arrangeFaces();
 
     tagMAT_RECT2D extent_;
     EdgeRef startingEdge_ = kNoEdge;
@@ -201,8 +222,11 @@ class CDelaunay2D {
     std::size_t nextArrangement_ = kFirstArrangement;
     GrowingArray<CQuadEdge> groups_;
     std::vector<EdgeRef> order_;
-    std::vector<std::uint32_t> ranks_;    ///< The place of each group in the order of the edges.
-    GrowingArray<tagPOINT2D> slots_;      ///< The positions once more, where walks read them.
+    std::vector<std::uint32_t> ranks_;  ///< The place of each group in the order of the edges.
+    CellGrid grid_;
+    GrowingArray<Face> faces_;
+    std::vector<EdgeRef> faceEdges_;      ///< The edge of each face that is the side opposite to corner 0.
+    GrowingArray<tagPOINT2D> slots_;      ///< The positions once more, those of neighbours close together.
     std::vector<std::uint32_t> numbers_;  ///< The vertex of each slot.
     std::vector<tagPOINT2D> positions_;
     std::vector<Attributes> attributes_;

@@ -1,6 +1,6 @@
-// Where edges and positions lie in memory: along a Hilbert curve over the extent, so that a walk finds those of
+// Where faces, edges and positions lie in memory: along a Hilbert curve over the extent, so that a walk finds those of
 // neighbouring triangles close together (D. Hilbert, Ueber die stetige Abbildung einer Linie auf ein
-// Flaechenstueck, 1891). New ones are appended; each time there are a fourth more, all are arranged anew.
+// Flaechenstueck, 1891). New ones are appended; each time there are half as many more, all are arranged anew.
 // Nothing that callers see depends on it.
 #include <algorithm>
 #include <new>
@@ -13,9 +13,9 @@ namespace {
 
 /// The curve runs through 2^16 by 2^16 cells.
 constexpr std::uint32_t kLastCell = 0xFFFF;
-/// One part in so many of the groups has to be new before all are arranged anew. Walks find those that were added all
-/// over the array, so letting more of them come costs more than arranging does.
-constexpr std::size_t kNewShare = 4;
+/// For each so many groups one more has to come before all are arranged anew. Walks find those that came all over the
+/// array, so that letting more of them come costs more than arranging does.
+constexpr std::size_t kNewShare = 2;
 
 /// The cell of a coordinate; those beyond the extent share its outermost cells.
 std::uint32_t cellOf(double coordinate, double low, double high) {
@@ -59,6 +59,20 @@ std::vector<std::uint32_t> sortedByPlace(std::size_t count, const PlaceOf& place
     return numbers;
 }
 
+/// Where each number is to stand in the order of slots that belong to them, by counting.
+template <class SlotOf>
+std::vector<std::uint32_t> placesBySlot(std::size_t count, std::size_t slotCount, const SlotOf& slotOf) {
+    std::vector<std::uint32_t> nextPlaces(slotCount + 1, 0);
+    for (std::size_t i = 0; i < count; ++i)
+        ++nextPlaces[slotOf(i) + 1];
+    for (std::size_t slot = 1; slot < nextPlaces.size(); ++slot)
+        nextPlaces[slot] += nextPlaces[slot - 1];
+    std::vector<std::uint32_t> places(count);
+    for (std::size_t i = 0; i < count; ++i)
+        places[i] = nextPlaces[slotOf(i)]++;
+    return places;
+}
+
 /// Where each number stands in an order.
 std::vector<std::uint32_t> inverseOf(const std::vector<std::uint32_t>& order) {
     std::vector<std::uint32_t> places(order.size());
@@ -69,12 +83,13 @@ std::vector<std::uint32_t> inverseOf(const std::vector<std::uint32_t>& order) {
 
 }  // namespace
 
-/// Arranges slots and groups along the curve. Without the memory for that they stay as they are.
+/// Arranges slots, groups and faces along the curve. Without the memory for that they stay as they are.
 void CDelaunay2D::arrange() noexcept {
     nextArrangement_ = groups_.size() + groups_.size() / kNewShare;
     try {
         arrangeSlots();
         arrangeGroups();
+        arrangeFaces();
     } catch (const std::bad_alloc&) {
         return;
     }
@@ -98,27 +113,18 @@ void CDelaunay2D::arrangeSlots() {
     for (std::size_t group = 0; group < groups_.size(); ++group) {
         for (std::uint32_t& end : groups_[group].ends)
             end = newSlots[end];
-        for (std::uint32_t& apex : groups_[group].apexes)
-            apex = newSlots[apex];
     }
     slots_ = std::move(slots);
     numbers_ = std::move(numbers);
 }
 
-/// Brings the groups into the order of their smaller slots, by counting.
+/// Brings the groups into the order of their smaller slots.
 void CDelaunay2D::arrangeGroups() {
-    const auto smallerSlot = [this](std::size_t group) {
-        const std::uint32_t* ends = groups_[group].ends;
-        return ends[0] < ends[1] ? ends[0] : ends[1];
-    };
-    std::vector<std::uint32_t> nextPlaces(slots_.size() + 1, 0);
-    for (std::size_t group = 0; group < groups_.size(); ++group)
-        ++nextPlaces[smallerSlot(group) + 1];
-    for (std::size_t slot = 1; slot < nextPlaces.size(); ++slot)
-        nextPlaces[slot] += nextPlaces[slot - 1];
-    std::vector<std::uint32_t> newGroups(groups_.size());
-    for (std::size_t group = 0; group < groups_.size(); ++group)
-        newGroups[group] = nextPlaces[smallerSlot(group)]++;
+    const std::vector<std::uint32_t> newGroups =
+        placesBySlot(groups_.size(), slots_.size(), [this](std::size_t group) {
+            const std::uint32_t* ends = groups_[group].ends;
+            return std::min(ends[0], ends[1]);
+        });
     const std::vector<std::uint32_t> oldGroups = inverseOf(newGroups);
     const auto renumbered = [&newGroups](EdgeRef e) { return newGroups[e >> 2] * 4 + (e & 3); };
     GrowingArray<CQuadEdge> groups;
@@ -136,7 +142,37 @@ void CDelaunay2D::arrangeGroups() {
     ranks_ = std::move(ranks);
     for (EdgeRef& e : order_)
         if (e != kNoEdge) e = renumbered(e);
+    for (EdgeRef& e : faceEdges_)
+        e = renumbered(e);
     startingEdge_ = renumbered(startingEdge_);
+}
+
+/// Brings the faces into the order of their smallest slots.
+void CDelaunay2D::arrangeFaces() {
+    const std::vector<std::uint32_t> newFaces =
+        placesBySlot(faces_.size(), slots_.size(), [this](std::size_t face) {
+            const EdgeRef e = faceEdges_[face];
+            return std::min({slotOfOrg(e), slotOfOrg(sym(e)), slotOfOrg(sym(onext(e)))});
+        });
+    const auto renumbered = [&newFaces](SideRef side) {
+        return sideOf(newFaces[faceOf(side)], cornerOf(side));
+    };
+    GrowingArray<Face> faces;
+    faces.reserveMore(faces_.size() + faces_.size() / 2);
+    std::vector<EdgeRef> faceEdges;
+    faceEdges.reserve(faces_.size() + faces_.size() / 2);
+    for (const std::uint32_t old : inverseOf(newFaces)) {
+        Face face = faces_[old];
+        for (std::uint32_t corner = 0; corner < 3; ++corner)
+            face.setBeyond(corner, renumbered(face.beyond(corner)));
+        faces.append(face);
+        faceEdges.push_back(faceEdges_[old]);
+    }
+    faces_ = std::move(faces);
+    faceEdges_ = std::move(faceEdges);
+    for (std::size_t group = 0; group < groups_.size(); ++group)
+        for (SideRef& side : groups_[group].sides)
+            side = renumbered(side);
 }
 
 }  // namespace velquad::triangulation

@@ -109,6 +109,35 @@ class DelaunayPair {
         return result;
     }
 
+    /// Extends by a point that is apart from all others and within the extent; the plain version need not look for the
+    /// nearest one.
+    void extendApart(const tagPOINT3D& point) {
+        delaunay::Point added;
+        added.x = point.x;
+        added.y = point.y;
+        added.z = point.z;
+        EXPECT_EQ(matExtentDelaunay2D(&handle_, &point, delaunay::kDoubleMax), 1);
+        EXPECT_TRUE(reference_->insertSite(added));
+    }
+
+    /// Compares where walks to a place end.
+    void locate(const tagPOINT2D& place) const {
+        const triangulation::EdgeRef found = subject().locate(place);
+        // A walk of more steps than there are directed edges has come back to one, and never ends.
+        delaunay::Point target;
+        target.x = place.x;
+        target.y = place.y;
+        delaunay::Edge* expected = reference_->locate(target, 2 * reference_->edges.size() + 2);
+        ASSERT_EQ(found == triangulation::kNoEdge, expected == nullptr);
+        if (expected == nullptr) return;
+        const auto expectSamePlace = [](const tagPOINT2D& p, const delaunay::Point& q) {
+            EXPECT_EQ(bitsOf(p.x), bitsOf(q.x));
+            EXPECT_EQ(bitsOf(p.y), bitsOf(q.y));
+        };
+        expectSamePlace(subject().orgPosition(found), *expected->data);
+        expectSamePlace(subject().destPosition(found), *expected->sym()->data);
+    }
+
     int reduce(const tagPOINT3D& point, double tolerance) {
         const int result = matReduceDelaunay2D(&handle_, &point, tolerance);
         EXPECT_EQ(result, delaunay::Triangulation::reduce(reference_, point, tolerance));

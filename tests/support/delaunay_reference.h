@@ -145,10 +145,10 @@ class Triangulation {
                  p.y > extent.bottom + 1e-7);
     }
 
-    Edge* locate(const Point& p) const {
+    Edge* locate(const Point& p, std::size_t mostSteps = 0x1000000) const {
         if (!isInSuperTriangle(p)) return nullptr;
         Edge* e = startingEdge;
-        for (int steps = 1;; ++steps) {
+        for (std::size_t steps = 1;; ++steps) {
             if (distance(p, *e->org()) < 1e-6 || distance(p, *e->dest()) < 1e-6) return e;
             if (rightOf(p, e)) {
                 e = e->sym();
@@ -159,7 +159,7 @@ class Triangulation {
             } else {
                 return e;
             }
-            if (steps == 0x1000000) return nullptr;
+            if (steps == mostSteps) return nullptr;
         }
     }
 

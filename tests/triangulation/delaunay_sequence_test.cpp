@@ -250,12 +250,13 @@ TEST(DelaunayEnumeration, OfTrianglesNextToNothingAgreesWithThePlainVersion) {
 }
 
 TEST(DelaunayArrangement, DoesNotShow) {
-    // Enough points for the edges to be arranged in memory several times.
+    // Enough points for everything to be arranged in memory twice.
     Random random(7);
-    DelaunayPair pair(nullptr);
-    for (unsigned i = 0; i < 6000; ++i) {
+    const tagMAT_RECT2D extent{0, 0, 100, 100};
+    DelaunayPair pair(&extent);
+    for (unsigned i = 0; i < 21000; ++i) {
         const double x = random.real(0, 100);
-        pair.extend({x, random.real(0, 100), 1.0});
+        pair.extendApart({x, random.real(0, 100), 1.0});
     }
     pair.expectSame();
     for (int i = 0; i < 200; ++i) {
@@ -265,5 +266,58 @@ TEST(DelaunayArrangement, DoesNotShow) {
     pair.enumerate({20, 20, 50, 60}, 0, 100000);
     pair.enumerate({20, 20, 50, 60}, 2, 100000);
 }
+
+/// Asks for places on the line through every edge and beside it, by less and by more than what is told apart at once.
+void locateBesideLines(const DelaunayPair& pair) {
+    const CDelaunay2D& t = pair.subject();
+    const double size = t.extent().right - t.extent().left;
+    t.forEachEdge([&](EdgeRef e) {
+        const tagPOINT2D from = t.orgPosition(e);
+        const tagPOINT2D to = t.destPosition(e);
+        for (const double along : {-3.0, -0.7, 0.0, 0.3, 0.5, 1.0, 1.9, 4.0}) {
+            for (const double beside : {0.0, 1e-17, 1e-13, 1e-9, 2e-8, 6e-8, 2e-7, 1e-6, 1e-5}) {
+                for (const double offset : {beside * size, -beside * size}) {
+                    pair.locate({from.x + along * (to.x - from.x) - offset * (to.y > from.y ? 1 : -1),
+                                 from.y + along * (to.y - from.y) + offset * (to.x > from.x ? 1 : -1)});
+                }
+            }
+        }
+    });
+}
+
+struct Scale {
+    const char* name;
+    tagPOINT2D origin;
+    double width;
+    double height;
+};
+
+class DelaunayWalk : public testing::TestWithParam<Scale> {};
+
+TEST_P(DelaunayWalk, EndsWhereThePlainVersionEnds) {
+    Random random(3);
+    const Scale& scale = GetParam();
+    const tagMAT_RECT2D extent{scale.origin.x, scale.origin.y, scale.origin.x + scale.width,
+                               scale.origin.y + scale.height};
+    DelaunayPair pair(&extent);
+    for (int round = 0; round < 6; ++round) {
+        for (int i = 0; i < 12; ++i) {
+            const double x = random.real(extent.left, extent.right);
+            pair.extend({x, random.real(extent.top, extent.bottom), 1.0}, 0.0);
+        }
+        locateBesideLines(pair);
+        if (testing::Test::HasFailure()) return;
+    }
+    pair.expectSame();
+}
+
+// With the smallest extents and the largest all turns are those of the positions.
+INSTANTIATE_TEST_SUITE_P(
+    All, DelaunayWalk,
+    testing::Values(Scale{"plain", {0, 0}, 100, 100}, Scale{"wide", {-3, 7}, 5000, 2},
+                    Scale{"small", {0, 0}, 0.02, 0.5}, Scale{"smallest", {1, 1}, 1e-3, 1e-3},
+                    Scale{"farAway", {1e9, -3e8}, 10, 10}, Scale{"large", {-1e12, 0}, 1e13, 1e12},
+                    Scale{"largest", {0, 0}, 1e130, 1e125}, Scale{"flat", {0, 0}, 1000, 3e-7}),
+    [](const auto& instance) { return instance.param.name; });
 
 }  // namespace
