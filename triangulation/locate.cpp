@@ -2,6 +2,9 @@
 // side; which of two such sides is taken decides where the walk ends. Three sides are tried in their order, in doubles;
 // here the cells of the corners are compared first, and only where these leave it open are positions (staged precision:
 // J. R. Shewchuk, Adaptive precision floating-point arithmetic and fast robust geometric predicates, 1997).
+#include <cstddef>
+#include <cstdint>
+
 #include "triangulation/delaunay.h"
 
 namespace velquad::triangulation {
@@ -9,6 +12,9 @@ namespace {
 
 /// A walk gives up after so many steps.
 constexpr std::uint32_t kMostSteps = 0x1000000;
+
+/// With so many faces, few of a walk's are found in the caches next to the processor.
+constexpr std::size_t kManyFaces = 300000;
 
 /// Tells whether p lies to the right of the line from `from` to `to`.
 bool isRightOf(const tagPOINT2D& p, const tagPOINT2D& from, const tagPOINT2D& to) {
@@ -53,18 +59,28 @@ EdgeRef CDelaunay2D::walk(SideRef side, const tagPOINT2D& p, std::uint32_t steps
     const std::int64_t sure = grid_.sureTurn();
     Cell from = faces_[faceOf(side)].cell(cornerAfter(cornerOf(side))) - here;
     Cell to = faces_[faceOf(side)].cell(cornerBefore(cornerOf(side))) - here;
+    const bool areMany = faces_.size() >= kManyFaces;
     // From here on p is never to the right of a side: one is stepped to because p is not to the right of it.
     // Rounding can send a walk in circles; a side that comes back says so.
     SideRef landmark = side;
     std::uint32_t nextLandmark = 64;
     for (;;) {
-        // What lies beyond both sides is fetched before it is known which one is wanted: nothing else takes as long
-        // as waiting for memory. (GCC drops calls of a function that does nothing but fetch.)
+        // What lies beyond both sides is fetched before it is known which one is wanted, and for many faces what lies
+        // beyond that as well: nothing else takes as long as waiting for memory. (GCC drops calls of a function that
+        // does nothing but fetch.)
         const Face& face = faces_[faceOf(side)];
         const SideRef left = face.beyond(cornerBefore(cornerOf(side)));
         const SideRef right = face.beyond(cornerAfter(cornerOf(side)));
         __builtin_prefetch(&faces_[faceOf(left)]);
         __builtin_prefetch(&faces_[faceOf(right)]);
+        if (areMany) {
+            const Face& atLeft = faces_[faceOf(left)];
+            const Face& atRight = faces_[faceOf(right)];
+            __builtin_prefetch(&faces_[faceOf(atLeft.beyond(cornerBefore(cornerOf(left))))]);
+            __builtin_prefetch(&faces_[faceOf(atLeft.beyond(cornerAfter(cornerOf(left))))]);
+            __builtin_prefetch(&faces_[faceOf(atRight.beyond(cornerBefore(cornerOf(right))))]);
+            __builtin_prefetch(&faces_[faceOf(atRight.beyond(cornerAfter(cornerOf(right))))]);
+        }
         const Cell corner = face.cell(cornerOf(side)) - here;
         Step step{turnAt(from, corner, to, sure, sure), false};
         if (step.turn == Turn::kUnsure) [[unlikely]]
