@@ -275,13 +275,18 @@ void CDelaunay2D::nameFace(std::uint32_t face, EdgeRef e) {
     }
 }
 
+/// The way out of the face to the left of `e` at that side.
+Way CDelaunay2D::wayBeyond(EdgeRef e) const {
+    return {side(sym(e)), grid_.cellOf(destPosition(oprev(e)))};
+}
+
 /// Notes what the face to the left of `e` is, with `e` as its side opposite to corner 0.
 void CDelaunay2D::noteFace(EdgeRef e) {
-    const EdgeRef second = lnext(e);
-    const EdgeRef third = lnext(second);
-    faces_[faceOf(side(e))] = Face(
-        {side(sym(e)), side(sym(second)), side(sym(third))},
-        {grid_.cellOf(orgPosition(third)), grid_.cellOf(orgPosition(e)), grid_.cellOf(orgPosition(second))});
+    Face& face = faces_[faceOf(side(e))];
+    for (std::uint32_t corner = 0; corner < 3; ++corner) {
+        face.setWay(corner, wayBeyond(e));
+        e = lnext(e);
+    }
 }
 
 /// Names and notes the faces around the start of `e`, and with their neighbours the way back. After an insertion these
@@ -299,16 +304,25 @@ void CDelaunay2D::noteFacesAround(EdgeRef e) {
         next = onext(e);
     } while (e != first);
     const Cell center = grid_.cellOf(orgPosition(e));
+    Cell before = grid_.cellOf(destPosition(oprev(e)));
     Cell from = grid_.cellOf(destPosition(e));
+    next = onext(e);
+    Cell to = grid_.cellOf(destPosition(next));
     do {
-        next = onext(e);
-        const Cell to = grid_.cellOf(destPosition(next));
-        const SideRef outward = side(lnext(e));
-        const SideRef outside = side(sym(lnext(e)));
-        faces_[faceOf(outward)] = Face({outside, side(next), side(sym(e))}, {center, from, to});
-        faces_[faceOf(outside)].setBeyond(cornerOf(outside), outward);
+        const EdgeRef afterNext = onext(next);
+        const Cell behind = grid_.cellOf(destPosition(afterNext));
+        const EdgeRef outward = lnext(e);
+        const SideRef outside = side(sym(outward));
+        Face& face = faces_[faceOf(side(e))];
+        face.setWay(0, wayBeyond(outward));
+        face.setWay(1, {side(next), behind});
+        face.setWay(2, {side(sym(e)), before});
+        faces_[faceOf(outside)].setWay(cornerOf(outside), {side(outward), center});
+        before = from;
         from = to;
+        to = behind;
         e = next;
+        next = afterNext;
     } while (e != first);
 }
 

@@ -200,6 +200,7 @@ class CDelaunay2D {
     EdgeRef edgeOf(SideRef side) const;
     std::uint32_t appendFace();
     void nameFace(std::uint32_t face, EdgeRef e);
+    Way wayBeyond(EdgeRef e) const;
     void noteFace(EdgeRef e);
     void noteFacesAround(EdgeRef e);
     Step closerStep(SideRef side, const tagPOINT2D& p, Cell from, Cell corner, Cell to) const;

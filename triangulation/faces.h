@@ -1,10 +1,9 @@
-// The faces of a subdivision as a walk reads them: half a cache line a triangle, with its three neighbours and its
-// corners on a grid of 2^24 by 2^24 cells. The cells of three positions nearly always tell which way these turn; where
-// they do not, the positions themselves are to be asked.
+// The faces of a subdivision as a walk reads them: half a cache line a triangle, with the ways to its three neighbours
+// and the corners there on a grid of 2^24 by 2^24 cells. The cells of three positions nearly always tell which way these
+// turn; where they do not, the positions themselves are to be asked.
 #ifndef VELQUAD_TRIANGULATION_FACES_H
 #define VELQUAD_TRIANGULATION_FACES_H
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -100,36 +99,46 @@ constexpr Turn turnAt(const Cell& from, const Cell& corner, const Cell& to, std:
     return right < sureRight ? Turn::kUnsure : Turn::kNone;
 }
 
+/// The way out of a face at one of its sides: the neighbour's side that lies there, and the corner opposite to that.
+struct Way {
+    SideRef side;
+    Cell corner;
+};
+
+/// The ways out of a face, one for each of its corners, opposite to it. Since they tell the neighbours' corners, it is
+/// known where to go from a neighbour while that is still being read.
 class Face {
   public:
-    Face() = default;
-    /// @param beyond  the sides of the neighbours that lie at this one's.
-    Face(const std::array<SideRef, 3>& beyond, const std::array<Cell, 3>& cells) {
-        for (std::uint32_t corner = 0; corner < 3; ++corner) {
-            beyond_[corner] = beyond[corner];
-            const std::uint64_t word = static_cast<std::uint64_t>(cells[corner].x) |
-                                       static_cast<std::uint64_t>(cells[corner].y) << CellGrid::kBits;
-            std::memcpy(cells_ + kCellBytes * corner, &word, sizeof word);
-        }
+    SideRef beyond(std::uint32_t corner) const {
+        SideRef side;
+        std::memcpy(&side, ways_ + kWayBytes * corner, sizeof side);
+        return side;
+    }
+    void setBeyond(std::uint32_t corner, SideRef side) {
+        std::memcpy(ways_ + kWayBytes * corner, &side, sizeof side);
     }
 
-    SideRef beyond(std::uint32_t corner) const { return beyond_[corner]; }
-    void setBeyond(std::uint32_t corner, SideRef side) { beyond_[corner] = side; }
-
-    Cell cell(std::uint32_t corner) const {
+    Way way(std::uint32_t corner) const {
         std::uint64_t word;
-        std::memcpy(&word, cells_ + kCellBytes * corner, sizeof word);
+        std::memcpy(&word, ways_ + kWayBytes * corner + sizeof(SideRef), sizeof word);
         constexpr std::uint64_t kCoordinate = (std::uint64_t{1} << CellGrid::kBits) - 1;
-        return {static_cast<std::int64_t>(word & kCoordinate),
-                static_cast<std::int64_t>(word >> CellGrid::kBits & kCoordinate)};
+        return {beyond(corner),
+                {static_cast<std::int64_t>(word & kCoordinate),
+                 static_cast<std::int64_t>(word >> CellGrid::kBits & kCoordinate)}};
+    }
+    void setWay(std::uint32_t corner, const Way& way) {
+        const std::uint64_t word = static_cast<std::uint64_t>(way.corner.x) |
+                                   static_cast<std::uint64_t>(way.corner.y) << CellGrid::kBits;
+        setBeyond(corner, way.side);
+        std::memcpy(ways_ + kWayBytes * corner + sizeof(SideRef), &word, kCellBytes);
     }
 
   private:
     static constexpr std::size_t kCellBytes = 2 * CellGrid::kBits / 8;
+    static constexpr std::size_t kWayBytes = sizeof(SideRef) + kCellBytes;
 
-    SideRef beyond_[3];
-    /// Three words of 64 bits, each with a cell in its lower 48 bits and the next word over the rest.
-    unsigned char cells_[2 * kCellBytes + sizeof(std::uint64_t)];
+    /// Cells are read as words of 64 bits, of which they are the lower 48.
+    unsigned char ways_[2 * kWayBytes + sizeof(SideRef) + sizeof(std::uint64_t)] = {};
 };
 static_assert(sizeof(Face) == 32);
 

@@ -57,8 +57,10 @@ CDelaunay2D::Step CDelaunay2D::closerStep(SideRef side, const tagPOINT2D& p, Cel
 EdgeRef CDelaunay2D::walk(SideRef side, const tagPOINT2D& p, std::uint32_t steps) const {
     const Cell here = grid_.cellOf(p);
     const std::int64_t sure = grid_.sureTurn();
-    Cell from = faces_[faceOf(side)].cell(cornerAfter(cornerOf(side))) - here;
-    Cell to = faces_[faceOf(side)].cell(cornerBefore(cornerOf(side))) - here;
+    const EdgeRef start = edgeOf(side);
+    Cell from = grid_.cellOf(orgPosition(start)) - here;
+    Cell to = grid_.cellOf(destPosition(start)) - here;
+    Cell corner = grid_.cellOf(destPosition(onext(start))) - here;
     const bool areMany = faces_.size() >= kManyFaces;
     // From here on p is never to the right of a side: one is stepped to because p is not to the right of it.
     // Rounding can send a walk in circles; a side that comes back says so.
@@ -69,28 +71,29 @@ EdgeRef CDelaunay2D::walk(SideRef side, const tagPOINT2D& p, std::uint32_t steps
         // beyond that as well: nothing else takes as long as waiting for memory. (GCC drops calls of a function that
         // does nothing but fetch.)
         const Face& face = faces_[faceOf(side)];
-        const SideRef left = face.beyond(cornerBefore(cornerOf(side)));
-        const SideRef right = face.beyond(cornerAfter(cornerOf(side)));
-        __builtin_prefetch(&faces_[faceOf(left)]);
-        __builtin_prefetch(&faces_[faceOf(right)]);
+        const Way left = face.way(cornerBefore(cornerOf(side)));
+        const Way right = face.way(cornerAfter(cornerOf(side)));
+        __builtin_prefetch(&faces_[faceOf(left.side)]);
+        __builtin_prefetch(&faces_[faceOf(right.side)]);
         if (areMany) {
-            const Face& atLeft = faces_[faceOf(left)];
-            const Face& atRight = faces_[faceOf(right)];
-            __builtin_prefetch(&faces_[faceOf(atLeft.beyond(cornerBefore(cornerOf(left))))]);
-            __builtin_prefetch(&faces_[faceOf(atLeft.beyond(cornerAfter(cornerOf(left))))]);
-            __builtin_prefetch(&faces_[faceOf(atRight.beyond(cornerBefore(cornerOf(right))))]);
-            __builtin_prefetch(&faces_[faceOf(atRight.beyond(cornerAfter(cornerOf(right))))]);
+            const Face& atLeft = faces_[faceOf(left.side)];
+            const Face& atRight = faces_[faceOf(right.side)];
+            __builtin_prefetch(&faces_[faceOf(atLeft.beyond(cornerBefore(cornerOf(left.side))))]);
+            __builtin_prefetch(&faces_[faceOf(atLeft.beyond(cornerAfter(cornerOf(left.side))))]);
+            __builtin_prefetch(&faces_[faceOf(atRight.beyond(cornerBefore(cornerOf(right.side))))]);
+            __builtin_prefetch(&faces_[faceOf(atRight.beyond(cornerAfter(cornerOf(right.side))))]);
         }
-        const Cell corner = face.cell(cornerOf(side)) - here;
         Step step{turnAt(from, corner, to, sure, sure), false};
         if (step.turn == Turn::kUnsure) [[unlikely]]
             step = closerStep(side, p, from, corner, to);
         if (step.turn == Turn::kLeft) {
-            side = left;
             to = corner;
+            corner = left.corner - here;
+            side = left.side;
         } else if (step.turn == Turn::kRight) {
-            side = right;
             from = corner;
+            corner = right.corner - here;
+            side = right.side;
         } else {
             return edgeOf(side);
         }

@@ -37,23 +37,22 @@ TEST(Face, NumbersItsCornersAround) {
     EXPECT_EQ(cornerOf(0xFFFFFFFE), 2U);
 }
 
-TEST(Face, KeepsNeighboursAndCells) {
-    Face face({sideOf(7, 1), sideOf(0x3FFFFFFF, 2), sideOf(0, 0)},
-              {Cell{kLastCell, 0}, Cell{0, kLastCell}, Cell{0x123456, 0x789ABC}});
-    EXPECT_EQ(face.beyond(0), 29U);
-    EXPECT_EQ(face.beyond(1), 0xFFFFFFFEU);
-    EXPECT_EQ(face.beyond(2), 0U);
-    EXPECT_EQ(face.cell(0).x, kLastCell);
-    EXPECT_EQ(face.cell(0).y, 0);
-    EXPECT_EQ(face.cell(1).x, 0);
-    EXPECT_EQ(face.cell(1).y, kLastCell);
-    EXPECT_EQ(face.cell(2).x, 0x123456);
-    EXPECT_EQ(face.cell(2).y, 0x789ABC);
-    face.setBeyond(1, 5);
-    EXPECT_EQ(face.beyond(0), 29U);
-    EXPECT_EQ(face.beyond(1), 5U);
-    EXPECT_EQ(face.beyond(2), 0U);
-    EXPECT_EQ(face.cell(0).x, kLastCell);
+TEST(Face, KeepsItsWays) {
+    Face face;
+    face.setWay(2, {sideOf(0, 0), {0x123456, 0x789ABC}});
+    face.setWay(0, {sideOf(7, 1), {kLastCell, 0}});
+    face.setWay(1, {sideOf(0x3FFFFFFF, 2), {0, kLastCell}});
+    face.setBeyond(2, 5);
+    EXPECT_EQ(face.way(0).side, 29U);
+    EXPECT_EQ(face.way(0).corner.x, kLastCell);
+    EXPECT_EQ(face.way(0).corner.y, 0);
+    EXPECT_EQ(face.way(1).side, 0xFFFFFFFEU);
+    EXPECT_EQ(face.way(1).corner.x, 0);
+    EXPECT_EQ(face.way(1).corner.y, kLastCell);
+    EXPECT_EQ(face.way(2).side, 5U);
+    EXPECT_EQ(face.beyond(2), 5U);
+    EXPECT_EQ(face.way(2).corner.x, 0x123456);
+    EXPECT_EQ(face.way(2).corner.y, 0x789ABC);
 }
 
 TEST(CellGrid, SpreadsItsBoxOverTheCells) {
