@@ -56,8 +56,7 @@ class CellGrid {
     explicit CellGrid(const tagMAT_RECT2D& box);
 
     Cell cellOf(const tagPOINT2D& p) const {
-        return {static_cast<std::int64_t>((p.x - left_) * scaleX_),
-                static_cast<std::int64_t>((p.y - top_) * scaleY_)};
+        return {wholeOf((p.x - left_) * scaleX_), wholeOf((p.y - top_) * scaleY_)};
     }
 
     /// A turn, seen from the cell of a point p, from one cell to another is that of the positions when it is as far
@@ -69,6 +68,9 @@ class CellGrid {
     bool mayBeSameVertex(const Cell& cell) const;
 
   private:
+    /// The whole part; 0 for a not-a-number, which helpers at infinite places have on a grid that tells nothing.
+    static std::int64_t wholeOf(double value) { return value > 0.0 ? static_cast<std::int64_t>(value) : 0; }
+
     double left_ = 0.0;
     double top_ = 0.0;
     double scaleX_ = 0.0;

@@ -92,7 +92,11 @@ TEST(CellGrid, TellsNothingOfBoxesBeyondItsBounds) {
           tagMAT_RECT2D{0, 0, 1, kInfinity}, tagMAT_RECT2D{0, 0, -1, 1}}) {
         const CellGrid grid(box);
         EXPECT_EQ(grid.sureTurn(), kNever) << box.right << ' ' << box.bottom;
-        EXPECT_EQ(grid.cellOf({box.left, box.top}).x, grid.cellOf({1e100, 0}).x);
+        for (const tagPOINT2D& place : {tagPOINT2D{box.left, box.top}, tagPOINT2D{1e100, -1e100},
+                                        tagPOINT2D{kInfinity, -kInfinity}, tagPOINT2D{kNan, kNan}}) {
+            EXPECT_EQ(grid.cellOf(place).x, 0);
+            EXPECT_EQ(grid.cellOf(place).y, 0);
+        }
         EXPECT_TRUE(grid.mayBeSameVertex({0, 0}));
     }
     EXPECT_LT(CellGrid({0, 0, 2.561e-4, 1}).sureTurn(), kNever);
