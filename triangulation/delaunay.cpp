@@ -1,7 +1,6 @@
 // The subdivision: its operators, and the insertion of a point.
 #include "triangulation/delaunay.h"
 
-#include <initializer_list>
 #include <stdexcept>
 #include <utility>
 
@@ -22,17 +21,6 @@ bool isInCircle(const tagPOINT2D& a, const tagPOINT2D& b, const tagPOINT2D& c, c
            0.0;
 }
 
-tagMAT_RECT2D boxOf(std::initializer_list<tagPOINT2D> points) {
-    tagMAT_RECT2D box{points.begin()->x, points.begin()->y, points.begin()->x, points.begin()->y};
-    for (const tagPOINT2D& p : points) {
-        if (p.x < box.left) box.left = p.x;
-        if (p.x > box.right) box.right = p.x;
-        if (p.y < box.top) box.top = p.y;
-        if (p.y > box.bottom) box.bottom = p.y;
-    }
-    return box;
-}
-
 bool isEmptyExtent(const tagMAT_RECT2D* extent) {
     return extent == nullptr || extent->left == kNoValue;
 }
@@ -46,7 +34,7 @@ CDelaunay2D::CDelaunay2D(const tagMAT_RECT2D* extent)
 
 void CDelaunay2D::init(const tagMAT_RECT2D& extent) {
     if (isEmptyExtent(&extent)) return;
-    reserve(3, kHelperCount, 2);
+    reserve(3, kHelperCount);
     extent_ = extent;
     index_ = NearestIndex(extent);
     const double width = extent.right - extent.left;
@@ -68,11 +56,11 @@ void CDelaunay2D::init(const tagMAT_RECT2D& extent) {
     setOrg(sym(ca), a);
     splice(sym(bc), ca);
     splice(sym(ca), ab);
-    grid_ = CellGrid(boxOf({positions_[a], positions_[b], positions_[c]}));
-    nameFace(appendFace(), ab);
-    nameFace(appendFace(), sym(ab));
-    noteFace(ab);
-    noteFace(sym(ab));
+    grid_ = CellGrid({positions_[a].x, top, positions_[b].x, positions_[c].y});
+    // The triangle and what lies outside of it are the faces around each of its corners.
+    keepNumber(ab, appendFace());
+    keepNumber(sym(ca), appendFace());
+    noteFacesAround(ab);
     startingEdge_ = ab;
 }
 
@@ -137,7 +125,7 @@ bool CDelaunay2D::insertSite(const Point2d& site) {
     const std::uint32_t oldFaces[2] = {faceOf(side(e)), faceOf(side(sym(e)))};
     // All that can fail comes before the first change.
     const std::size_t newEdges = countFaceEdges(e) + (splitsEdge ? countFaceEdges(sym(e)) : 0);
-    reserve(newEdges, 1, newEdges);
+    reserve(newEdges, 1);
     index_.prepare(v.x, v.y);
     if (splitsEdge) {
         e = oprev(e);
@@ -150,14 +138,14 @@ bool CDelaunay2D::insertSite(const Point2d& site) {
     return true;
 }
 
-/// Makes room for edges, points and faces.
-void CDelaunay2D::reserve(std::size_t edgeCount, std::size_t pointCount, std::size_t faceCount) {
+/// Makes room for edges and points, and for a face with each edge.
+void CDelaunay2D::reserve(std::size_t edgeCount, std::size_t pointCount) {
     if (groups_.size() + edgeCount > kMostGroups) throw std::length_error("too many edges");
     groups_.reserveMore(edgeCount);
     reserveMore(order_, edgeCount);
     reserveMore(ranks_, edgeCount);
-    faces_.reserveMore(faceCount);
-    reserveMore(faceEdges_, faceCount);
+    faces_.reserveMore(edgeCount);
+    reserveMore(faceEdges_, edgeCount);
     slots_.reserveMore(pointCount);
     reserveMore(numbers_, pointCount);
     reserveMore(positions_, pointCount);
@@ -233,19 +221,16 @@ std::size_t CDelaunay2D::countFaceEdges(EdgeRef e) const {
 /// @param oldFaces  the numbers of the faces that this one is made of; they are given to new ones.
 void CDelaunay2D::joinToFace(EdgeRef e, std::uint32_t slot, const std::uint32_t* oldFaces,
                              std::size_t oldFaceCount) {
-    // Until the new faces are noted, an edge away from the new vertex keeps the number of the face to its left.
-    auto keepNumber = [&, rest = oldFaceCount](EdgeRef spoke) mutable {
-        setSide(spoke, sideOf(rest != 0 ? oldFaces[--rest] : appendFace(), 0));
-    };
+    const auto nextFace = [&] { return oldFaceCount != 0 ? oldFaces[--oldFaceCount] : appendFace(); };
     EdgeRef base = makeEdge();
     setOrg(base, slotOfOrg(e));
     setOrg(sym(base), slot);
     splice(base, e);
     startingEdge_ = base;
-    keepNumber(sym(base));
+    keepNumber(sym(base), nextFace());
     do {
         base = connect(e, sym(base));
-        keepNumber(sym(base));
+        keepNumber(sym(base), nextFace());
         e = oprev(base);
     } while (lnext(e) != startingEdge_);
     flipAround(e, slots_[slot]);
@@ -266,27 +251,14 @@ std::uint32_t CDelaunay2D::appendFace() {
     return static_cast<std::uint32_t>(faces_.size() - 1);
 }
 
-/// Makes the triangle to the left of `e` a face, whose side opposite to corner 0 is `e`.
-void CDelaunay2D::nameFace(std::uint32_t face, EdgeRef e) {
-    faceEdges_[face] = e;
-    for (std::uint32_t corner = 0; corner < 3; ++corner) {
-        setSide(e, sideOf(face, corner));
-        e = lnext(e);
-    }
+/// Lets an edge keep the number of the face to its left until the faces around its start are noted.
+void CDelaunay2D::keepNumber(EdgeRef e, std::uint32_t face) {
+    setSide(e, sideOf(face, 0));
 }
 
 /// The way out of the face to the left of `e` at that side.
 Way CDelaunay2D::wayBeyond(EdgeRef e) const {
     return {side(sym(e)), grid_.cellOf(destPosition(oprev(e)))};
-}
-
-/// Notes what the face to the left of `e` is, with `e` as its side opposite to corner 0.
-void CDelaunay2D::noteFace(EdgeRef e) {
-    Face& face = faces_[faceOf(side(e))];
-    for (std::uint32_t corner = 0; corner < 3; ++corner) {
-        face.setWay(corner, wayBeyond(e));
-        e = lnext(e);
-    }
 }
 
 /// Names and notes the faces around the start of `e`, and with their neighbours the way back. After an insertion these
@@ -338,7 +310,7 @@ void CDelaunay2D::flipAround(EdgeRef e, const tagPOINT2D& v) {
             // The face beyond is taken in; the edge turned is one away from v with that face's number.
             const std::uint32_t beyond = faceOf(side(sym(e)));
             swap(e);
-            setSide(sym(e), sideOf(beyond, 0));
+            keepNumber(sym(e), beyond);
             e = oprev(e);
         } else if (onext(e) == startingEdge_) {
             return;

@@ -190,7 +190,7 @@ class CDelaunay2D {
         std::uint64_t id;
     };
 
-    void reserve(std::size_t edgeCount, std::size_t pointCount, std::size_t faceCount);
+    void reserve(std::size_t edgeCount, std::size_t pointCount);
     std::uint32_t appendPoint(const Point2d& point);
     EdgeRef makeEdge();
     std::uint32_t slotOfOrg(EdgeRef e) const { return groups_[e >> 2].ends[(e >> 1) & 1]; }
@@ -199,9 +199,8 @@ class CDelaunay2D {
     void setSide(EdgeRef e, SideRef side) { groups_[e >> 2].sides[(e >> 1) & 1] = side; }
     EdgeRef edgeOf(SideRef side) const;
     std::uint32_t appendFace();
-    void nameFace(std::uint32_t face, EdgeRef e);
+    void keepNumber(EdgeRef e, std::uint32_t face);
     Way wayBeyond(EdgeRef e) const;
-    void noteFace(EdgeRef e);
     void noteFacesAround(EdgeRef e);
     Step closerStep(SideRef side, const tagPOINT2D& p, Cell from, Cell corner, Cell to) const;
     EdgeRef walk(SideRef side, const tagPOINT2D& p, std::uint32_t steps) const;

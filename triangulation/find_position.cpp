@@ -49,9 +49,7 @@ class PositionSearch {
         return corners({from, triangulation_.dest(triangulation_.onext(e)), to});
     }
 
-    bool isVertex(std::uint32_t point) const {
-        return pointDistance(place_, triangulation_.position(point)) < kVertexTolerance;
-    }
+    bool isVertex(std::uint32_t point) const { return isSameVertex(place_, triangulation_.position(point)); }
 
     /// The vertices, unless one is a helper or the identifiers are not those asked for.
     FoundCorners corners(std::initializer_list<std::uint32_t> points) const {
