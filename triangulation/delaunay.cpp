@@ -44,18 +44,11 @@ void CDelaunay2D::init(const tagMAT_RECT2D& extent) {
     const std::uint32_t b = appendPoint({extent.right + width * 3 * 0.25, top, kNoValue, kNoId, true});
     const std::uint32_t c =
         appendPoint({extent.left + width * 0.5, extent.bottom + height * 1.25, kNoValue, kNoId, true});
-    const EdgeRef ab = makeEdge();
-    setOrg(ab, a);
-    setOrg(sym(ab), b);
-    const EdgeRef bc = makeEdge();
-    setOrg(bc, b);
-    setOrg(sym(bc), c);
-    splice(sym(ab), bc);
-    const EdgeRef ca = makeEdge();
-    setOrg(ca, c);
-    setOrg(sym(ca), a);
-    splice(sym(bc), ca);
-    splice(sym(ca), ab);
+    const EdgeRef ab = makeEdge(a, b);
+    const EdgeRef bc = makeEdge(b, c);
+    const EdgeRef ca = makeEdge(c, a);
+    bindFace(ab, bc, ca);
+    bindFace(sym(ca), sym(bc), sym(ab));
     grid_ = CellGrid({positions_[a].x, top, positions_[b].x, positions_[c].y});
     // The triangle and what lies outside of it are the faces around each of its corners.
     keepNumber(ab, appendFace());
@@ -117,23 +110,24 @@ double CDelaunay2D::resolveTolerance(double tolerance) const {
 
 bool CDelaunay2D::insertSite(const Point2d& site) {
     const tagPOINT2D v{site.x, site.y};
-    if (!isInSuperTriangle(v) || !isInExtent(v)) return false;
-    EdgeRef e = locate(v);
+    if (!isInExtent(v)) return false;
+    const EdgeRef e = locate(v);
     if (e == kNoEdge) return false;
     if (isSameVertex(orgPosition(e), v) || isSameVertex(destPosition(e), v)) return true;
     const bool splitsEdge = isOnEdge(v, e);
-    const std::uint32_t oldFaces[2] = {faceOf(side(e)), faceOf(side(sym(e)))};
     // All that can fail comes before the first change.
-    const std::size_t newEdges = countFaceEdges(e) + (splitsEdge ? countFaceEdges(sym(e)) : 0);
-    reserve(newEdges, 1);
+    reserve(splitsEdge ? 4 : 3, 1);
     index_.prepare(v.x, v.y);
-    if (splitsEdge) {
-        e = oprev(e);
-        deleteEdge(onext(e));
-    }
     const std::uint32_t point = appendPoint(site);
     index_.add(v.x, v.y, point);
-    joinToFace(e, point, oldFaces, splitsEdge ? 2 : 1);
+    const std::uint32_t leftFace = faceOf(side(e));
+    if (splitsEdge) {
+        deleteEdge(e);
+        joinToPolygon({lnext(sym(e)), lprev(sym(e)), lnext(e), lprev(e)}, {faceOf(side(sym(e))), leftFace},
+                      point);
+    } else {
+        joinToPolygon({e, lnext(e), lprev(e)}, {leftFace}, point);
+    }
     if (groups_.size() >= nextArrangement_) arrange();
     return true;
 }
@@ -163,37 +157,29 @@ std::uint32_t CDelaunay2D::appendPoint(const Point2d& point) {
     return number;
 }
 
-/// Appends an edge without connections.
-EdgeRef CDelaunay2D::makeEdge() {
+/// Appends an edge from one slot to another, which is to be bound to its faces.
+EdgeRef CDelaunay2D::makeEdge(std::uint32_t org, std::uint32_t dest) {
     const auto e = static_cast<EdgeRef>(groups_.size() * 4);
-    groups_.append({{e, e + 3, e + 2, e + 1}, {0, 0}, {0, 0}});
+    groups_.append({{e, e, e, e}, {org, dest}, {0, 0}});
     ranks_.push_back(static_cast<std::uint32_t>(order_.size()));
     order_.push_back(e);
     return e;
 }
 
-void CDelaunay2D::splice(EdgeRef a, EdgeRef b) {
-    const EdgeRef alpha = rot(onext(a));
-    const EdgeRef beta = rot(onext(b));
-    std::swap(groups_[a >> 2].next[a & 3], groups_[b >> 2].next[b & 3]);
-    std::swap(groups_[alpha >> 2].next[alpha & 3], groups_[beta >> 2].next[beta & 3]);
+/// Binds three edges, each of which starts where the one before ends, to the face to their left.
+void CDelaunay2D::bindFace(EdgeRef a, EdgeRef b, EdgeRef c) {
+    const auto bind = [this](EdgeRef e, EdgeRef before, EdgeRef after) {
+        setNext(e, sym(before));
+        setNext(invRot(e), invRot(after));
+    };
+    bind(a, c, b);
+    bind(b, a, c);
+    bind(c, b, a);
 }
 
-/// Makes an edge from the end of `a` to the start of `b`, which have their left face in common.
-EdgeRef CDelaunay2D::connect(EdgeRef a, EdgeRef b) {
-    const EdgeRef e = makeEdge();
-    splice(e, lnext(a));
-    splice(sym(e), b);
-    setOrg(e, slotOfOrg(sym(a)));
-    setOrg(sym(e), slotOfOrg(b));
-    return e;
-}
-
-/// Takes an edge out. Its place in the order of the edges stays free: each deletion goes with four new edges, so at
-/// most a quarter of the places ever are.
+/// Takes an edge out of the order of the edges, where its place stays free: each deletion goes with four new edges, so
+/// at most a quarter of the places ever are.
 void CDelaunay2D::deleteEdge(EdgeRef e) {
-    splice(e, oprev(e));
-    splice(sym(e), oprev(sym(e)));
     order_[ranks_[e >> 2]] = kNoEdge;
     ++freeGroups_;
 }
@@ -201,39 +187,30 @@ void CDelaunay2D::deleteEdge(EdgeRef e) {
 /// Turns an edge into the other diagonal of the quadrilateral around it.
 void CDelaunay2D::swap(EdgeRef e) {
     const EdgeRef a = oprev(e);
-    const EdgeRef b = oprev(sym(e));
-    splice(e, a);
-    splice(sym(e), b);
-    splice(e, lnext(a));
-    splice(sym(e), lnext(b));
-    setOrg(e, slotOfOrg(sym(a)));
-    setOrg(sym(e), slotOfOrg(sym(b)));
+    const EdgeRef b = lnext(e);
+    const EdgeRef afterA = lnext(a);
+    const EdgeRef afterB = lnext(b);
+    setOrg(e, slotOfOrg(afterA));
+    setOrg(sym(e), slotOfOrg(afterB));
+    bindFace(e, afterB, a);
+    bindFace(sym(e), afterA, b);
 }
 
-std::size_t CDelaunay2D::countFaceEdges(EdgeRef e) const {
-    std::size_t count = 1;
-    for (EdgeRef next = lnext(e); next != e; next = lnext(next))
-        ++count;
-    return count;
-}
-
-/// Joins a new point to all corners of the face to the left of `e` and restores the Delaunay property.
-/// @param oldFaces  the numbers of the faces that this one is made of; they are given to new ones.
-void CDelaunay2D::joinToFace(EdgeRef e, std::uint32_t slot, const std::uint32_t* oldFaces,
-                             std::size_t oldFaceCount) {
-    const auto nextFace = [&] { return oldFaceCount != 0 ? oldFaces[--oldFaceCount] : appendFace(); };
-    EdgeRef base = makeEdge();
-    setOrg(base, slotOfOrg(e));
-    setOrg(sym(base), slot);
-    splice(base, e);
-    startingEdge_ = base;
-    keepNumber(sym(base), nextFace());
-    do {
-        base = connect(e, sym(base));
-        keepNumber(sym(base), nextFace());
-        e = oprev(base);
-    } while (lnext(e) != startingEdge_);
-    flipAround(e, slots_[slot]);
+/// Joins a new point to all corners of a polygon and restores the Delaunay property.
+/// @param sides  edges around the polygon, which lies to their left; the new edges are made in their order.
+/// @param oldFaces  the numbers of the faces that the polygon is made of; they are given to new ones.
+template <std::size_t kSides, std::size_t kOldFaces>
+void CDelaunay2D::joinToPolygon(const EdgeRef (&sides)[kSides], const std::uint32_t (&oldFaces)[kOldFaces],
+                                std::uint32_t slot) {
+    EdgeRef spokes[kSides];
+    for (std::size_t i = 0; i < kSides; ++i) {
+        spokes[i] = makeEdge(slotOfOrg(sides[i]), slot);
+        keepNumber(sym(spokes[i]), i < kOldFaces ? oldFaces[i] : appendFace());
+    }
+    for (std::size_t i = 0; i < kSides; ++i)
+        bindFace(sides[i], spokes[(i + 1) % kSides], sym(spokes[i]));
+    startingEdge_ = spokes[0];
+    flipAround(sides[kSides - 1], slots_[slot]);
     noteFacesAround(sym(startingEdge_));
 }
 

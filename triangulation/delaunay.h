@@ -25,8 +25,6 @@ namespace velquad::triangulation {
 
 /// An identifier that says there is none.
 inline constexpr std::uint64_t kNoId = ~std::uint64_t{0};
-/// Points nearer to one another than this are the same vertex; points this near to an edge lie on it.
-inline constexpr double kVertexTolerance = 1e-6;
 /// A squared distance below this counts as distance 0.
 inline constexpr double kNullDistanceSquared = 1e-7;
 /// Margin of rectangles, least determinant.
@@ -168,8 +166,8 @@ class CDelaunay2D {
     bool insertSite(const Point2d& site);
 
   private:
-    /// A quad edge, half a cache line. Every face is a triangle but for a moment within an insertion: one that loses
-    /// an edge is at once joined to the new vertex, and flips exchange two triangles for two.
+    /// A quad edge, half a cache line. Every face is a triangle: the polygon that a new vertex lies in is cut into
+    /// triangles at once, and flips exchange two for two.
     struct CQuadEdge {
         EdgeRef next[4];
         std::uint32_t ends[2];  ///< The slots of the edge's start and end.
@@ -192,7 +190,8 @@ class CDelaunay2D {
 
     void reserve(std::size_t edgeCount, std::size_t pointCount);
     std::uint32_t appendPoint(const Point2d& point);
-    EdgeRef makeEdge();
+    EdgeRef makeEdge(std::uint32_t org, std::uint32_t dest);
+    void setNext(EdgeRef e, EdgeRef next) { groups_[e >> 2].next[e & 3] = next; }
     std::uint32_t slotOfOrg(EdgeRef e) const { return groups_[e >> 2].ends[(e >> 1) & 1]; }
     void setOrg(EdgeRef e, std::uint32_t slot) { groups_[e >> 2].ends[(e >> 1) & 1] = slot; }
     SideRef side(EdgeRef e) const { return groups_[e >> 2].sides[(e >> 1) & 1]; }
@@ -204,12 +203,12 @@ class CDelaunay2D {
     void noteFacesAround(EdgeRef e);
     Step closerStep(SideRef side, const tagPOINT2D& p, Cell from, Cell corner, Cell to) const;
     EdgeRef walk(SideRef side, const tagPOINT2D& p, std::uint32_t steps) const;
-    void splice(EdgeRef a, EdgeRef b);
-    EdgeRef connect(EdgeRef a, EdgeRef b);
+    void bindFace(EdgeRef a, EdgeRef b, EdgeRef c);
     void deleteEdge(EdgeRef e);
     void swap(EdgeRef e);
-    std::size_t countFaceEdges(EdgeRef e) const;
-    void joinToFace(EdgeRef e, std::uint32_t slot, const std::uint32_t* oldFaces, std::size_t oldFaceCount);
+    template <std::size_t kSides, std::size_t kOldFaces>
+    void joinToPolygon(const EdgeRef (&sides)[kSides], const std::uint32_t (&oldFaces)[kOldFaces],
+                       std::uint32_t slot);
     void flipAround(EdgeRef e, const tagPOINT2D& v);
     void arrange() noexcept;
     void arrangeSlots();

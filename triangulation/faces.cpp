@@ -3,8 +3,6 @@
 
 #include <cstdlib>
 
-#include "triangulation/delaunay.h"
-
 namespace velquad::triangulation {
 namespace {
 

@@ -13,6 +13,9 @@
 
 namespace velquad::triangulation {
 
+/// Points nearer to one another than this are the same vertex; points this near to an edge lie on it.
+inline constexpr double kVertexTolerance = 1e-6;
+
 /// A side of a face: the number of the face times four plus the number of the corner opposite to the side. Corners
 /// are numbered 0 to 2, counter-clockwise.
 using SideRef = std::uint32_t;
