@@ -145,8 +145,11 @@ class Triangulation {
                  p.y > extent.bottom + 1e-7);
     }
 
-    Edge* locate(const Point& p, std::size_t mostSteps = 0x1000000) const {
+    /// Gives up after 0x1000000 steps, or where that is sure to come: a walk of more steps than there are directed
+    /// edges has come back to one, and never ends.
+    Edge* locate(const Point& p) const {
         if (!isInSuperTriangle(p)) return nullptr;
+        const std::size_t mostSteps = std::min<std::size_t>(0x1000000, 2 * edges.size() + 2);
         Edge* e = startingEdge;
         for (std::size_t steps = 1;; ++steps) {
             if (distance(p, *e->org()) < 1e-6 || distance(p, *e->dest()) < 1e-6) return e;

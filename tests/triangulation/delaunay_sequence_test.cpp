@@ -249,6 +249,31 @@ TEST(DelaunayEnumeration, OfTrianglesNextToNothingAgreesWithThePlainVersion) {
     }
 }
 
+// Far from the origin and in flat extents rounding decides the predicates: walks come back to where they were, flips
+// leave triangles that overlap, and the structure is the same for all that.
+TEST(DelaunayInsertion, WhereRoundingDecidesAgreesWithThePlainVersion) {
+    constexpr double kOffsets[] = {0, 1e4, 1e8, 1e9, 1e10, 1e11, 1e12, 1e15};
+    constexpr double kSizes[] = {1e-4, 1e-2, 1, 1e2, 1e4, 1e6};
+    for (unsigned seed = 1; seed <= 600; ++seed) {
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        Random random(seed);
+        const tagPOINT2D center{kOffsets[random.below(8)], kOffsets[random.below(8)]};
+        const double width = kSizes[random.below(6)];
+        const double height = kSizes[random.below(6)];
+        const bool isGridded = random.below(2) == 0;
+        const tagMAT_RECT2D extent{center.x - width, center.y - height, center.x + width, center.y + height};
+        DelaunayPair pair(&extent);
+        for (unsigned i = 0; i < 40; ++i) {
+            const double x = isGridded ? random.below(5) * 0.4 - 0.8 : random.real(-1, 1);
+            const double y = isGridded ? random.below(5) * 0.4 - 0.8 : random.real(-1, 1);
+            const double tolerance = random.below(3) == 0 ? 0.0 : kDoubleMax;
+            pair.extend({center.x + x * width, center.y + y * height, static_cast<double>(i)}, tolerance);
+        }
+        pair.expectSame();
+        if (testing::Test::HasFailure()) return;
+    }
+}
+
 TEST(DelaunayArrangement, DoesNotShow) {
     // Enough points for everything to be arranged in memory twice.
     Random random(7);
