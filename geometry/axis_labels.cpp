@@ -57,8 +57,10 @@ extern "C" double matCalcLabsLinear(double low, double high, unsigned int labelC
     if (step != 0.0) {
         // Kept: a bound that is a multiple of the step already moves outward all the same, except for a positive
         // low and a high that is not positive.
-        low = (std::trunc(low / step) - (low > 0.0 ? 0.0 : 1.0)) * step;
-        high = (std::trunc(high / step) + (high > 0.0 ? 1.0 : 0.0)) * step;
+        const double lowSteps = std::trunc(low / step);
+        const double highSteps = std::trunc(high / step);
+        low = (low > 0.0 ? lowSteps : lowSteps - 1.0) * step;
+        high = (high > 0.0 ? highSteps + 1.0 : highSteps) * step;
     }
     if (roundedLow != nullptr) *roundedLow = low;
     if (roundedHigh != nullptr) *roundedHigh = high;

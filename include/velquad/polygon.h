@@ -385,7 +385,7 @@ VELQUAD_API DWORD polyGetMiniVecCount(const tagPOINT* points, DWORD count, DWORD
 
 /// Thins a polygon in place to about a percentage of its points: every k-th point stays, with k = count divided by
 /// (count * percent / 100), both truncated, and the last one in any case.
-/// @param percent  nothing changes where k is 1 or 0, as it is at more than 50 percent of an even count. The product
+/// @param percent  nothing changes where k is 1 or 0, as it is once more than half of the points would stay. The product
 ///                 wraps around at 32 bits.
 /// @return the new count. A percentage of less than one point has no k; then nothing changes and the result is 0.
 VELQUAD_API DWORD polyReducePoints(tagPOINT* points, DWORD count, DWORD percent);
@@ -395,7 +395,7 @@ VELQUAD_API DWORD polyReducePoints(tagPOINT* points, DWORD count, DWORD percent)
 /// @param maximalDeviation  compared with the squared distance from the line; a point at exactly this goes.
 /// @param maximalPasses     each pass halves the points at most. The passes end when one removes nothing.
 /// @return the new count; 0 when `points` is null or `count` is 0.
-/// @par Cost  O(count), no allocation.
+/// @par Cost  O(count) for each pass, no allocation. A pass may remove a single point.
 VELQUAD_API DWORD polyReducePointsEx(tagPOINT* points, DWORD count, double maximalDeviation,
                                      DWORD maximalPasses);
 /// @}

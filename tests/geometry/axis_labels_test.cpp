@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -70,6 +71,16 @@ TEST(AxisLabelsLimits, BoundsMayBeNull) {
     EXPECT_EQ(value, -20.0);
     EXPECT_EQ(matCalcLabsLinear(0.0, 100.0, 11, 1, nullptr, &value), 20.0);
     EXPECT_EQ(value, 120.0);
+}
+
+TEST(AxisLabelsLimits, HighBoundLessThanAStepBelowZeroIsNegativeZero) {
+    double high = kUntouched;
+    EXPECT_EQ(matCalcLabsLinear(-17.0, -3.0, 5, 1, nullptr, &high), 5.0);
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(high), 0x8000000000000000U);
+    EXPECT_EQ(matCalcLabsLinear(-17.0, -0.0, 5, 1, nullptr, &high), 5.0);
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(high), 0x8000000000000000U);
+    EXPECT_EQ(matCalcLabsLinear(-17.0, 0.0, 5, 1, nullptr, &high), 5.0);
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(high), 0x0000000000000000U);
 }
 
 TEST(AxisLabelsLimits, EndsForTheLargestLabelCount) {
