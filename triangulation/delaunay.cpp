@@ -50,10 +50,13 @@ void CDelaunay2D::init(const tagMAT_RECT2D& extent) {
     bindFace(ab, bc, ca);
     bindFace(sym(ca), sym(bc), sym(ab));
     grid_ = CellGrid({positions_[a].x, top, positions_[b].x, positions_[c].y});
-    // The triangle and what lies outside of it are the faces around each of its corners.
+    // The triangle and what lies outside of it are the faces around corner a.
     keepNumber(ab, appendFace());
     keepNumber(sym(ca), appendFace());
-    noteFacesAround(ab);
+    noteFace(bc, positions_[a], positions_[a]);
+    noteFace(sym(bc), positions_[a], positions_[a]);
+    noteWaysBetween(bc, sym(bc));
+    noteWaysBetween(sym(bc), bc);
     startingEdge_ = ab;
 }
 
@@ -211,7 +214,6 @@ void CDelaunay2D::joinToPolygon(const EdgeRef (&sides)[kSides], const std::uint3
         bindFace(sides[i], spokes[(i + 1) % kSides], sym(spokes[i]));
     startingEdge_ = spokes[0];
     flipAround(sides[kSides - 1], slots_[slot]);
-    noteFacesAround(sym(startingEdge_));
 }
 
 /// The edge that is a side of a face, with the face to its left.
@@ -228,60 +230,44 @@ std::uint32_t CDelaunay2D::appendFace() {
     return static_cast<std::uint32_t>(faces_.size() - 1);
 }
 
-/// Lets an edge keep the number of the face to its left until the faces around its start are noted.
+/// Lets an edge keep the number of the face to its left until that is noted.
 void CDelaunay2D::keepNumber(EdgeRef e, std::uint32_t face) {
     setSide(e, sideOf(face, 0));
 }
 
-/// The way out of the face to the left of `e` at that side.
-Way CDelaunay2D::wayBeyond(EdgeRef e) const {
-    return {side(sym(e)), grid_.cellOf(destPosition(oprev(e)))};
+/// Names the corners of the face to the left of `e`, whose number the edge before keeps, so that `e` is opposite to
+/// corner 0, and notes the ways through `e`.
+/// @param own, behind  the corners opposite to `e` on its two sides.
+void CDelaunay2D::noteFace(EdgeRef e, const tagPOINT2D& own, const tagPOINT2D& behind) {
+    const EdgeRef before = lprev(e);
+    const std::uint32_t face = faceOf(side(before));
+    faceEdges_[face] = e;
+    setSide(e, sideOf(face, 0));
+    setSide(lnext(e), sideOf(face, 1));
+    setSide(before, sideOf(face, 2));
+    const SideRef outside = side(sym(e));
+    faces_[face].setWay(0, {outside, grid_.cellOf(behind)});
+    faces_[faceOf(outside)].setWay(cornerOf(outside), {side(e), grid_.cellOf(own)});
 }
 
-/// Names and notes the faces around the start of `e`, and with their neighbours the way back. After an insertion these
-/// are the ones that changed: every flip joins the new vertex, which becomes their corner 0, to one corner more.
-void CDelaunay2D::noteFacesAround(EdgeRef e) {
-    const EdgeRef first = e;
-    EdgeRef next = onext(e);
-    do {
-        const std::uint32_t face = faceOf(side(e));
-        faceEdges_[face] = lnext(e);
-        setSide(e, sideOf(face, 2));
-        setSide(faceEdges_[face], sideOf(face, 0));
-        setSide(sym(next), sideOf(face, 1));
-        e = next;
-        next = onext(e);
-    } while (e != first);
-    const Cell center = grid_.cellOf(orgPosition(e));
-    Cell before = grid_.cellOf(destPosition(oprev(e)));
-    Cell from = grid_.cellOf(destPosition(e));
-    next = onext(e);
-    Cell to = grid_.cellOf(destPosition(next));
-    do {
-        const EdgeRef afterNext = onext(next);
-        const Cell behind = grid_.cellOf(destPosition(afterNext));
-        const EdgeRef outward = lnext(e);
-        const SideRef outside = side(sym(outward));
-        Face& face = faces_[faceOf(side(e))];
-        face.setWay(0, wayBeyond(outward));
-        face.setWay(1, {side(next), behind});
-        face.setWay(2, {side(sym(e)), before});
-        faces_[faceOf(outside)].setWay(cornerOf(outside), {side(outward), center});
-        before = from;
-        from = to;
-        to = behind;
-        e = next;
-        next = afterNext;
-    } while (e != first);
+/// Notes the ways between two faces that share their corner 0, one to the left of `e` and the next one clockwise to the
+/// left of `next`.
+void CDelaunay2D::noteWaysBetween(EdgeRef e, EdgeRef next) {
+    const std::uint32_t face = faceOf(side(e));
+    const std::uint32_t nextFace = faceOf(side(next));
+    faces_[face].setWay(2, {sideOf(nextFace, 1), grid_.cellOf(orgPosition(next))});
+    faces_[nextFace].setWay(1, {sideOf(face, 2), grid_.cellOf(destPosition(e))});
 }
 
-/// Walks around the new vertex `v` and flips the edges that face it, as long as one is to be flipped.
+/// Walks clockwise around the new vertex `v` along the edges that face it, flips those that are to be flipped, and notes
+/// the faces that stay: `v` becomes their corner 0.
 void CDelaunay2D::flipAround(EdgeRef e, const tagPOINT2D& v) {
-    // Each flip gives v one more edge, so there are fewer than there are edges; only a subdivision that is none any
-    // more, by rounding, could go on.
-    for (std::size_t rest = groups_.size() * 8; rest != 0; --rest) {
-        const EdgeRef t = oprev(e);
-        const tagPOINT2D& corner = destPosition(t);
+    EdgeRef first = kNoEdge;
+    EdgeRef last = kNoEdge;
+    for (;;) {
+        const tagPOINT2D& corner = destPosition(oprev(e));
+        // A face at v is never taken in again, whatever rounding does: its corner would be v itself, for which the
+        // terms of the test cancel out. So there are fewer flips than faces.
         if (isCcw(corner, destPosition(e), orgPosition(e)) &&
             isInCircle(orgPosition(e), corner, destPosition(e), v)) {
             // The face beyond is taken in; the edge turned is one away from v with that face's number.
@@ -289,12 +275,18 @@ void CDelaunay2D::flipAround(EdgeRef e, const tagPOINT2D& v) {
             swap(e);
             keepNumber(sym(e), beyond);
             e = oprev(e);
-        } else if (onext(e) == startingEdge_) {
-            return;
-        } else {
-            e = lprev(onext(e));
+            continue;
         }
+        noteFace(e, v, corner);
+        if (last == kNoEdge)
+            first = e;
+        else
+            noteWaysBetween(last, e);
+        last = e;
+        if (onext(e) == startingEdge_) break;
+        e = lprev(onext(e));
     }
+    noteWaysBetween(last, first);
 }
 
 }  // namespace velquad::triangulation

@@ -199,8 +199,8 @@ class CDelaunay2D {
     EdgeRef edgeOf(SideRef side) const;
     std::uint32_t appendFace();
     void keepNumber(EdgeRef e, std::uint32_t face);
-    Way wayBeyond(EdgeRef e) const;
-    void noteFacesAround(EdgeRef e);
+    void noteFace(EdgeRef e, const tagPOINT2D& own, const tagPOINT2D& behind);
+    void noteWaysBetween(EdgeRef e, EdgeRef next);
     Step closerStep(SideRef side, const tagPOINT2D& p, Cell from, Cell corner, Cell to) const;
     EdgeRef walk(SideRef side, const tagPOINT2D& p, std::uint32_t steps) const;
     void bindFace(EdgeRef a, EdgeRef b, EdgeRef c);
