@@ -202,7 +202,7 @@ class CDelaunay2D {
     void noteFace(EdgeRef e, const tagPOINT2D& own, const tagPOINT2D& behind);
     void noteWaysBetween(EdgeRef e, EdgeRef next);
     Step closerStep(SideRef side, const tagPOINT2D& p, Cell from, Cell corner, Cell to) const;
-    EdgeRef walk(SideRef side, const tagPOINT2D& p, std::uint32_t steps) const;
+    EdgeRef walk(EdgeRef start, const tagPOINT2D& p, std::uint32_t steps) const;
     void bindFace(EdgeRef a, EdgeRef b, EdgeRef c);
     void deleteEdge(EdgeRef e);
     void swap(EdgeRef e);

@@ -37,7 +37,7 @@ EdgeRef CDelaunay2D::locate(const tagPOINT2D& p) const {
     const tagPOINT2D& to = destPosition(e);
     if (isSameVertex(from, p) || isSameVertex(to, p)) return e;
     const bool isBehind = isRightOf(p, from, to);
-    return walk(side(isBehind ? sym(e) : e), p, isBehind ? 1 : 0);
+    return walk(isBehind ? sym(e) : e, p, isBehind ? 1 : 0);
 }
 
 /// The step from a side where the cells do not tell it at once.
@@ -53,17 +53,17 @@ CDelaunay2D::Step CDelaunay2D::closerStep(SideRef side, const tagPOINT2D& p, Cel
     return {turnAt(p, orgPosition(e), position, destPosition(e)), isSameVertex(position, p)};
 }
 
-/// Walks on from a side that does not have p to its right, `steps` steps having been made.
-EdgeRef CDelaunay2D::walk(SideRef side, const tagPOINT2D& p, std::uint32_t steps) const {
+/// Walks on from an edge that does not have p to its right, `steps` steps having been made.
+EdgeRef CDelaunay2D::walk(EdgeRef start, const tagPOINT2D& p, std::uint32_t steps) const {
     const Cell here = grid_.cellOf(p);
     const std::int64_t sure = grid_.sureTurn();
-    const EdgeRef start = edgeOf(side);
     Cell from = grid_.cellOf(orgPosition(start)) - here;
     Cell to = grid_.cellOf(destPosition(start)) - here;
     Cell corner = grid_.cellOf(destPosition(onext(start))) - here;
     const bool areMany = faces_.size() >= kManyFaces;
     // From here on p is never to the right of a side: one is stepped to because p is not to the right of it.
     // Rounding can send a walk in circles; a side that comes back says so.
+    SideRef side = this->side(start);
     SideRef landmark = side;
     std::uint32_t nextLandmark = 64;
     for (;;) {
