@@ -592,7 +592,7 @@ VELQUAD_API int matIsPointInsideEllipse(const int* rect, const tagPOINT* point, 
 /// @note  The chain is closed as soon as it comes within one pixel of its start, the second step included. So it ends
 ///        early on very thin ellipses, and at some tilts of others where its first two steps go round a corner.
 /// @return 1, or 0 when `callback` stopped the drawing, when a semi-axis divided by its scale is not above zero, and
-///         when the chain has not closed after 131072 points, all of which have been delivered.
+///         when the chain has not closed after 131073 points, all of which have been delivered.
 VELQUAD_API int matDrawArbitraryEllipse(const tagPOINT2D* center, double semiAxisA, double semiAxisB,
                                         double angle, int isCounterClockwise, int isDegrees, double scaleX,
                                         double scaleY, velquad::PointCallback callback, std::uint64_t arg1,

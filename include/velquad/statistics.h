@@ -114,7 +114,8 @@ class VELQUAD_API CMatMomentEvaluator {
 ///       more values until `Reset`.
 ///   (3) Adding a constant to all angles moves mean and extremes by it, within rounding, and leaves spread and
 ///       range.
-///   (4) An infinite angle and what is not a number make all results but the count not numbers.
+///   (4) An infinite angle and what is not a number make all results but the count not numbers. Angles beyond 2^31
+///       turns count as `matNormalizeAngle` leaves them: as meaningless ones.
 ///
 /// **Threads.** Getters write to their object.
 /// **Memory.** Grows 32 values at a time. Copying by construction is not offered; see `operator=`.
@@ -145,7 +146,7 @@ class CMatMomentOfAnglesEvaluator {
     /// `GetRange` gives the old one until another getter has computed. @return 1.
     VELQUAD_API int ResetResults();
 
-    /// Takes one angle, of any size; it is reduced to one turn.
+    /// Takes one angle; it is reduced to one turn by `matNormalizeAngle`.
     /// @return 1; 0 when the object has failed, or fails now for lack of memory.
     VELQUAD_API int AddValue(double angle);
 
@@ -173,7 +174,7 @@ class CMatMomentOfAnglesEvaluator {
 
     VELQUAD_API int ComputeResults();
 
-    float* values;   // reduced to one turn
+    float* values;   // as `matNormalizeAngle` reduces them
     DWORD count;     // values held
     DWORD capacity;  // values that there is memory for
     int failed;
@@ -360,7 +361,7 @@ class VELQUAD_API CMatRegressionLine {
 ///     f(b) = sum of x_j * sign(y_j - b * x_j - median(y - b * x)),
 ///
 /// bracketed from the least-squares slope and bisected to a hundredth of its standard deviation; the intercept is
-/// the median that belongs to it. Residuals below 1e-7 of |y| (or 1e-7 itself where y is 0) count as zero.
+/// the median that belongs to it. Residuals up to 1e-7 of |y| (or 1e-7 itself where y is 0) count as zero.
 ///   (1) Points count by the side of the line that they lie on, not by their distance from it, and by their place
 ///       along the independent axis. So an outlier across the line hardly matters, one along the axis does.
 ///   (2) Where signs balance exactly at a slope that is tried, as few pairs of an even number can, the search does not
@@ -423,8 +424,9 @@ VELQUAD_API int matFittingLineEx(const tagPOINT2D* points, unsigned int count, t
 /// Fits a plane through points of space, and measures how far they lie from it.
 ///   (1) The mean and the standard deviation are those of unsigned distances. The deviation is the population's.
 ///   (2) A scale that is 0 takes an axis out of the fit: the normal of the rest is along that axis, and multiplied
-///       by 0 it is the null vector.
-///   (3) Points that all equal their centre have the normal (1, 0, 0).
+///       by 0 it is the null vector. Where the rest lies on a line, or in a point, it may be another direction
+///       across that.
+///   (3) Points that all equal their centre have the normal (1, 0, 0) times the first scale.
 /// @param axisScale          factors of the three axes during the fit, for axes of unlike units; null for 1.
 /// @param centre             mean of the points; may be null.
 /// @param normal             unit vector across the plane, with either sign, or the null vector; may be null.
