@@ -16,12 +16,12 @@ inline void copyVector(double* destination, const double* source, Index d) {
         destination[j] = source[j];
 }
 
-/// @return the largest absolute coordinate; 0 when there is none.
+/// @return the largest absolute coordinate; 0 when there is none, a not-a-number when one is.
 inline double maxNorm(const double* v, Index d) {
     double largest = 0.0;
     for (Index j = 0; j < d; ++j) {
         const double magnitude = std::fabs(v[j]);
-        if (magnitude > largest) largest = magnitude;
+        if (magnitude > largest || magnitude != magnitude) largest = magnitude;
     }
     return largest;
 }

@@ -75,7 +75,9 @@ void mapEach(const double* real, const double* imaginary, double* out, std::size
         out[i] = map(real[i], imaginary[i]);
 }
 
-/// Puts the signal into the middle of a period; a ramp leads from its end to its start.
+/// Puts the signal into the middle of a period and goes on outwards on both sides by its mean slope over what is to be
+/// filled.
+// Kept: the ramps lead away from each other, so the period has a jump between them where the signal has a trend.
 void continueByRamp(const double* in, std::size_t n, std::size_t offset, std::size_t length, double* period) {
     for (std::size_t i = 0; i < n; ++i)
         period[offset + i] = in[i];

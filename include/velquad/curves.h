@@ -11,7 +11,7 @@
 ///
 /// **Closed or open.** A point set is closed when its first and last point agree within 1e-7 in each of the first
 /// two coordinates (three from dimension 3 up). A closed curve is smooth across its start.
-/// **Results.** Every function reports a `velquad::CurveError`.
+/// **Results.** The two curves report a `velquad::CurveError`; the other functions say for themselves what they give.
 /// **Ownership.** Rows that a callback sees belong to the library and are valid during that call only.
 /// **Exceptions.** The general forms throw nothing of their own; an exception of a callback passes through, and
 /// all memory is released.

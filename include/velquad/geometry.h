@@ -177,7 +177,9 @@ VELQUAD_API double matCalcAngle2D(const tagPOINT2D* p0, const tagPOINT2D* p1, co
 
 /// Reduces an angle to [0, period). An angle within 1e-9 of a whole number of periods gives 0.0, and
 /// `velquad::kNoValue` is returned as it is.
-/// @note  Beyond 2^31 periods the result is meaningless, as it is for a not-a-number.
+/// @note  Angles of so many periods that their last bit counts for more than 1e-9 may miss the interval by that bit:
+///        in radians beyond some 2^20 periods. Beyond 2^31 periods the result is meaningless, as it is for a
+///        not-a-number.
 VELQUAD_API double matNormalizeAngle(double angle, int isDegrees);
 
 /// The angle from the ray center-first to the ray center-second, swept in the sense that is asked for.
@@ -674,7 +676,8 @@ VELQUAD_API int matClipLine2D(const tagMAT_RECT2D* rect, tagPOINT2D* p1, tagPOIN
 /// @param second         the other crossing, of two equally near ones that against the direction; untouched on 0.
 /// @return 1 when the line meets the box, else 0. No pointer is tested for null.
 /// @note  Crossings are looked for at parameters between -`velquad::kExtentNotSet` and
-///        `velquad::kExtentNotSet`.
+///        `velquad::kExtentNotSet`. A box behind that, at lower parameters, gives 1 all the same, with an end of that
+///        range in place of a crossing; one beyond it gives 0.
 VELQUAD_API int matClipLine3D(const double* corner, double sizeX, double sizeY, double sizeZ,
                               const tagPOINT3D* linePoint, const tagPOINT3D* lineDirection, tagPOINT3D* first,
                               tagPOINT3D* second);

@@ -17,8 +17,8 @@
 ///   (2) The transform works in single precision, so a constant image leaves rounding residues outside of bin 0.
 ///   (3) An image narrower than a block has amplitudes 0.
 /// @param pixels      size.cy rows of size.cx pixels without gaps.
-/// @param amplitudes  receives min(count, 8) mean energies per pixel of the image; untouched for an empty or a null
-///                    image.
+/// @param amplitudes  receives min(count, 8) mean energies per pixel of the image; untouched for an image without
+///                    pixels (a product of sizes that is not positive) or a null one.
 /// @par Source  N. Ahmed, T. Natarajan, K. R. Rao, IEEE Transactions on Computers 23 (1974).
 /// @{
 VELQUAD_API void matGet8Amplitudes(unsigned char const* pixels, CSize const& size, double* amplitudes,
@@ -55,7 +55,7 @@ VELQUAD_API unsigned int matInvFFT(double* real, double* imaginary, unsigned int
 /// stands; the triangular and the Welch window have it at (l - 1) / 2, so they tilt the two sides by half an element.
 /// @param n     its largest power of two is l: what lies behind is left alone.
 /// @param kind  1 triangular, 2 Hann, 3 Welch, 4 Blackman; others leave the spectrum as it is.
-/// @return 0.
+/// @return 0. A count of 0 touches nothing.
 VELQUAD_API unsigned int matWindowFFT(double* real, double* imaginary, unsigned int n, unsigned short kind);
 
 /// Maps a spectrum of any length to one real curve.
@@ -74,7 +74,8 @@ VELQUAD_API unsigned int matMapFFTData(const double* real, const double* imagina
 ///   (2) Method 2 sums the series of that logarithm by convolutions. Before each term it looks for the Escape key in
 ///       the calling thread's message queue (other key messages are translated and dispatched), which ends
 ///       the series with what was summed so far, as a success. Element 0 of the result is 0.
-///   (3) The peak is replaced by a rising cosine; element 0 takes its area.
+///   (3) The peak is replaced by a rising cosine; element 0 takes its area. Without a peak, when `end` is `start`,
+///       method 2 starts from element 0 as it is.
 ///   (4) Areas and levels that are 0 give infinities and not-a-numbers.
 /// @param data    `count` samples.
 /// @param result  room for count - start values.
@@ -115,8 +116,9 @@ VELQUAD_API unsigned int matSavitzkyGolay(const double* in, unsigned int n, doub
 /// @par Cost    O(n * window).
 VELQUAD_API unsigned int matMeanValue(const double* in, int n, double* out, int window);
 
-/// Smooths by a window over the spectrum. The samples are continued by a ramp from their end to their start, up to
-/// the next power of two above (twice the count for a power of two).
+/// Smooths by a window over the spectrum. The samples are continued on both sides, up to the next power of two above
+/// (twice the count for a power of two), by the slope that would lead from the first sample to the last one over one
+/// step more than are filled. So a signal with a trend leaves a jump between the far ends.
 /// @param n     16 to 65535; others give 3.
 /// @param kind  the window, see `matWindowFFT`; the low 16 bits count.
 /// @return 1 when memory is lacking, 2 when it cannot be locked.
@@ -193,14 +195,15 @@ VELQUAD_API void fnrDerivate(const double* in, double* out, int n, int isCircula
 /// sample behind the change. Positions are real-valued indices.
 ///   (1) Samples without a sign are skipped: a run of zeros between two signs is one crossing. A first sample
 ///       needs a size above 2.2e-308, the later ones above 1.2e-38.
-///   (2) A non-circular curve gives positions in [0, n - 1].
+///   (2) A non-circular curve gives positions in [0, n - 1]; samples of which a difference overflows may give a
+///       not-a-number.
 /// @param rising, falling            positions where the curve becomes positive, or negative, in order; each list
 ///                                   may be null.
 /// @param risingCount, fallingCount  in: capacity of the list, read only if the list is given; out: crossings
 ///                                   found, those beyond the capacity included. May be null without a list.
 /// @param isCircular                 non-zero: the first sample follows the last one; a crossing between the two
-///                                   stands at the end of its list. Its position may be n and more: it is below
-///                                   n plus the index of the first sample with a sign.
+///                                   stands at the end of its list. Its position may be n and more: at most n
+///                                   plus the index of the first sample with a sign.
 /// @return 1; 0 when a list was too short for its crossings.
 VELQUAD_API int fnrFindZeroPoint(const double* data, int n, double* rising, unsigned int* risingCount,
                                  double* falling, unsigned int* fallingCount, int isCircular);

@@ -281,6 +281,8 @@ TEST(MatInterpolatingCurve, CoordinatesThatAreNotNumbersEndInACode) {
             EXPECT_EQ(curve.code, 5u) << bad << " at " << i;
         }
     }
+    EXPECT_EQ(Curve({{-1, 0}, {nan, 0}, {0, -2}, {1, 1}, {2, 0}, {3, 1}}, 5.0).code, 5u)
+        << "a point of which a coordinate is unknown equals none";
     EXPECT_EQ(Curve(kLine, nan).sink.samples, kLine) << "a step that is not a number gives the points";
 }
 

@@ -13,6 +13,10 @@ TEST(Vector, MaxNormIsTheLargestMagnitude) {
     EXPECT_EQ(maxNorm(v, 0), 0.0);
     EXPECT_EQ(maxNorm(v, 1), 1.0);
     EXPECT_EQ(maxNorm(v, 3), 7.0);
+    const double unknown[] = {1.0, std::numeric_limits<double>::quiet_NaN(), 9.0};
+    EXPECT_EQ(maxNorm(unknown, 1), 1.0);
+    EXPECT_TRUE(std::isnan(maxNorm(unknown, 2)));
+    EXPECT_TRUE(std::isnan(maxNorm(unknown, 3)));
 }
 
 TEST(Vector, ProductsAndSquares) {
