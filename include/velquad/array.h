@@ -97,7 +97,7 @@ VELQUAD_API int matConvertArrayToFloat2v(const void* const* source, float* const
 /// Stretches the range of a float array over the range of an element type.
 ///   (1) The smallest float becomes the smallest value of the type and the largest the largest, rounded by `lround`;
 ///       a range below 1e-7 maps everything to the smallest value.
-///   (2) Type 5 saturates: every element is 0x7FFFFFFF unless it is not a number.
+///   (2) Type 5 saturates: every element is 0x7FFFFFFF unless it is not a number, or an infinity is among the floats.
 ///   (3) Types 7 and 8 receive the floats unchanged. Pixels receive the same value in the first three bytes, a
 ///       fourth is set to 1.
 /// @return 1; 0 for a null table, an empty source and a code that is no type.
@@ -112,10 +112,12 @@ VELQUAD_API int matClearArray2v(void* const* rows, unsigned int width, unsigned 
 
 /// Limits every element from above by `high`, then from below by `low`. The fourth byte of a four-byte pixel keeps
 /// its value.
-///   (1) Bounds of integer types are rounded. The side that points out of the type is limited to it; of a bound that
-///       lies beyond the other end the low bits are taken.
+///   (1) Bounds of integer types are rounded. For the types 1 to 4, 9 and 10 they are taken modulo 2^32 first; a high
+///       bound above the type is then limited to it, as is a low bound below it, and of one that lies beyond the other
+///       end the low bits are taken. The types 5 and 6 limit bounds to both of their ends.
 ///   (2) Where the bounds cross, the upper one wins for the types 1, 2, 3, 5, 6, 9 and 10, the lower one for 4, 7, 8.
-///   (3) Type 5: a low bound within the range of 32 bits takes the value of the high one, so all elements become it.
+///   (3) Type 5: a low bound within the range of 32 bits takes the value of the high one, rounded and modulo 2^32, so
+///       all elements become the high bound where that fits as well.
 /// @return 1; 0 for a code that is no type, and for null rows unless the height is 0.
 VELQUAD_API int matClampArray2v(void* const* rows, unsigned int width, unsigned int height, unsigned int type,
                                 double low, double high);
@@ -160,7 +162,8 @@ VELQUAD_API int matFreeArrayMappedToRoi2v(void** table);
 /// lies on cell 0. Interpolation is done in double. Cubic takes one sample before and two behind a position, bilinear
 /// one behind; where the source ends before that, the next simpler kind is used, at last the nearest sample. Results
 /// are rounded halves away from zero and limited to the type; type 6 stores 0x80000000 for 2147483647.5 and above.
-/// Samples are never averaged: a reduction by a whole number takes every so many-th one, by every kind.
+/// Samples are never averaged: a reduction by a whole number takes every so many-th one, by every kind, but for the
+/// rounding of the quotients above, which floating types show.
 /// Source and destination must not overlap.
 /// @par Source  R. Keys, Cubic convolution interpolation for digital image processing, 1981, with the parameter -1.
 /// @{
