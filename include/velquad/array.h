@@ -214,9 +214,10 @@ VELQUAD_API int matFindMinMaxValues(const double* values, unsigned char* flags, 
 /// @param maxIndex   receives the index of the last distance.
 /// @param left       receives the first column of each row.
 /// @param right      receives the last column of each row; it points into the block of `left`.
-/// @return for each cell the index of its distance, 65535 outside of the disc; null for a negative radius, one above
-///         11584, and without memory, with nothing stored. All of it is the caller's until `matFreeCircularShape2w`.
-///         Every output may be null, but what is not asked for here cannot be released.
+/// @return for each cell the low 16 bits of the index of its distance, 65535 outside of the disc. Indices reach 65536
+///         at a radius of 536; from there on `left` and `right` tell what lies inside. Null for a negative radius, one
+///         above 11584, and without memory, with nothing stored. All of it is the caller's until
+///         `matFreeCircularShape2w`. Every output may be null, but what is not asked for here cannot be released.
 VELQUAD_API unsigned short** matAllocCircularShape2w(int radius, double** distances, unsigned int* maxIndex,
                                                      int** left, int** right);
 
@@ -243,7 +244,7 @@ VELQUAD_API int matZeroInitArray2v(void** rows);
 /// `matFreeArray3v`, `matIsArray3v` and `matZeroInitArray3v` takes any such tables.
 ///
 /// **Rounding.** Values are stored rounded by x + 0.5, or x - 0.49 below zero, and truncated: -0.5 becomes 0,
-/// and only values below -0.51 become -1. The limits of the type are applied to the truncated 32-bit value,
+/// and only values from -0.51 downwards become -1. The limits of the type are applied to the truncated 32-bit value,
 /// which is -2147483648 for everything beyond 32 bits: 3e9 becomes 0 in type 2. In particular:
 ///
 ///     type   below -2147483647.5   2147483647.5 to 4294967294.5              beyond
@@ -350,8 +351,9 @@ VELQUAD_API int matConvertFromFloat2v(float** source, void** destination, unsign
 ///                    ignored.
 /// @param background  optional: one double per channel, truncated to the type without limits (300.7 is 44 in
 ///                    type 2). The largest double stands for 0, as does null.
-/// @return 1; 0 for a null table, a null matrix that is needed, a code that is no type, and without memory.
-///         Nothing is written then.
+/// @return 1; 0 for a null table, a null matrix that is needed, a code that is no type, and without memory
+///         for the background. Nothing is written then. Without memory for the inverse of the matrix the result is 1,
+///         and every voxel is taken from the position -0.5 of the source.
 VELQUAD_API int _matAffinTransformArray3v(unsigned int srcWidth, unsigned int srcHeight,
                                           unsigned int srcDepth, unsigned int channels, void*** source,
                                           unsigned int dstWidth, unsigned int dstHeight,
@@ -369,7 +371,8 @@ extern "C" VELQUAD_API int matAffinTransformArray3v(unsigned int srcWidth, unsig
 /// Smooths a volume in place by a Gaussian along Z, Y and X, one axis after the other; Z only with more than
 /// one slice. The kernel of each axis is cut off at a radius and normalised over what of it lies in the
 /// volume, so that a constant volume stays constant up to its faces.
-///   (1) A sigma of 0, and a radius below 1, leave an axis as it is. But a sigma so close to 0 that its square
+///   (1) A sigma of 0, and a radius from 0 to below 1, do not smooth an axis: its values are only rounded to their type
+///       as told below. But a sigma so close to 0 that its square
 ///       is 0 has no weights: everything becomes a not-a-number before it is rounded.
 ///   (2) Without conversion, values are rounded to their type after each axis. With conversion, types 1 to 4
 ///       are filtered in a copy of floats, types 5 and 6 in one of doubles, and rounded once.

@@ -28,8 +28,9 @@
 /// **Positions.** A place on an outline is an edge index and a fraction of that edge: 0 is the vertex
 /// `index`, 1 the vertex behind it.
 ///
-/// **Results.** No function reports an error text. A null handle or a result of 0 tells of failure; flags are
-/// tested for zero or non-zero. Coordinates are pixels, y downwards, and wrap around at 32 bits.
+/// **Results.** No function reports an error text. A null handle or a result of 0 tells of failure where the function
+/// itself says nothing else; flags are tested for zero or non-zero. Coordinates are pixels, y downwards, and wrap
+/// around at 32 bits.
 /// **Threads.** No state is kept between calls. Different polygons may be worked on side by side.
 #ifndef VELQUAD_POLYGON_H
 #define VELQUAD_POLYGON_H
@@ -217,8 +218,9 @@ VELQUAD_API double polyCalcDistance(const tagPOINT* points, DWORD count, int clo
 
 /// The centre of gravity of the area of an outline, always taken as closed.
 /// The outline is fanned out from its first point, and the centre of each triangle is truncated to integers before it
-/// is weighted with the triangle's area, so the result is off by up to a pixel. Sums of three coordinates and the
-/// products of the triangle areas wrap around at 32 bits.
+/// is weighted with the triangle's area, so the result is off by up to a pixel, and by more for concave outlines,
+/// whose triangles partly cancel. Sums of three coordinates and the products of the triangle areas wrap around at
+/// 32 bits.
 /// @param out  optional. For a count of 1 it receives the point and for a count of 2 the midpoint, truncated to
 ///             integers, although the result is 0. It is left alone when there is no area.
 /// @return 1 when the outline has an area; 0 for fewer than three points and for an area below 1e-40.
@@ -299,7 +301,8 @@ VELQUAD_API int polyComparePositions(DWORD index1, double fraction1, DWORD index
 /// the result, as equality is not transitive.
 /// @param removeEqual  non-zero: of two neighbours that compare equal on the way, the first is removed.
 /// @return the new count; `count` itself without removal. What stands behind it is unspecified.
-/// @par Cost  O(count^2), fast when the positions are nearly sorted.
+/// @par Cost  O(count) for each place by which an entry has to move to the front: O(count^2) at worst, one pass when
+///            the positions are sorted.
 VELQUAD_API DWORD polySortPositions(tagPOLY_POSITION* positions, DWORD count, int removeEqual);
 
 /// Finds the first position that lies at a point. The point of each position is rounded as by `polyMakeInt` before it
@@ -385,8 +388,8 @@ VELQUAD_API DWORD polyGetMiniVecCount(const tagPOINT* points, DWORD count, DWORD
 
 /// Thins a polygon in place to about a percentage of its points: every k-th point stays, with k = count divided by
 /// (count * percent / 100), both truncated, and the last one in any case.
-/// @param percent  nothing changes where k is 1 or 0, as it is once more than half of the points would stay. The product
-///                 wraps around at 32 bits.
+/// @param percent  nothing changes where k is 1 or 0, as it is once more than half of the points would stay. The
+///                 product wraps around at 32 bits.
 /// @return the new count. A percentage of less than one point has no k; then nothing changes and the result is 0.
 VELQUAD_API DWORD polyReducePoints(tagPOINT* points, DWORD count, DWORD percent);
 
