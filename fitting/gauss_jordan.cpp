@@ -119,12 +119,13 @@ class Elimination {
         }
         if (largest == 0.0) return findZeroPivot(pivot);
         const double* row = elements(pivot.row);
-        std::size_t column = n_;
-        do {
-            --column;
-        } while (work_.hasPivot[column] || std::fabs(row[column]) != largest);
-        pivot.column = column;
-        return true;
+        for (std::size_t column = n_; column-- > 0;) {
+            if (work_.hasPivot[column] || std::fabs(row[column]) != largest) continue;
+            pivot.column = column;
+            return true;
+        }
+        // Only a row that overlaps others, against the rules, can have lost its largest candidate.
+        return false;
     }
 
     // The last zero, when nothing but zeros and not-a-numbers is left.

@@ -72,7 +72,8 @@ class VELQUAD_API CDoubleArray : public CObject {
     /// Stores the array or loads it.
     /// @throws CArchiveException*  when the archive ends too early. The array then has the stored size and what was
     ///                             read of its elements; but it stays as it was when the stored size takes more than
-    ///                             64 MB and what is left of the archive could not fill it.
+    ///                             64 MB and what is left of the archive could not fill it. Storing more than
+    ///                             4 GB writes nothing and throws as well.
     void Serialize(CArchive& archive) override;
 
     CRuntimeClass* GetRuntimeClass() const override;

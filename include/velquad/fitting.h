@@ -27,7 +27,8 @@
 ///   (2) A pivot below 2.2e-16 (the epsilon of doubles) ends the elimination. The bound is absolute: scale
 ///       matrices of tiny numbers first.
 /// @param a  `a[1..n][1..n]`: the matrix, then its inverse. The rows must not overlap.
-/// @param b  `b[1..n][1..m]`: the right-hand sides, one a column, then the solutions; null when `m` is 0.
+/// @param b  `b[1..n][1..m]`: the right-hand sides, one a column, then the solutions; null when `m` is 0. The rows must
+///           overlap neither one another nor those of `a`.
 /// @return true when done. False for n < 1 or m < 0, with nothing changed; false for a singular matrix, with `a`
 ///         and `b` partly reduced.
 /// @par Cost    About 2 n^3 operations for the inverse and n^3 / 3 comparisons. No allocation up to n = 16, one
@@ -69,8 +70,8 @@ VELQUAD_API bool matSolveLinearEquation(double** a, double* b, int n);
 ///                      `basis[1..coefficientCount]`. Called once a sample, in order, and once more for
 ///                      `chiSquare`. What it does not store keeps its last value, at first 0.
 /// @param user          handed to `basis`.
-/// @return true when done; false when the normal equations are singular, as with fewer different samples than
-///         coefficients.
+/// @return true when done; false when the normal equations are singular, as they are with fewer different samples than
+///         coefficients, unless rounding hides it: then the coefficients are some of many.
 /// @throws CInvalidArgException*  for coefficientCount < 1.
 VELQUAD_API bool matLeastSquaresPolynomFit(
     double* y, int dataCount, double* coefficients, int coefficientCount, double* chiSquare,
@@ -81,7 +82,7 @@ VELQUAD_API bool matLeastSquaresPolynomFit(
 /// @param coefficients  `coefficientCount` numbers from index 0, highest power first; stored on success only.
 /// @param chiSquare     may be null; see `matLeastSquaresPolynomFit`. Stored on success only.
 /// @return true when done; false for null `coefficients` (nothing is read then) and for fewer different x than
-///         coefficients.
+///         coefficients, unless rounding hides it.
 /// @throws CInvalidArgException*  for coefficientCount < 1.
 VELQUAD_API bool matPolynomFit(double* x, double* y, int dataCount, double* coefficients,
                                int coefficientCount, double* chiSquare);
@@ -211,8 +212,8 @@ class CDMatrix {
 /// Solves A x = b in the sense of least squares, whatever the shape and the rank of A.
 ///   (1) Of all x that come closest to b, the shortest is taken. Columns that cannot be told apart so share their
 ///       weight.
-///   (2) The rank is the number of singular values above the largest one times the epsilon of doubles times the
-///       smaller of `rows` and `columns`.
+///   (2) The rank is the number of singular values that are neither below the largest one times the epsilon of doubles
+///       times the smaller of `rows` and `columns`, nor below the smallest normal double.
 ///   (3) Rows and columns below 1 count as none: x is 0 without rows.
 ///   (4) Where A holds an infinity or a not-a-number, all of x are not-a-numbers.
 /// @param a         `a[1..rows][1..columns]`, only read.
@@ -234,7 +235,7 @@ VELQUAD_API void svdsolve(double** a, double* b, int rows, double* x, int column
 /// @param transform  `transform[1..3][1..3]`: a homogeneous matrix that acts on columns (x, y, 1). All nine are
 ///                   stored.
 /// @param residual   the sum of the squared errors of both coordinates.
-/// @return true, also for a null table, a count below 0 and no memory: nothing is stored then. False for an
+/// @return true, also for a null table or residual, a count below 0 and no memory: nothing is stored then. False for an
 ///         exception of the host's that is not `std::bad_alloc`, with the largest double in `residual`.
 VELQUAD_API bool svdhomfit(double** target, double** source, int count, double** transform, double* residual);
 /// @}
@@ -339,7 +340,8 @@ struct ParaFit {
 /// @return true when a parabola was fitted, peak or not. False for vectors of different sizes or fewer than three
 ///         samples, an index outside of them, windows of fewer than four samples, too flat parabolas, a `poly` of
 ///         degree below 2, and when `poly` has no memory to grow.
-/// @throws std::bad_alloc  as `CSVDPolyFit::FitRangeLine`, with `fit` as on false.
+/// @throws std::bad_alloc  as `CSVDPolyFit::FitRangeLine`, with `fit` as on false; with `verbose` also for lack of memory
+///                         for the text on the fit, with all of `fit` but the plateau stored.
 VELQUAD_API bool FitParabola(const std::vector<double>& x, const std::vector<double>& y, int index,
                              double width, ParaFit& fit, CSVDPolyFit& poly, bool verbose, double minCurvature,
                              double backgroundFactor, double noiseFactor);

@@ -72,8 +72,8 @@ VELQUAD_API int matExtentDelaunay2D(void** handle, const tagPOINT3D* point, doub
 ///       coordinates puts outside.
 /// @param tolerance  see above. A vertex up to 3.2e-4 away causes a rebuild whatever the tolerance, but only those
 ///                   within the tolerance give way in it.
-/// @return 1; 0 when nothing was inserted: null arguments, a coordinate that is an infinity or not a number, a flat
-///         extent, or memory shortage.
+/// @return 1, also where (4) drops the point itself; 0 when nothing was tried: null arguments, a coordinate that is an
+///         infinity or not a number, a flat extent, or memory shortage.
 /// @par Cost  A walk over the triangles from the last point to this one, some flips, and a search in a tree. A
 ///            rebuild inserts all points again.
 VELQUAD_API int matExtentWithIdDelaunay2D(void** handle, const tagPOINT3D* point, std::uint64_t id,
@@ -109,8 +109,8 @@ VELQUAD_API unsigned int matFindPositionInDelaunay2D(void* handle, tagPOINT3D* p
 /// @param isOutside  receives 1 for a place outside, else 0. May be null.
 /// @param findFlags  a sum: 1 looks for the nearest edge by the mean distance of its ends, 2 by the distance of the
 ///                   edge itself (1 prevails), 8 and 16 interpolate from all vertices (16 prevails).
-/// @return the number of corners; 0, with `point` as it was, when there are none, for a flat triangle and for null
-///         arguments; 0xFFFFFFFF after an exception.
+/// @return the number of corners; 0, with `point` as it was, when there are none, for a flat triangle, a place that is
+///         not finite, and null arguments; 0xFFFFFFFF after an exception.
 /// @par Cost  A walk from the last point inserted; the nearest edge and the interpolation from all look at all edges
 ///            or vertices.
 /// @par Source  for (3): D. Shepard, A two-dimensional interpolation function for irregularly-spaced data, 1968.
@@ -140,8 +140,8 @@ VELQUAD_API unsigned int matGetPointListOfDelaunay2D(void* handle, tagPOINT3D* p
 ///       left side, with no corner of the one in the other, does not count as meeting.
 /// @param enumFlags  2 for (3); otherwise the vertices in the rectangle.
 /// @param user       passed to the callback as it is.
-/// @return 1; what the callback returned, if that is not 1; 0 for null arguments, a triangulation that never had a
-///         point, and after an exception.
+/// @return 1; what the callback returned, if that is not 1; 0 for null arguments, a triangulation that was made
+///         without an extent and never had a point, and after an exception.
 /// @par Cost  O(n log n) for n vertices.
 VELQUAD_API int matEnumDelaunayPositionsInRect(void* handle, const tagMAT_RECT2D* rect,
                                                unsigned int enumFlags,
@@ -172,7 +172,8 @@ VELQUAD_API int matSetIDOfDelaunayPosition(void* handle, std::uint64_t id, const
 
 /// Makes a map whose cells all hold 0, without seeds.
 /// @param width, height  columns and rows. 0 gives a map without cells.
-/// @return the map, to be released with `matFreeVoronoiMap2D`; null when memory is short or one count is below 0.
+/// @return the map, to be released with `matFreeVoronoiMap2D`; null when memory is short, as it is when the product of
+///         the counts is below 0. Negative counts whose product is not have a map without use.
 VELQUAD_API void* matAllocVoronoiMap2D(int width, int height);
 
 /// Releases a map. Null is ignored.

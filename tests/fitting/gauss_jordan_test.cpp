@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -24,6 +25,7 @@ using velquad::test::OneBasedMatrix;
 using Values = std::vector<double>;
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr double kOutside = -77.25;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /// Same bits, any two not-a-numbers being the same.
@@ -148,6 +150,29 @@ double randomElement(std::mt19937_64& random, int kind) {
             return std::uniform_int_distribution<int>(0, 2)(random) == 0
                        ? -0.0
                        : 1e-16 * static_cast<double>(random() % 7U);
+    }
+}
+
+TEST(GaussJordan, EndsForRowsThatOverlapAndStaysWithinThem) {
+    double shared[] = {kOutside, -1, -2, 2};
+    double last[] = {kOutside, 1, 2, 1};
+    double* rows[] = {nullptr, shared, shared, last};
+    EXPECT_FALSE(matGaussJordanElimination(rows, 3, nullptr, 0));
+    std::mt19937 random(10);
+    for (int round = 0; round < 3000; ++round) {
+        SCOPED_TRACE(round);
+        double values[16];
+        std::fill_n(values, 16, kOutside);
+        for (int i = 4; i < 12; ++i)
+            values[i] = static_cast<double>(random() % 5) - 2;
+        double* table[4] = {};
+        for (int row = 1; row <= 3; ++row)
+            table[row] = values + 3 + random() % 6;
+        matGaussJordanElimination(table, 3, table, 3);
+        for (int i = 0; i < 4; ++i) {
+            ASSERT_EQ(values[i], kOutside);
+            ASSERT_EQ(values[12 + i], kOutside);
+        }
     }
 }
 
