@@ -1,9 +1,10 @@
 // Positions of items in the plane from displacements of pairs and from known places, by linear least squares.
 //
-// A statement has the same coefficients for x and for y, so the equations of both axes have one matrix: a row a
-// statement, a column an item. It is decomposed once and solved for two right-hand sides. Next to one matrix for all
-// equations of both axes, with twice the rows and columns, that is an eighth of the work and gives the same solution:
-// the singular values are the same, each of them twice.
+// The equations of both axes are one system, with two rows a statement and two columns an item, and small systems are
+// solved as that. But a statement has the same coefficients for x and for y, so one matrix with a row a statement and a
+// column an item serves both axes: it has the same singular values, each of them once in place of twice. Large systems
+// are decomposed in this form, for two right-hand sides and an eighth of the work; the solution is the same but for
+// rounding.
 #include <Eigen/SVD>
 #include <algorithm>
 #include <cmath>
@@ -37,9 +38,53 @@ constexpr double kGradientTolerance = 1.0;
 
 constexpr unsigned int kSingularVectors = Eigen::ComputeThinU | Eigen::ComputeThinV;
 
-using Sides = Eigen::Matrix<double, Eigen::Dynamic, 2>;
+// Right-hand sides and positions, x and y in columns of their own.
+using Axes = Eigen::Matrix<double, Eigen::Dynamic, 2>;
+
+// Systems of both axes with up to so many coefficients are solved as one: mosaics of 10 by 10 tiles.
+constexpr double kMostWholeCoefficients = 0x1p17;
+
+// Which items hang together by statements that say something, and which of these groups have no known place.
+class FreeGroups {
+  public:
+    FreeGroups(const std::vector<Statement>& statements, std::size_t itemCount)
+        : parents_(itemCount), isPlaced_(itemCount), sums_(static_cast<Eigen::Index>(itemCount), 2) {
+        for (std::size_t item = 0; item < itemCount; ++item)
+            parents_[item] = static_cast<std::uint32_t>(item);
+        for (const Statement& statement : statements)
+            if (statement.weight != 0.0) parents_[groupOf(statement.minuend)] = groupOf(statement.subtrahend);
+        for (const Statement& statement : statements)
+            if (statement.weight != 0.0 && !statement.hasSubtrahend())
+                isPlaced_[groupOf(statement.minuend)] = 1;
+    }
+
+    // Tells whether the free groups are centred at the origin, as they are in the solution of least norm.
+    bool areCentred(const Axes& positions) {
+        sums_.setZero();
+        for (std::uint32_t item = 0; item < parents_.size(); ++item) {
+            const std::uint32_t group = groupOf(item);
+            if (isPlaced_[group] == 0) sums_.row(group) += positions.row(item);
+        }
+        return !(sums_.array().abs() > kCentreTolerance * positions.norm()).any();
+    }
+
+  private:
+    // Solutions that are centred differ from it by rounding, others by as much as their size.
+    static constexpr double kCentreTolerance = 1e-9;
+
+    std::uint32_t groupOf(std::uint32_t item) {
+        while (parents_[item] != item)
+            item = parents_[item] = parents_[parents_[item]];
+        return item;
+    }
+
+    std::vector<std::uint32_t> parents_;  // the group of an item is the last of its parents
+    std::vector<unsigned char> isPlaced_;
+    Axes sums_;
+};
 
 // Tells whether the solution fulfils the normal equations.
+template <typename Sides>
 bool isLeastSquares(const Eigen::MatrixXd& matrix, const Sides& sides, const Sides& solution,
                     double rounding) {
     const double matrixNorm = matrix.norm();
@@ -53,11 +98,14 @@ bool isLeastSquares(const Eigen::MatrixXd& matrix, const Sides& sides, const Sid
 }
 
 // The minimum-norm least-squares solution. Singular values below `rounding` times the largest count as zero.
-Sides solveMinimumNorm(const Eigen::MatrixXd& matrix, const Sides& sides, double rounding) {
-    if (matrix.size() == 0) return Sides::Zero(matrix.cols(), 2);
+// `isLeastNorm(solution)` tells whether a least-squares solution is the one of minimum norm.
+template <typename Sides, typename IsLeastNorm>
+Sides solveMinimumNorm(const Eigen::MatrixXd& matrix, const Sides& sides, double rounding,
+                       const IsLeastNorm& isLeastNorm) {
+    if (matrix.size() == 0) return Sides::Zero(matrix.cols(), sides.cols());
     // A decomposition of what is not finite is undefined.
     if (!matrix.allFinite() || !sides.allFinite())
-        return Sides::Constant(matrix.cols(), 2, std::numeric_limits<double>::quiet_NaN());
+        return Sides::Constant(matrix.cols(), sides.cols(), std::numeric_limits<double>::quiet_NaN());
     velquad::fitting::requireMemoryForDecomposition(static_cast<std::size_t>(matrix.rows()),
                                                     static_cast<std::size_t>(matrix.cols()));
     {
@@ -65,16 +113,13 @@ Sides solveMinimumNorm(const Eigen::MatrixXd& matrix, const Sides& sides, double
         decomposition.setThreshold(rounding);
         Sides solution = decomposition.solve(sides);
         // Divide and conquer, as Eigen 3.4 has it, at times misses the solution of sparse systems.
-        if (decomposition.info() == Eigen::Success && isLeastSquares(matrix, sides, solution, rounding))
+        if (decomposition.info() == Eigen::Success && isLeastSquares(matrix, sides, solution, rounding) &&
+            isLeastNorm(solution))
             return solution;
     }
     Eigen::JacobiSVD<Eigen::MatrixXd> decomposition(matrix, kSingularVectors);
     decomposition.setThreshold(rounding);
     return decomposition.solve(sides);
-}
-
-double square(double value) {
-    return value * value;
 }
 
 }  // namespace
@@ -100,19 +145,63 @@ struct CSVDGlobAln::Record {
         return static_cast<std::ptrdiff_t>(ids.size()) - 1;
     }
 
-    /// The sum of squared differences of both axes' equations.
-    double sumOfSquares() const {
-        double sum = 0.0;
+    /// What counts as zero is told by the size of the problem that was asked for, used or not.
+    double rounding() const {
+        const std::size_t size = 2 * std::max<std::size_t>(1, std::min(maxStatements, maxItems));
+        return static_cast<double>(size) * std::numeric_limits<double>::epsilon();
+    }
+
+    /// Solves for both axes at once. @return the sum of squared differences of all equations.
+    double solveWhole() {
+        Eigen::MatrixXd matrix = Eigen::MatrixXd::Zero(static_cast<Eigen::Index>(2 * maxStatements),
+                                                       static_cast<Eigen::Index>(2 * maxItems));
+        Eigen::VectorXd side = Eigen::VectorXd::Zero(matrix.rows());
+        Eigen::Index row = 0;
         for (const Statement& statement : statements) {
-            double x = solution[2 * std::size_t{statement.minuend}];
-            double y = solution[2 * std::size_t{statement.minuend} + 1];
-            if (statement.hasSubtrahend()) {
-                x -= solution[2 * std::size_t{statement.subtrahend}];
-                y -= solution[2 * std::size_t{statement.subtrahend} + 1];
+            for (const auto& [axis, value] : {std::pair{0, statement.x}, std::pair{1, statement.y}}) {
+                matrix(row, 2 * Eigen::Index{statement.minuend} + axis) = statement.weight;
+                if (statement.hasSubtrahend())
+                    matrix(row, 2 * Eigen::Index{statement.subtrahend} + axis) = -statement.weight;
+                side(row++) = value;
             }
-            sum += square(statement.weight * x - statement.x) + square(statement.weight * y - statement.y);
         }
-        return sum;
+        FreeGroups groups(statements, ids.size());
+        Axes positions(static_cast<Eigen::Index>(ids.size()), 2);
+        const Eigen::VectorXd unknowns =
+            solveMinimumNorm(matrix, side, rounding(), [&](const Eigen::VectorXd& solved) {
+                for (Eigen::Index item = 0; item < positions.rows(); ++item)
+                    positions.row(item) << solved(2 * item), solved(2 * item + 1);
+                return groups.areCentred(positions);
+            });
+        // The columns behind the items in use are zero, and so is what they stand for.
+        std::vector<double> solved(2 * maxItems);
+        std::copy_n(unknowns.data(), 2 * ids.size(), solved.begin());
+        const double squares = (matrix * unknowns - side).squaredNorm();
+        solution = std::move(solved);
+        return squares;
+    }
+
+    /// Solves for both axes by the matrix that they share. @return as `solveWhole`.
+    double solveByAxes() {
+        Eigen::MatrixXd matrix = Eigen::MatrixXd::Zero(static_cast<Eigen::Index>(statements.size()),
+                                                       static_cast<Eigen::Index>(ids.size()));
+        Axes sides(matrix.rows(), 2);
+        Eigen::Index row = 0;
+        for (const Statement& statement : statements) {
+            matrix(row, statement.minuend) = statement.weight;
+            if (statement.hasSubtrahend()) matrix(row, statement.subtrahend) = -statement.weight;
+            sides.row(row++) << statement.x, statement.y;
+        }
+        FreeGroups groups(statements, ids.size());
+        const Axes positions = solveMinimumNorm(
+            matrix, sides, rounding(), [&](const Axes& solved) { return groups.areCentred(solved); });
+        std::vector<double> solved(2 * maxItems);
+        for (std::size_t item = 0; item < ids.size(); ++item) {
+            solved[2 * item] = positions(static_cast<Eigen::Index>(item), 0);
+            solved[2 * item + 1] = positions(static_cast<Eigen::Index>(item), 1);
+        }
+        solution = std::move(solved);
+        return (matrix * positions - sides).squaredNorm();
     }
 };
 
@@ -174,29 +263,9 @@ bool CSVDGlobAln::PutConstraintWeightFactor(double factor) {
 
 double CSVDGlobAln::GlobalAlign() {
     if (record == nullptr) return 0.0;
-    const auto rows = static_cast<Eigen::Index>(record->statements.size());
-    const auto columns = static_cast<Eigen::Index>(record->ids.size());
-    Eigen::MatrixXd matrix = Eigen::MatrixXd::Zero(rows, columns);
-    Sides sides(rows, 2);
-    for (Eigen::Index row = 0; row < rows; ++row) {
-        const Statement& statement = record->statements[static_cast<std::size_t>(row)];
-        matrix(row, statement.minuend) = statement.weight;
-        if (statement.hasSubtrahend()) matrix(row, statement.subtrahend) = -statement.weight;
-        sides(row, 0) = statement.x;
-        sides(row, 1) = statement.y;
-    }
-    // What counts as zero is told by the size of the problem that was asked for, used or not.
-    const std::size_t size = 2 * std::max<std::size_t>(1, std::min(record->maxStatements, record->maxItems));
-    const double rounding = static_cast<double>(size) * std::numeric_limits<double>::epsilon();
-    const Sides positions = solveMinimumNorm(matrix, sides, rounding);
-
-    std::vector<double> solution(2 * record->maxItems);
-    for (std::size_t item = 0; item < record->ids.size(); ++item) {
-        solution[2 * item] = positions(static_cast<Eigen::Index>(item), 0);
-        solution[2 * item + 1] = positions(static_cast<Eigen::Index>(item), 1);
-    }
-    record->solution = std::move(solution);
-    return record->sumOfSquares();
+    const double rows = 2.0 * static_cast<double>(record->maxStatements);
+    const double columns = 2.0 * static_cast<double>(record->maxItems);
+    return rows * columns <= kMostWholeCoefficients ? record->solveWhole() : record->solveByAxes();
 }
 
 int CSVDGlobAln::GetColumns() const {

@@ -467,8 +467,8 @@ class CSVDFitPoly2d {
     VELQUAD_API void PutCalibDot(double x, double y, double targetX, double targetY);
 
     /// Fits the map. The dots stay, so that more can be added and the fit repeated.
-    /// @param params  replaced by the result. The coefficients are not-a-numbers when dots are not finite; those of
-    ///                one axis when only true positions along that axis are not.
+    /// @param params  replaced by the result. The coefficients are not-a-numbers when measured positions are not finite,
+    ///                those of one axis infinities and not-a-numbers when true positions along that axis are not.
     /// @return true; false, with nothing stored, without a record.
     /// @throws std::bad_alloc  with `params` as it was.
     VELQUAD_API bool Fit(LensDistortionParams& params);
@@ -503,8 +503,9 @@ class CSVDFitPoly2d {
 ///   (2) The sign of a weight is irrelevant; a statement of weight 0 says nothing but needs room.
 ///   (3) Items get indices in the order in which their ids are first used.
 ///
-/// **Memory.** As for `CSVDFitPoly2d`; linear in pairs and items, but `GlobalAlign` needs matrices of half as many
-/// rows and columns as there are equations and unknowns.
+/// **Memory.** As for `CSVDFitPoly2d`; linear in pairs and items, but `GlobalAlign` needs matrices of the size of
+/// the system: two rows for each pair and item that there is room for, two columns for each item. Large systems, of
+/// more than 2^17 such coefficients, are solved with half as many of both for what is in use.
 /// **Exceptions.** `std::bad_alloc` from `Allocate` and `GlobalAlign`.
 /// **Threads.** An object belongs to one thread at a time; const members may run side by side.
 /// @par Source  The minimum-norm least-squares solution by singular values: G. Golub, W. Kahan, Calculating the
