@@ -200,8 +200,9 @@ struct CSVDGlobAln::Record {
             solved[2 * item] = positions(static_cast<Eigen::Index>(item), 0);
             solved[2 * item + 1] = positions(static_cast<Eigen::Index>(item), 1);
         }
+        const double squares = (matrix * positions - sides).squaredNorm();
         solution = std::move(solved);
-        return (matrix * positions - sides).squaredNorm();
+        return squares;
     }
 };
 
